@@ -1,0 +1,16 @@
+# Fails the build when a core source includes a Qt or Win32 header.
+# Only src/gui may use Qt; Win32 lives behind the ports.
+file(GLOB_RECURSE files ${SRC_DIR}/*.h ${SRC_DIR}/*.cpp)
+set(bad "")
+foreach(f ${files})
+  if(f MATCHES "/src/gui/")
+    continue()
+  endif()
+  file(STRINGS ${f} hits REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"](Q[A-Za-z]+|Qt[A-Za-z]*/[^>\"]*|windows\\.h|winuser\\.h|winbase\\.h|windef\\.h)[>\"]")
+  if(hits)
+    list(APPEND bad "${f}: ${hits}")
+  endif()
+endforeach()
+if(bad)
+  message(FATAL_ERROR "Qt or Win32 header in the core:\n${bad}")
+endif()

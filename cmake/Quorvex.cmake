@@ -1,0 +1,31 @@
+# qv_library(NAME FOLDER DEPS...): a static library of every .cpp in
+# src/FOLDER that is not a test.
+function(qv_library name folder)
+  file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+  list(FILTER srcs EXCLUDE REGEX "_test\\.cpp$")
+  if(srcs)
+    add_library(${name} STATIC ${srcs})
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${ARGN})
+  else()
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${name} INTERFACE ${ARGN})
+  endif()
+endfunction()
+
+# qv_folder_tests(FOLDER EXTRA_DEPS...): one GoogleTest program per folder,
+# built from src/FOLDER/*_test.cpp.
+function(qv_folder_tests folder)
+  if(NOT QUORVEX_BUILD_TESTS)
+    return()
+  endif()
+  file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*_test.cpp)
+  if(NOT tests)
+    return()
+  endif()
+  set(exe qv_${folder}_test)
+  add_executable(${exe} ${tests})
+  target_link_libraries(${exe} PRIVATE qv_${folder} ${ARGN} GTest::gtest_main GTest::gmock)
+  gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 60)
+endfunction()

@@ -1,0 +1,59 @@
+// A label or button caption, and the status strip: texts that views draw
+// and the transcript follows. Observers hear of real changes only.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quorvex {
+
+class Label {
+ public:
+  using Observer = std::function<void(const Label&)>;
+
+  Label(std::string name, std::string caption)
+      : name_(std::move(name)), caption_(std::move(caption)) {}
+  Label(const Label&) = delete;
+  Label& operator=(const Label&) = delete;
+
+  const std::string& name() const { return name_; }
+  const std::string& caption() const { return caption_; }
+  void Set(std::string caption) {
+    if (caption == caption_) return;
+    caption_ = std::move(caption);
+    for (auto& o : observers_) o(*this);
+  }
+  void Subscribe(Observer o) { observers_.push_back(std::move(o)); }
+
+ private:
+  std::string name_;
+  std::string caption_;
+  std::vector<Observer> observers_;
+};
+
+// The status strip (`picStatus`) painted by DrawStatus: a text and the
+// colour of its band.
+class StatusStrip {
+ public:
+  using Observer = std::function<void(const StatusStrip&)>;
+
+  const std::string& text() const { return text_; }
+  const std::string& colour() const { return colour_; }
+  // DrawStatus(picStatus, colour, text).
+  void Draw(std::string text, std::string colour = "#4488BB") {
+    bool changed = text != text_;
+    text_ = std::move(text);
+    colour_ = std::move(colour);
+    if (changed)
+      for (auto& o : observers_) o(*this);
+  }
+  void Subscribe(Observer o) { observers_.push_back(std::move(o)); }
+
+ private:
+  std::string text_;
+  std::string colour_ = "#4488BB";
+  std::vector<Observer> observers_;
+};
+
+}  // namespace quorvex

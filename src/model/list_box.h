@@ -1,0 +1,81 @@
+// A list box as the program's windows hold it: ordered text items, a
+// selection, the list box's own exact case-insensitive search, and change
+// notification so that views and the transcript follow it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quorvex {
+
+struct ListChange {
+  enum class Op { kAdd, kRemove, kClear };
+  Op op;
+  int index = -1;        // position of the item (add: where it went)
+  std::uint64_t id = 0;  // the item's stable id (see ListBox::IdAt)
+  std::string item;      // the item's text (empty for kClear)
+};
+
+class ListBox {
+ public:
+  using Observer = std::function<void(const ListBox&, const ListChange&)>;
+
+  explicit ListBox(std::string name) : name_(std::move(name)) {}
+  ListBox(const ListBox&) = delete;
+  ListBox& operator=(const ListBox&) = delete;
+
+  const std::string& name() const { return name_; }
+  int Count() const { return static_cast<int>(items_.size()); }
+  bool Empty() const { return items_.empty(); }
+  // The item at `index`, or an empty text when out of range.
+  const std::string& Item(int index) const;
+  // Every item gets an id when added; ids grow in list order, so an item's
+  // position can be found by binary search (IndexOfId).
+  std::uint64_t IdAt(int index) const { return items_[index].id; }
+  int IndexOfId(std::uint64_t id) const;  // -1 when gone
+  std::vector<std::string> Items() const;
+
+  // AddItem at the end; returns the new item's id.
+  std::uint64_t Add(std::string item);
+  void Remove(int index);  // out of range does nothing
+  bool RemoveId(std::uint64_t id);
+  void Clear();
+
+  // LB_FINDSTRINGEXACT from the start: exact match ignoring (ASCII) case.
+  int FindExact(std::string_view text) const;
+  bool Contains(std::string_view text) const;
+
+  // ListIndex: -1 when nothing is selected.
+  int selected() const { return selected_; }
+  void Select(int index);
+
+  void Subscribe(Observer observer) {
+    observers_.push_back(std::move(observer));
+  }
+
+ private:
+  struct Entry {
+    std::uint64_t id;
+    std::string text;
+  };
+  void Notify(const ListChange& change);
+  void IndexAdd(const std::string& text);
+  void IndexRemove(const std::string& text);
+
+  std::string name_;
+  std::vector<Entry> items_;
+  std::uint64_t next_id_ = 1;
+  int selected_ = -1;
+  // Lower-cased text -> number of items with it, for O(1) exact searches.
+  std::unordered_map<std::string, int> folded_;
+  std::vector<Observer> observers_;
+};
+
+// "ListHasItem": false for an empty text, otherwise the exact search.
+bool ListHasItem(const ListBox& list, std::string_view text);
+
+}  // namespace quorvex
