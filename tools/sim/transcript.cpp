@@ -1,0 +1,73 @@
+#include "sim/transcript.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace quorvex::sim {
+
+std::string JsonDump(const nlohmann::ordered_json& j, int indent) {
+  return j.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+namespace {
+std::string Fixed3(double v) {
+  char buf[48];
+  std::snprintf(buf, sizeof buf, "%.3f", v);
+  return buf;
+}
+
+std::string ClockText(double seconds) {
+  long long ms = std::llround(seconds * 1000);
+  ms %= 86400000LL;
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%02lld:%02lld:%02lld.%03lld", ms / 3600000,
+                (ms / 60000) % 60, (ms / 1000) % 60, ms % 1000);
+  return buf;
+}
+
+std::string Str(const nlohmann::ordered_json& f, const char* key) {
+  auto it = f.find(key);
+  if (it == f.end() || it->is_null()) return {};
+  if (it->is_string()) return it->get<std::string>();
+  return JsonDump(*it);
+}
+}  // namespace
+
+std::string Transcript::TextLine(const std::string& ev,
+                                 const nlohmann::ordered_json& f) const {
+  if (ev == "chat") return Str(f, "sn") + ": " + Str(f, "text");
+  if (ev == "status") return "[status] " + Str(f, "text");
+  if (ev == "label") return "[" + Str(f, "name") + "] " + Str(f, "text");
+  if (ev == "list") {
+    std::string op = Str(f, "op");
+    std::string sign = op == "add" ? "+ " : op == "remove" ? "- " : "cleared";
+    return "[" + Str(f, "name") + "] " + sign + Str(f, "item");
+  }
+  if (ev == "mail")
+    return "[mail " + Str(f, "send") + "] from " + Str(f, "from") + " to " +
+           Str(f, "to") + ": " + Str(f, "subject");
+  if (ev == "im") return "[im] to " + Str(f, "to") + ": " + Str(f, "text");
+  if (ev == "prompt")
+    return "[" + Str(f, "kind") + " box] " + Str(f, "title") + " / " +
+           Str(f, "prompt") + " -> " + JsonDump(f.value("answer", ""));
+  if (ev == "client") return "[client] " + Str(f, "what");
+  if (ev == "machine") return "[machine] " + Str(f, "what");
+  if (ev == "final") return "[final]\n" + JsonDump(f, 2);
+  return "[" + ev + "] " + JsonDump(f);
+}
+
+void Transcript::Write(const std::string& ev, const nlohmann::ordered_json& fields) {
+  ++events_;
+  if (format_ == TranscriptFormat::kText) {
+    out_ << ClockText(clock_()) << "  " << TextLine(ev, fields) << '\n';
+    return;
+  }
+  nlohmann::ordered_json j;
+  j["ev"] = ev;
+  for (auto it = fields.begin(); it != fields.end(); ++it) j[it.key()] = it.value();
+  std::string body = JsonDump(j);
+  // "t" leads, with exactly three decimals.
+  out_ << "{\"t\":" << Fixed3(elapsed_()) << "," << body.substr(1) << '\n';
+}
+
+}  // namespace quorvex::sim
