@@ -205,13 +205,8 @@ void VirtualHost::RunUntil(double end_seconds) {
   while (true) {
     RunDue();
     std::int64_t next = NextDue();
-    if (next == INT64_MAX) {
-      if (end_us_ != INT64_MAX) {
-        AdvanceTo(end_us_);  // throws RunEnded
-      }
-      AdvanceTo(std::max(end, now_us_));
-      return;
-    }
+    // Nothing left before `end`: time goes to `end` (throwing RunEnded
+    // when the run's end comes first), never beyond it.
     if (next > end) {
       AdvanceTo(end);
       return;

@@ -50,8 +50,8 @@ class VirtualHost : public Host {
   // The longest single jump of the clock when nothing is due (seconds).
   void SetIdleStep(double seconds) { idle_step_us_ = Micros(seconds); }
 
-  // Runs the loop until virtual time `end_seconds` (then throws RunEnded
-  // if an end is set there) or returns when nothing is left to do.
+  // Runs the loop until virtual time `end_seconds`, even when nothing is
+  // left to do; throws RunEnded when the end set with SetEnd comes first.
   void RunUntil(double end_seconds);
 
  private:

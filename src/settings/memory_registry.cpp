@@ -1,6 +1,7 @@
 #include "settings/memory_registry.h"
 
 #include "model/text_util.h"
+#include "settings/profile_text.h"
 
 namespace quorvex {
 
@@ -13,19 +14,6 @@ auto FindFolded(Map& m, const std::string& name) {
   for (it = m.begin(); it != m.end(); ++it)
     if (EqualsIgnoreCase(it->first, name)) return it;
   return m.end();
-}
-
-std::string Unquote(const std::string& raw) {
-  std::string v = raw;
-  auto blank = [](char c) { return c == ' ' || c == '\t'; };
-  size_t b = 0, e = v.size();
-  while (b < e && blank(v[b])) ++b;
-  while (e > b && blank(v[e - 1])) --e;
-  v = v.substr(b, e - b);
-  if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') &&
-      v.back() == v.front())
-    v = v.substr(1, v.size() - 2);
-  return v;
 }
 }  // namespace
 
@@ -97,7 +85,7 @@ std::string MemoryProfileFile::GetString(
   if (s == f->second.end()) return default_value;
   auto k = FindFolded(s->second, key);
   if (k == s->second.end()) return default_value;
-  return Unquote(k->second);
+  return ProfileUnquote(k->second);
 }
 
 void MemoryProfileFile::WriteString(const std::string& file,
@@ -127,7 +115,7 @@ ProfileFile::Sections MemoryProfileFile::Dump(const std::string& file) const {
   if (f == files_.end()) return {};
   Sections out;
   for (const auto& [s, keys] : f->second)
-    for (const auto& [k, v] : keys) out[s][k] = Unquote(v);
+    for (const auto& [k, v] : keys) out[s][k] = ProfileUnquote(v);
   return out;
 }
 

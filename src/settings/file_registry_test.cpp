@@ -1,0 +1,159 @@
+#include "settings/file_registry.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <type_traits>
+
+#include "settings/memory_registry.h"
+
+namespace quorvex {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TempFolder {
+ public:
+  TempFolder()
+      : path_(fs::temp_directory_path() /
+              ("qv_registry_" + std::to_string(std::random_device{}()))) {
+    fs::create_directories(path_);
+  }
+  ~TempFolder() { fs::remove_all(path_); }
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+void WriteText(const fs::path& p, const std::string& text) {
+  std::ofstream(p, std::ios::binary) << text;
+}
+
+// Both registries follow the same rules; the file one only adds the file.
+template <typename T>
+class RegistryTest : public testing::Test {
+ protected:
+  std::unique_ptr<Registry> Make() {
+    if constexpr (std::is_same_v<T, FileRegistry>) {
+      return std::make_unique<FileRegistry>(folder_.path() / "registry.json");
+    } else {
+      return std::make_unique<MemoryRegistry>();
+    }
+  }
+  TempFolder folder_;
+};
+
+using RegistryTypes = testing::Types<MemoryRegistry, FileRegistry>;
+TYPED_TEST_SUITE(RegistryTest, RegistryTypes);
+
+TYPED_TEST(RegistryTest, NamesMatchIgnoringCaseAndKeepTheirFirstSpelling) {
+  auto reg = this->Make();
+  EXPECT_EQ(reg->Get("Quorvex", "Settings", "Handle"), std::nullopt);
+  EXPECT_EQ(reg->GetSetting("Quorvex", "Settings", "Handle", "srv"), "srv");
+  reg->Save("Quorvex", "Settings", "Handle", "bot");
+  reg->Save("QUORVEX", "settings", "HANDLE", "srv");
+  reg->Save("quorvex", "Settings", "ListSize", "");
+  EXPECT_EQ(reg->Get("quorvex", "SETTINGS", "handle"), "srv");
+  EXPECT_EQ(reg->Get("Quorvex", "Settings", "ListSize"), "");  // not missing
+  Registry::Sections want = {
+      {"Settings", {{"Handle", "srv"}, {"ListSize", ""}}}};
+  EXPECT_EQ(reg->Dump("QUORVEX"), want);
+
+  reg->DeleteKey("quorvex", "SETTINGS", "handle");
+  reg->DeleteKey("Quorvex", "Settings", "Missing");
+  reg->DeleteKey("Other", "Settings", "Handle");
+  EXPECT_EQ(reg->Get("Quorvex", "Settings", "Handle"), std::nullopt);
+  EXPECT_EQ(reg->Get("Quorvex", "Settings", "ListSize"), "");
+
+  reg->Save("Quorvex", "Banning", "Max", "3");
+  reg->Save("Other", "Settings", "Handle", "kept");
+  reg->DeleteApp("QUORVEX");
+  EXPECT_TRUE(reg->Dump("Quorvex").empty());
+  EXPECT_EQ(reg->Get("Quorvex", "Banning", "Max"), std::nullopt);
+  EXPECT_EQ(reg->Get("other", "settings", "handle"), "kept");
+  reg->DeleteApp("Quorvex");  // already gone: nothing
+  // Written anew after the wipe, with the new spelling.
+  reg->Save("quorvex", "settings", "Loaded", "5");
+  EXPECT_EQ(reg->Dump("Quorvex"),
+            (Registry::Sections{{"settings", {{"Loaded", "5"}}}}));
+}
+
+TEST(FileRegistryTest, SettingsOutliveTheInstanceAndNoTemporaryFileStays) {
+  TempFolder folder;
+  const fs::path file = folder.path() / "config" / "quorvex" / "registry.json";
+  {
+    FileRegistry reg(file);
+    EXPECT_FALSE(fs::exists(file));  // nothing written by reading
+    reg.Save("Quorvex", "Settings", "LAscii", "\xC2\xB7\xE2\x80\xA2[");
+    reg.Save("Quorvex", "ChatMsgs", "Line \"1\"", "a\nb\\c");
+    reg.Save("Quorvex", "Settings", "Handle", "srv");
+    reg.DeleteKey("Quorvex", "Settings", "Handle");
+  }
+  EXPECT_TRUE(fs::exists(file));
+  EXPECT_FALSE(fs::exists(file.string() + ".tmp"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()),
+                          fs::directory_iterator()),
+            1);
+
+  FileRegistry again(file);
+  EXPECT_EQ(again.Get("QUORVEX", "settings", "lascii"),
+            "\xC2\xB7\xE2\x80\xA2[");
+  EXPECT_EQ(again.Get("Quorvex", "ChatMsgs", "line \"1\""), "a\nb\\c");
+  EXPECT_EQ(again.Get("Quorvex", "Settings", "Handle"), std::nullopt);
+  // The first spelling survives the round trip.
+  EXPECT_EQ(again.Dump("quorvex").count("ChatMsgs"), 1u);
+  EXPECT_EQ(again.Dump("quorvex").at("Settings").count("LAscii"), 1u);
+
+  again.DeleteApp("Quorvex");
+  EXPECT_TRUE(FileRegistry(file).Dump("Quorvex").empty());
+}
+
+TEST(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
+  TempFolder folder;
+  const fs::path file = folder.path() / "registry.json";
+  auto message = [&](const std::string& text) -> std::string {
+    WriteText(file, text);
+    try {
+      FileRegistry reg(file);
+    } catch (const std::runtime_error& e) {
+      return e.what();
+    }
+    return "(loaded)";
+  };
+  const std::string bad_json = message("{\"Quorvex\": {\"Settings\": ");
+  EXPECT_NE(bad_json.find(file.string()), std::string::npos) << bad_json;
+  EXPECT_NE(bad_json.find("parse error"), std::string::npos) << bad_json;
+
+  const std::string number =
+      message(R"({"Quorvex": {"Settings": {"ListSize": 250}}})");
+  EXPECT_NE(number.find(file.string()), std::string::npos) << number;
+  EXPECT_NE(number.find("\"ListSize\" is not text"), std::string::npos)
+      << number;
+  EXPECT_NE(message("[1, 2]").find("not an object"), std::string::npos);
+  EXPECT_NE(message(R"({"Quorvex": {"Settings": {}, "SETTINGS": {}}})")
+                .find("differ only in case"),
+            std::string::npos);
+  EXPECT_NE(message("").find(file.string()), std::string::npos);
+  // The bad file is left for the user to look at.
+  EXPECT_TRUE(fs::exists(file));
+
+  EXPECT_EQ(message(R"({"Quorvex": {"Settings": {"Handle": "srv"}}})"),
+            "(loaded)");
+}
+
+TEST(FileRegistryTest, AFailedWriteThrowsAndKeepsTheOldFile) {
+  TempFolder folder;
+  // A file where the registry's folder should be.
+  WriteText(folder.path() / "blocked", "not a folder");
+  FileRegistry reg(folder.path() / "blocked" / "registry.json");
+  EXPECT_THROW(reg.Save("Quorvex", "Settings", "Handle", "srv"),
+               std::runtime_error);
+}
+
+}  // namespace
+}  // namespace quorvex

@@ -1,0 +1,218 @@
+#include "settings/ini_profile_file.h"
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "model/text_util.h"
+#include "settings/profile_text.h"
+#include "settings/replace_file.h"
+
+namespace quorvex {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool Blank(char c) { return c == ' ' || c == '\t'; }
+
+std::string_view TrimBlanks(std::string_view s) {
+  std::size_t b = 0, e = s.size();
+  while (b < e && Blank(s[b])) ++b;
+  while (e > b && Blank(s[e - 1])) --e;
+  return s.substr(b, e - b);
+}
+
+// A line cannot hold a line break: it becomes a blank.
+std::string OneLine(std::string_view s) {
+  std::string out(s);
+  for (char& c : out)
+    if (c == '\r' || c == '\n') c = ' ';
+  return out;
+}
+
+struct IniLine {
+  enum class Kind { kOther, kSection, kKey };
+  Kind kind = Kind::kOther;
+  std::string text;   // as it stands in the file, without the line end
+  std::string name;   // section or key name, blanks trimmed
+  std::string value;  // keys: everything after the first "=", raw
+};
+
+IniLine Classify(std::string text) {
+  IniLine line;
+  std::string_view t = text;
+  // A UTF-8 mark at the start (editors add it) is no part of the name.
+  if (t.substr(0, 3) == "\xEF\xBB\xBF") t.remove_prefix(3);
+  t = TrimBlanks(t);
+  if (!t.empty() && t.front() == '[') {
+    std::size_t close = t.find(']');
+    line.kind = IniLine::Kind::kSection;
+    line.name = TrimBlanks(
+        t.substr(1, close == std::string_view::npos ? t.npos : close - 1));
+  } else if (!t.empty() && t.front() != ';') {
+    std::size_t eq = t.find('=');
+    if (eq != std::string_view::npos && !TrimBlanks(t.substr(0, eq)).empty()) {
+      line.kind = IniLine::Kind::kKey;
+      line.name = TrimBlanks(t.substr(0, eq));
+      line.value = t.substr(eq + 1);
+    }
+  }
+  line.text = std::move(text);
+  return line;
+}
+
+enum class ReadResult { kMissing, kRead, kUnreadable };
+
+ReadResult ReadWhole(const fs::path& path, std::string* contents) {
+  std::error_code ec;
+  auto status = fs::status(path, ec);
+  if (!fs::exists(status)) return ReadResult::kMissing;
+  if (!fs::is_regular_file(status)) return ReadResult::kUnreadable;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return ReadResult::kUnreadable;
+  std::ostringstream buf;
+  buf << in.rdbuf();
+  if (in.bad()) return ReadResult::kUnreadable;
+  *contents = std::move(buf).str();
+  return ReadResult::kRead;
+}
+
+std::vector<IniLine> SplitLines(const std::string& contents) {
+  std::vector<IniLine> lines;
+  std::size_t pos = 0;
+  while (pos < contents.size()) {
+    std::size_t nl = contents.find('\n', pos);
+    std::size_t end = nl == std::string::npos ? contents.size() : nl;
+    std::size_t stop = end;
+    if (stop > pos && contents[stop - 1] == '\r') --stop;
+    lines.push_back(Classify(contents.substr(pos, stop - pos)));
+    pos = end + 1;
+  }
+  return lines;
+}
+
+std::string JoinLines(const std::vector<IniLine>& lines) {
+  std::string out;
+  for (const IniLine& l : lines) out.append(l.text).append("\r\n");
+  return out;
+}
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+std::size_t FindSection(const std::vector<IniLine>& lines,
+                        std::string_view name) {
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    if (lines[i].kind == IniLine::Kind::kSection &&
+        EqualsIgnoreCase(lines[i].name, name))
+      return i;
+  return kNone;
+}
+
+// One past the last line of the section whose header is at `header`.
+std::size_t SectionEnd(const std::vector<IniLine>& lines, std::size_t header) {
+  std::size_t i = header + 1;
+  while (i < lines.size() && lines[i].kind != IniLine::Kind::kSection) ++i;
+  return i;
+}
+
+std::size_t FindKey(const std::vector<IniLine>& lines, std::size_t header,
+                    std::string_view key) {
+  std::size_t end = SectionEnd(lines, header);
+  for (std::size_t i = header + 1; i < end; ++i)
+    if (lines[i].kind == IniLine::Kind::kKey &&
+        EqualsIgnoreCase(lines[i].name, key))
+      return i;
+  return kNone;
+}
+
+}  // namespace
+
+std::string IniProfileFile::GetString(const std::string& file,
+                                      const std::string& section,
+                                      const std::string& key,
+                                      const std::string& default_value) const {
+  std::string contents;
+  if (ReadWhole(file, &contents) != ReadResult::kRead) return default_value;
+  std::vector<IniLine> lines = SplitLines(contents);
+  std::size_t s = FindSection(lines, TrimBlanks(section));
+  if (s == kNone) return default_value;
+  std::size_t k = FindKey(lines, s, TrimBlanks(key));
+  if (k == kNone) return default_value;
+  return ProfileUnquote(lines[k].value);
+}
+
+void IniProfileFile::WriteString(const std::string& file,
+                                 const std::string& section,
+                                 const std::string& key,
+                                 const std::optional<std::string>& value) {
+  last_error_.clear();
+  std::string contents;
+  ReadResult read = ReadWhole(file, &contents);
+  if (read == ReadResult::kUnreadable) {
+    // Writing now would lose whatever the file holds.
+    last_error_ = "cannot read " + file;
+    return;
+  }
+  std::vector<IniLine> lines = SplitLines(contents);
+  const std::string section_name(TrimBlanks(OneLine(section)));
+  const std::string key_name(TrimBlanks(OneLine(key)));
+
+  std::size_t s = FindSection(lines, section_name);
+  if (s == kNone) {
+    if (!value) return;
+    lines.push_back(Classify("[" + section_name + "]"));
+    lines.push_back(Classify(key_name + "=" + OneLine(*value)));
+  } else {
+    std::size_t k = FindKey(lines, s, key_name);
+    if (k != kNone) {
+      if (value) {
+        lines[k] = Classify(lines[k].name + "=" + OneLine(*value));
+      } else {
+        lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(k));
+      }
+    } else {
+      if (!value) return;
+      // After the section's last non-blank line, so that blank lines
+      // separating it from the next section stay where they are.
+      std::size_t at = s + 1;
+      for (std::size_t i = s + 1; i < SectionEnd(lines, s); ++i)
+        if (!TrimBlanks(lines[i].text).empty()) at = i + 1;
+      lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at),
+                   Classify(key_name + "=" + OneLine(*value)));
+    }
+  }
+
+  std::string updated = JoinLines(lines);
+  if (read == ReadResult::kRead && updated == contents) return;
+  ReplaceFileContents(file, updated, &last_error_);
+}
+
+ProfileFile::Sections IniProfileFile::Dump(const std::string& file) const {
+  Sections out;
+  std::string contents;
+  if (ReadWhole(file, &contents) != ReadResult::kRead) return out;
+  std::vector<IniLine> lines = SplitLines(contents);
+  // Only what a read would find: the first section of a name and the first
+  // key of a name in it.
+  std::set<std::string> seen_sections;
+  std::map<std::string, std::string>* current = nullptr;
+  std::set<std::string> seen_keys;
+  for (const IniLine& line : lines) {
+    if (line.kind == IniLine::Kind::kSection) {
+      current = nullptr;
+      if (seen_sections.insert(LCase(line.name)).second) {
+        current = &out[line.name];
+        seen_keys.clear();
+      }
+    } else if (line.kind == IniLine::Kind::kKey && current &&
+               seen_keys.insert(LCase(line.name)).second) {
+      (*current)[line.name] = ProfileUnquote(line.value);
+    }
+  }
+  return out;
+}
+
+}  // namespace quorvex

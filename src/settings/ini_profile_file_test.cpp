@@ -1,0 +1,158 @@
+#include "settings/ini_profile_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+namespace quorvex {
+namespace {
+
+namespace fs = std::filesystem;
+
+class IniProfileFileTest : public testing::Test {
+ protected:
+  IniProfileFileTest()
+      : folder_(fs::temp_directory_path() /
+                ("qv_ini_" + std::to_string(std::random_device{}()))),
+        file_((folder_ / "Windows" / "Win.INI").string()) {}
+  ~IniProfileFileTest() override { fs::remove_all(folder_); }
+
+  void WriteText(const std::string& text) {
+    fs::create_directories(fs::path(file_).parent_path());
+    std::ofstream(file_, std::ios::binary) << text;
+  }
+  std::string ReadText() {
+    std::ifstream in(file_, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+
+  fs::path folder_;
+  std::string file_;
+  IniProfileFile ini_;
+};
+
+TEST_F(IniProfileFileTest, MissingFileReadsAsDefaultsAndIsCreatedByAWrite) {
+  EXPECT_EQ(ini_.GetString(file_, "Quorvex", "TotalPending", "none"), "none");
+  EXPECT_TRUE(ini_.Dump(file_).empty());
+  ini_.WriteString(file_, "Quorvex", "TotalPending", std::nullopt);
+  EXPECT_FALSE(fs::exists(file_));  // deleting creates nothing
+
+  ini_.WriteString(file_, "Quorvex", "TotalPending", "2");
+  ini_.WriteString(file_, "Quorvex", "Pending 0", "bob-7");
+  ini_.WriteString(file_, "Windows", "load", "");
+  EXPECT_EQ(ini_.last_error(), "");
+  EXPECT_EQ(ReadText(),
+            "[Quorvex]\r\nTotalPending=2\r\nPending 0=bob-7\r\n"
+            "[Windows]\r\nload=\r\n");
+  EXPECT_FALSE(fs::exists(file_ + ".tmp"));
+  // An empty value is a value, not a missing key.
+  EXPECT_EQ(ini_.GetString(file_, "Windows", "load", "none"), "");
+}
+
+TEST_F(IniProfileFileTest, RewritesKeepOtherLinesAndPlaces) {
+  WriteText(
+      "; written by hand\n"
+      "stray line before any section\n"
+      "[Windows]\n"
+      "Load = C:\\old.exe\n"
+      "run=\n"
+      "; keep me\n"
+      "\n"
+      "[Desktop]\n"
+      "Wallpaper=none");
+  // Names match ignoring case; the key stays in place with its spelling.
+  ini_.WriteString(file_, "WINDOWS", "load", "C:\\Windows\\z.exe");
+  ini_.WriteString(file_, "windows", "NewKey", "1");
+  ini_.WriteString(file_, "desktop", "Pattern", "(None)");
+  ini_.WriteString(file_, "Quorvex", "ChatName", "Lobby");
+  ini_.WriteString(file_, "Windows", "RUN", std::nullopt);
+  EXPECT_EQ(ReadText(),
+            "; written by hand\r\n"
+            "stray line before any section\r\n"
+            "[Windows]\r\n"
+            "Load=C:\\Windows\\z.exe\r\n"
+            "; keep me\r\n"
+            "NewKey=1\r\n"
+            "\r\n"
+            "[Desktop]\r\n"
+            "Wallpaper=none\r\n"
+            "Pattern=(None)\r\n"
+            "[Quorvex]\r\n"
+            "ChatName=Lobby\r\n");
+  EXPECT_EQ(ini_.GetString(file_, "windows", "LOAD", ""), "C:\\Windows\\z.exe");
+  // A line without "=" is no key, wherever it stands.
+  EXPECT_EQ(ini_.GetString(file_, "Windows", "; keep me", "d"), "d");
+}
+
+TEST_F(IniProfileFileTest, ReadingStripsBlanksAndOnePairOfQuotes) {
+  WriteText(
+      "\xEF\xBB\xBF[S]\r\n"  // a UTF-8 mark before the first section
+      "  plain  =  a b  \r\n"
+      "double=\" x \"\r\n"
+      "single='y'\r\n"
+      "mixed=\"z'\r\n"
+      "twice=\"\"w\"\"\r\n"
+      "lone=\"\r\n"
+      "eq=a=b\r\n"
+      "tab=\tt\t\r\n"
+      "plain=second\r\n"
+      "[s]\r\n"
+      "other=hidden\r\n"
+      "[Empty]\r\n");
+  EXPECT_EQ(ini_.GetString(file_, "S", "plain", ""), "a b");
+  EXPECT_EQ(ini_.GetString(file_, "S", "double", ""), " x ");
+  EXPECT_EQ(ini_.GetString(file_, "S", "single", ""), "y");
+  EXPECT_EQ(ini_.GetString(file_, "S", "mixed", ""), "\"z'");
+  EXPECT_EQ(ini_.GetString(file_, "S", "twice", ""), "\"w\"");
+  EXPECT_EQ(ini_.GetString(file_, "S", "lone", ""), "\"");
+  EXPECT_EQ(ini_.GetString(file_, "S", "eq", ""), "a=b");
+  EXPECT_EQ(ini_.GetString(file_, "S", "tab", ""), "t");
+  // The first section and the first key of a name are the ones read.
+  EXPECT_EQ(ini_.GetString(file_, "S", "other", "d"), "d");
+
+  ProfileFile::Sections want = {{"S",
+                                 {{"plain", "a b"},
+                                  {"double", " x "},
+                                  {"single", "y"},
+                                  {"mixed", "\"z'"},
+                                  {"twice", "\"w\""},
+                                  {"lone", "\""},
+                                  {"eq", "a=b"},
+                                  {"tab", "t"}}},
+                                {"Empty", {}}};
+  EXPECT_EQ(ini_.Dump(file_), want);
+}
+
+TEST_F(IniProfileFileTest, AwkwardValuesRoundTripThroughProfileQuote) {
+  const std::string values[] = {"",     " lead", "trail ", "\"q\"", "'s'",
+                                "\"",   "\"\"",  "a=b",    "'x\"",  "\t",
+                                "; no", "[x]",   "  ",     "\"a\" "};
+  int i = 0;
+  for (const std::string& v : values)
+    ini_.WriteString(file_, "Quorvex", "Pending " + std::to_string(i++),
+                     ProfileQuote(v));
+  i = 0;
+  for (const std::string& v : values)
+    EXPECT_EQ(
+        ini_.GetString(file_, "Quorvex", "Pending " + std::to_string(i++), "?"),
+        v);
+
+  // Line breaks cannot live in a line: they become blanks.
+  ini_.WriteString(file_, "Quorvex", "Multi", "one\r\ntwo\nthree");
+  EXPECT_EQ(ini_.GetString(file_, "Quorvex", "Multi", ""), "one  two three");
+  EXPECT_EQ(ini_.GetString(file_, "Quorvex", "Pending 1", ""), " lead");
+}
+
+TEST_F(IniProfileFileTest, AFileThatCannotBeReplacedIsLeftAlone) {
+  fs::create_directories(file_);  // a folder where the file should be
+  ini_.WriteString(file_, "Quorvex", "TotalPending", "1");
+  EXPECT_NE(ini_.last_error(), "");
+  EXPECT_TRUE(fs::is_directory(file_));
+  EXPECT_EQ(ini_.GetString(file_, "Quorvex", "TotalPending", "d"), "d");
+}
+
+}  // namespace
+}  // namespace quorvex
