@@ -1,0 +1,106 @@
+#include "settings/message_editor.h"
+
+#include <algorithm>
+
+#include "model/text_util.h"
+#include "settings/inserts.h"
+#include "settings/menu_tree.h"
+
+namespace quorvex {
+
+namespace {
+
+bool ValidBox(int index) { return index >= 0 && index <= 2; }
+
+std::size_t& Caret(MessagesForm& form, int index) {
+  std::size_t& caret = form.caret[index];
+  caret = std::min(caret, form.txtAdd[index].text.size());
+  return caret;
+}
+
+void InsertAtCaret(MessagesForm& form, int index, const std::string& text) {
+  std::size_t& caret = Caret(form, index);
+  form.txtAdd[index].text.insert(caret, text);
+  caret += text.size();
+}
+
+}  // namespace
+
+void frmMessages_Load(MessagesForm& form, const Registry& registry) {
+  LoadMessages(form, registry);
+  Tab_Click(form, 0);
+}
+
+void Tab_Click(MessagesForm& form, int Index) {
+  if (ValidBox(Index)) form.tab = Index;
+}
+
+bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii) {
+  if (!ValidBox(Index)) return false;
+  TextBox& box = form.txtAdd[Index];
+  if (KeyAscii == kKeyEnter && Index != 1) {
+    if (!box.text.empty()) {
+      ListBox& list = Index == 0 ? form.lstChat : form.lstThankyou;
+      list.Add(box.text);
+      box.text.clear();
+      form.caret[Index] = 0;
+      return true;
+    }
+    return false;  // a one-line box takes no line break
+  }
+  std::size_t& caret = Caret(form, Index);
+  if (KeyAscii == kKeyEnter) {
+    InsertAtCaret(form, Index, "\r\n");
+  } else if (KeyAscii == kKeyBackspace) {
+    // Back over a whole UTF-8 character.
+    std::size_t start = caret;
+    while (start > 0 &&
+           (static_cast<unsigned char>(box.text[start - 1]) & 0xC0) == 0x80)
+      --start;
+    if (start > 0) --start;
+    box.text.erase(start, caret - start);
+    caret = start;
+  } else if ((KeyAscii >= 32 && KeyAscii < 127) || KeyAscii == '\t') {
+    InsertAtCaret(form, Index, std::string(1, static_cast<char>(KeyAscii)));
+  }
+  return false;
+}
+
+void SetCaret(MessagesForm& form, int Index, std::size_t position) {
+  if (!ValidBox(Index)) return;
+  form.caret[Index] = position;
+  Caret(form, Index);
+}
+
+void lstChat_DblClick(MessagesForm& form) {
+  int selected = form.lstChat.selected();
+  if (selected >= 0) form.lstChat.Remove(selected);
+}
+
+void lstThankyou_Click(MessagesForm& form, int index) {
+  form.lstThankyou.Select(index);
+  int selected = form.lstThankyou.selected();
+  if (selected >= 0) form.lstThankyou.Remove(selected);
+}
+
+bool ClickInsertItem(MessagesForm& form, const std::string& name) {
+  std::string item = name;
+  if (StartsWith(item, kMessagesMenuPrefix))
+    item = item.substr(std::string(kMessagesMenuPrefix).size());
+  for (const InsertMenuItem& insert : kInsertMenuItems) {
+    if (item == insert.name) {
+      InsertAtCaret(form, form.tab, insert.code);
+      return true;
+    }
+  }
+  return false;
+}
+
+void cmdSave_Click(MessagesForm& form, Registry& registry) {
+  SaveMessages(form, registry);
+  form.visible = false;
+}
+
+void cmdExit_Click(MessagesForm& form) { form.visible = false; }
+
+}  // namespace quorvex
