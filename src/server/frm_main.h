@@ -1,0 +1,96 @@
+// The main window's state: every list, label, counter, flag and option
+// window model the server works on. The main window owns all shared state;
+// the serving loop, the request handling and the other windows read and
+// change it directly, on the one thread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "client/window_api.h"
+#include "model/label.h"
+#include "model/list_box.h"
+#include "model/menu.h"
+#include "platform/host.h"
+#include "platform/machine.h"
+#include "platform/prompter.h"
+#include "requests/ban_policy.h"
+#include "requests/pending_queue.h"
+#include "requests/serve_counters.h"
+#include "settings/messages.h"
+#include "settings/profile_file.h"
+#include "settings/registry.h"
+#include "settings/settings.h"
+
+namespace quorvex {
+
+// The doors to the outside, shared by everything on the main window.
+struct Ports {
+  Host& host;
+  WindowApi& api;
+  Registry& registry;
+  ProfileFile& profiles;
+  Prompter& prompter;
+  Machine& machine;
+  std::uint64_t seed = 1;  // of every random choice
+};
+
+struct FrmMain {
+  explicit FrmMain(Ports p) : ports(p) {}
+  FrmMain(const FrmMain&) = delete;
+  FrmMain& operator=(const FrmMain&) = delete;
+
+  Ports ports;
+
+  // Settings record and the menu bar that edits it.
+  Settings settings;
+  MenuModel menus;
+
+  // Lists and the program's collections.
+  ListBox lstMails{"lstMails"};
+  ListBox lstBanned{"lstBanned"};
+  PendingQueue pending;  // its list box is `lstPending`
+  ListBox ReplyQueue{"ReplyQueue"};
+  ListBox MistakeList{"MistakeList"};
+  // The list mails found in the mailbox (mail positions, 1-based).
+  ListBox lstLists{"lstLists"};
+  // Mail numbers that could not be forwarded; never opened again.
+  std::vector<std::string> dead_mails;
+
+  // Counters and captions.
+  Label lblSession{"lblSession", "session: 0"};
+  Label lblLists{"lblLists", "lists: 0"};
+  Label lblMails{"lblMails", "mails: 0"};
+  Label lblSent{"lblSent", "total: 0"};
+  Label lblBanned{"lblBanned", "banned: 0"};
+  Label lblPending{"lblPending", "pending: 0"};
+  Label cmdStart{"cmdStart", "&start"};
+  Label cmdPause{"cmdPause", "&pause"};
+  Label picTitle{"picTitle", ""};
+  StatusStrip status;
+  ServeCounters counters;
+
+  // Serving state.
+  bool ServerOn = false;
+  bool ServerPaused = false;
+  int ListSeconds = 0;    // 16-bit in the original; saturates here
+  int ScrollSeconds = 0;  // likewise
+  std::string room_name;  // the room to return to after a restart
+  std::unique_ptr<HostTimer> Timer1;
+  std::unique_ptr<HostTimer> Timer2;
+
+  // Option windows whose controls are the live store of their values.
+  BanningForm frmBanning;
+  MessagesForm frmMessages;
+
+  // The program has ended (exit label, or a reboot).
+  bool ended = false;
+
+  ListBox& lstPending() { return pending.list(); }
+  const ListBox& lstPending() const { return pending.list(); }
+  void SetStatus(const std::string& text) { status.Draw(text, "#4488BB"); }
+};
+
+}  // namespace quorvex

@@ -1,0 +1,307 @@
+#include "sim/runner.h"
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "app/quorvex_app.h"
+#include "platform/folder_machine.h"
+#include "platform/scripted_prompter.h"
+#include "platform/virtual_host.h"
+#include "settings/file_registry.h"
+#include "settings/ini_profile_file.h"
+#include "sim/sim_client.h"
+#include "sim/sim_observer.h"
+#include "sim/sim_world.h"
+
+namespace quorvex::sim {
+
+namespace fs = std::filesystem;
+using nlohmann::ordered_json;
+
+namespace {
+
+// The profile files a scenario can name, by their Windows paths.
+std::string ProfilePath(const Machine& machine, const std::string& file) {
+  if (file == "Quorvex.INI") return machine.AppPath() + "\\Quorvex.INI";
+  return machine.WindowsDirectory() + "\\" + file;
+}
+
+const char* kProfileFiles[] = {"Quorvex.INI", "RestartSettings.INI", "Win.INI"};
+
+// A folder removed when the run ends, unless the user named it.
+class RootFolder {
+ public:
+  explicit RootFolder(const std::string& root) {
+    if (!root.empty()) {
+      path_ = root;
+      fs::create_directories(path_);
+      return;
+    }
+    std::random_device rd;
+    for (int i = 0; i < 100; ++i) {
+      fs::path p = fs::temp_directory_path() /
+                   ("quorvex-sim-" + std::to_string(rd()) + std::to_string(i));
+      if (fs::create_directory(p)) {
+        path_ = p;
+        temporary_ = true;
+        return;
+      }
+    }
+    throw std::runtime_error("cannot make a temporary folder");
+  }
+  ~RootFolder() {
+    std::error_code ec;
+    if (temporary_) fs::remove_all(path_, ec);
+  }
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+  bool temporary_ = false;
+};
+
+class TranscriptObserver : public SimObserver {
+ public:
+  explicit TranscriptObserver(Transcript& t) : t_(t) {}
+  void OnChat(const std::string& sn, const std::string& text) override {
+    t_.Write("chat", {{"sn", sn}, {"text", text}});
+  }
+  void OnMail(const std::string& from, const std::string& to,
+              const std::string& subject, const std::string& body,
+              bool send_now) override {
+    t_.Write("mail", {{"from", from},
+                      {"to", to},
+                      {"subject", subject},
+                      {"body", body},
+                      {"send", send_now ? "now" : "later"}});
+  }
+  void OnIm(const std::string& to, const std::string& text) override {
+    t_.Write("im", {{"to", to}, {"text", text}});
+  }
+  void OnClient(const std::string& what) override {
+    t_.Write("client", {{"what", what}});
+  }
+
+ private:
+  Transcript& t_;
+};
+
+void WatchList(const ListBox& list, Transcript& t) {
+  const_cast<ListBox&>(list).Subscribe([&t](const ListBox& l, const ListChange& c) {
+    ordered_json f{{"name", l.name()}};
+    switch (c.op) {
+      case ListChange::Op::kAdd:
+        f["op"] = "add";
+        f["item"] = c.item;
+        break;
+      case ListChange::Op::kRemove:
+        f["op"] = "remove";
+        f["item"] = c.item;
+        break;
+      case ListChange::Op::kClear:
+        f["op"] = "clear";
+        break;
+    }
+    t.Write("list", f);
+  });
+}
+
+ordered_json FinalState(QuorvexApp& app, const Registry& registry,
+                        const ProfileFile& profiles, const FolderMachine& machine,
+                        const SimClient& client) {
+  FrmMain& frm = app.frm();
+  ordered_json lists = ordered_json::object();
+  for (const ListBox* l : app.OpenLists()) lists[l->name()] = l->Items();
+  ordered_json labels = ordered_json::object();
+  for (const Label* l : app.Labels()) labels[l->name()] = l->caption();
+  ordered_json menus = ordered_json::object();
+  ordered_json checked = ordered_json::array();
+  ordered_json disabled = ordered_json::array();
+  for (const std::string& name : frm.menus.Order()) {
+    const MenuEntry& e = frm.menus.Get(name);
+    menus[name] = e.caption;
+    if (e.checked) checked.push_back(name);
+    if (!e.enabled) disabled.push_back(name);
+  }
+  ordered_json reg = ordered_json::object();
+  for (const auto& [section, keys] : registry.Dump(kApp)) {
+    ordered_json s = ordered_json::object();
+    for (const auto& [k, v] : keys) s[k] = v;
+    reg[section] = s;
+  }
+  ordered_json files = ordered_json::object();
+  for (const char* f : kProfileFiles) {
+    std::string path = ProfilePath(machine, f);
+    if (!machine.FileExists(path)) continue;
+    ordered_json sections = ordered_json::object();
+    for (const auto& [section, keys] : profiles.Dump(machine.HostPath(path))) {
+      ordered_json s = ordered_json::object();
+      for (const auto& [k, v] : keys) s[k] = v;
+      sections[section] = s;
+    }
+    files[f] = sections;
+  }
+  ordered_json mailboxes = ordered_json::object();
+  for (const auto& [sn, mails] : client.Mailboxes()) {
+    ordered_json box = ordered_json::array();
+    for (const ReceivedMail& m : mails)
+      box.push_back({{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+    mailboxes[sn] = box;
+  }
+  return ordered_json{{"lists", lists},
+                      {"ReplyQueue", frm.ReplyQueue.Items()},
+                      {"MistakeList", frm.MistakeList.Items()},
+                      {"labels", labels},
+                      {"status", frm.status.text()},
+                      {"menus", menus},
+                      {"checked", checked},
+                      {"disabled", disabled},
+                      {"registry", reg},
+                      {"files", files},
+                      {"mailboxes", mailboxes}};
+}
+
+}  // namespace
+
+ControlCatalogue Controls() {
+  // A throwaway program answers what its controls are.
+  struct Null : Registry, ProfileFile {
+    std::optional<std::string> Get(const std::string&, const std::string&,
+                                   const std::string&) const override {
+      return std::nullopt;
+    }
+    void Save(const std::string&, const std::string&, const std::string&,
+              const std::string&) override {}
+    void DeleteKey(const std::string&, const std::string&,
+                   const std::string&) override {}
+    void DeleteApp(const std::string&) override {}
+    Registry::Sections Dump(const std::string&) const override { return {}; }
+    std::string GetString(const std::string&, const std::string&,
+                          const std::string&, const std::string& d) const override {
+      return d;
+    }
+    void WriteString(const std::string&, const std::string&, const std::string&,
+                     const std::optional<std::string>&) override {}
+  };
+  static VirtualHost host;
+  static SimWorld world;
+  static SimClient client(host, world);
+  static Null null;
+  static ScriptedPrompter prompter;
+  static FolderMachine machine(fs::temp_directory_path());
+  static QuorvexApp app(Ports{host, client, null, null, prompter, machine, 1});
+  ControlCatalogue c;
+  c.pressable = [](const std::string& n, int i) { return app.CanPress(n, i); };
+  c.selectable = [](const std::string& n) { return app.CanSelect(n); };
+  c.settable = [](const std::string& n) { return app.CanSet(n); };
+  return c;
+}
+
+int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out) {
+  RootFolder root(options.root);
+  CivilTime start{sc.year, sc.month, sc.day, sc.hour, sc.minute, sc.second, 0};
+  VirtualHost host(start);
+  Transcript transcript(
+      out, options.format, [&host] { return host.Elapsed(); },
+      [&host] { return host.Clock(); });
+  if (options.realtime) {
+    auto wall0 = std::chrono::steady_clock::now();
+    host.SetPacer([wall0](double, double to) {
+      std::this_thread::sleep_until(
+          wall0 + std::chrono::microseconds(static_cast<long long>(to * 1e6)));
+    });
+  }
+
+  FileRegistry registry(root.path() / "registry.json");
+  IniProfileFile profiles;
+  FolderMachine machine(root.path());
+  ScriptedPrompter prompter;
+  SimWorld world;
+  SimClient client(host, world, sc.seed);
+  TranscriptObserver observer(transcript);
+
+  // Set-up: stored values first, then the client as it stands at time 0.
+  for (const SetupValue& v : sc.registry)
+    registry.Save(kApp, v.section, v.key, v.value);
+  for (const SetupValue& v : sc.ini)
+    profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)), v.section,
+                         v.key, v.value);
+  client.SetUserName(sc.user);
+  client.SetRoomName(sc.room);
+  for (const std::string& p : sc.people) client.AddPerson(p);
+  for (const std::string& m : sc.mails) client.AddMail(m);
+  for (const std::string& n : sc.full_mailboxes) client.SetFullMailbox(n);
+  for (int n : sc.dead_mails) client.SetDeadMail(n);
+  client.SetLatency(sc.latency_ms / 1000.0);
+  client.SetSignedOffAtStart(sc.signed_off);
+  client.Launch();
+  client.SetObserver(&observer);
+
+  QuorvexApp app(Ports{host, client, registry, profiles, prompter, machine, sc.seed});
+  FrmMain& frm = app.frm();
+  prompter.SetObserver([&transcript](const PromptRecord& r) {
+    if (r.kind == "message") return;
+    transcript.Write("prompt", {{"kind", r.kind},
+                                {"title", r.title},
+                                {"prompt", r.prompt},
+                                {"default", r.default_text},
+                                {"answer", r.answer}});
+  });
+  for (const Label* l : app.Labels())
+    const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
+      transcript.Write("label", {{"name", label.name()}, {"text", label.caption()}});
+    });
+  frm.status.Subscribe([&transcript](const StatusStrip& s) {
+    transcript.Write("status", {{"text", s.text()}});
+  });
+  WatchList(frm.lstPending(), transcript);
+  WatchList(frm.lstBanned, transcript);
+  WatchList(frm.lstMails, transcript);
+  WatchList(frm.ReplyQueue, transcript);
+  WatchList(frm.MistakeList, transcript);
+
+  // Timed lines run from the message loop at their time, as a person's
+  // actions do: inside whatever wait the program is in.
+  for (const TimedLine& line : sc.timeline) {
+    host.ScheduleAt(line.at, [&, line] {
+      if (line.verb == "say") {
+        client.Say(line.name, line.text);
+      } else if (line.verb == "join") {
+        client.Join(line.name);
+      } else if (line.verb == "leave") {
+        client.Leave(line.name);
+      } else if (line.verb == "signoff") {
+        client.SignOff();
+      } else if (line.verb == "answer") {
+        prompter.QueueAnswer(line.text);
+      } else if (line.verb == "press") {
+        app.Press(line.name, line.index);
+      } else if (line.verb == "select") {
+        app.Select(line.name, line.index);
+      } else if (line.verb == "set") {
+        app.Set(line.name, line.text);
+      }
+    });
+  }
+
+  // The mailbox's titles stand in lstMails from the start, as if read,
+  // so that requests can be made before the server is started; starting
+  // reads the mailbox again.
+  for (const std::string& m : sc.mails) frm.lstMails.Add(m);
+  frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+
+  host.SetEnd(sc.run_until);
+  try {
+    app.Load();
+    host.RunUntil(sc.run_until);
+  } catch (const RunEnded&) {
+    // The power went off: the state stands as it is.
+  }
+  transcript.Write("final", FinalState(app, registry, profiles, machine, client));
+  return transcript.events();
+}
+
+}  // namespace quorvex::sim

@@ -1,0 +1,27 @@
+// Runs a scenario: the whole program, headless, in virtual time, against
+// the simulated client and machine, writing the transcript.
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "sim/scenario.h"
+#include "sim/transcript.h"
+
+namespace quorvex::sim {
+
+struct RunOptions {
+  TranscriptFormat format = TranscriptFormat::kJsonl;
+  std::string root;       // keeps the machine's files; "" = a fresh temp folder
+  bool realtime = false;  // pace virtual time to the wall clock
+};
+
+// The names quorvex-sim accepts for press, select and set.
+ControlCatalogue Controls();
+
+// Runs the scenario to its end and writes the transcript; returns the
+// number of events written.
+int RunScenario(const Scenario& scenario, const RunOptions& options,
+                std::ostream& out);
+
+}  // namespace quorvex::sim
