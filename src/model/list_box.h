@@ -45,7 +45,7 @@ class ListBox {
   bool RemoveId(std::uint64_t id);
   void Clear();
 
-  // LB_FINDSTRINGEXACT from the start: exact match ignoring (ASCII) case.
+  // LB_FINDSTRINGEXACT from the start: exact match ignoring case.
   int FindExact(std::string_view text) const;
   bool Contains(std::string_view text) const;
 

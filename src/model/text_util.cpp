@@ -13,23 +13,42 @@ char Upper(char c) { return (c >= 'a' && c <= 'z') ? char(c - 'a' + 'A') : c; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 }  // namespace
 
+// Texts are UTF-8. Besides ASCII, the Latin-1 letters (U+00C0 to U+00DE,
+// two bytes C3 80..9E) fold as the old runtime folded its 8-bit texts;
+// U+00D7 and U+00F7 are signs, not letters.
 std::string LCase(std::string_view s) {
   std::string out(s);
-  for (char& c : out) c = Lower(c);
+  for (size_t i = 0; i < out.size(); ++i) {
+    unsigned char c = out[i];
+    if (c == 0xC3 && i + 1 < out.size()) {
+      unsigned char n = out[i + 1];
+      if (n >= 0x80 && n <= 0x9E && n != 0x97) out[i + 1] = char(n + 0x20);
+      ++i;
+    } else {
+      out[i] = Lower(out[i]);
+    }
+  }
   return out;
 }
 
 std::string UCase(std::string_view s) {
   std::string out(s);
-  for (char& c : out) c = Upper(c);
+  for (size_t i = 0; i < out.size(); ++i) {
+    unsigned char c = out[i];
+    if (c == 0xC3 && i + 1 < out.size()) {
+      unsigned char n = out[i + 1];
+      if (n >= 0xA0 && n <= 0xBE && n != 0xB7) out[i + 1] = char(n - 0x20);
+      ++i;
+    } else {
+      out[i] = Upper(out[i]);
+    }
+  }
   return out;
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i)
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  return true;
+  return LCase(a) == LCase(b);
 }
 
 bool StartsWith(std::string_view s, std::string_view prefix) {

@@ -1,5 +1,5 @@
-// Text helpers with the semantics of the program's original runtime: ASCII
-// case folding, blank-only trimming, leading-number reading, number texts
+// Text helpers with the semantics of the program's original runtime: case
+// folding, blank-only trimming, leading-number reading, number texts
 // as the runtime writes them, and the "Like" pattern match.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace quorvex {
 
-std::string LCase(std::string_view s);  // ASCII letters only
+std::string LCase(std::string_view s);  // ASCII and Latin-1 letters
 std::string UCase(std::string_view s);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 bool StartsWith(std::string_view s, std::string_view prefix);

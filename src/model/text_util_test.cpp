@@ -45,7 +45,7 @@ TEST(TextUtilTest, NumbersWrittenAsTheRuntimeWritesThem) {
 }
 
 TEST(TextUtilTest, CaseAndBlanks) {
-  EXPECT_EQ(LCase("AbC\xC3\x89"), "abc\xC3\x89");  // ASCII letters only
+  EXPECT_EQ(LCase("AbC\xC3\x89"), "abc\xC3\xA9");  // É folds too
   EXPECT_EQ(UCase("sn-7"), "SN-7");
   EXPECT_TRUE(EqualsIgnoreCase("Bob Smith", "bob SMITH"));
   EXPECT_FALSE(EqualsIgnoreCase("bob", "bobs"));
@@ -92,6 +92,21 @@ TEST(TextUtilTest, LikePatterns) {
   const std::string text(20000, 'a');
   EXPECT_FALSE(Like(text, "*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b"));
   EXPECT_TRUE(Like(text + "b", "*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b"));
+}
+
+}  // namespace
+}  // namespace quorvex
+
+namespace quorvex {
+namespace {
+
+TEST(CaseFoldingTest, FoldsAsciiAndLatinOneLettersButNotSigns) {
+  EXPECT_EQ(LCase("ZO\xC3\x8B \xC3\x97"), "zo\xC3\xAB \xC3\x97");  // ZOË × -> zoë ×
+  EXPECT_EQ(UCase("caf\xC3\xA9 \xC3\xB7"), "CAF\xC3\x89 \xC3\xB7");  // café ÷ -> CAFÉ ÷
+  EXPECT_TRUE(EqualsIgnoreCase("Zo\xC3\x8B", "zO\xC3\xAB"));
+  EXPECT_FALSE(EqualsIgnoreCase("\xC3\x97", "\xC3\xB7"));
+  // Other multi-byte characters pass through untouched.
+  EXPECT_EQ(LCase("\xE2\x80\xA2[A]"), "\xE2\x80\xA2[a]");
 }
 
 }  // namespace

@@ -102,10 +102,10 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
     if (verb == "at") {
       TimedLine t;
       t.line = line_no;
-      t.at = p.Seconds(TakeWord(rest), "a time after 'at'");
+      std::string when = TakeWord(rest);
+      t.at = p.Seconds(when, "a time after 'at'");
       if (t.at < last_time)
-        p.Fail("time " + TrimBlanks(std::to_string(t.at)) +
-               " is earlier than the line before");
+        p.Fail("time " + when + " is earlier than the timed line before it");
       last_time = t.at;
       timed_started = true;
       t.verb = TakeWord(rest);
