@@ -1,0 +1,200 @@
+// The window tree and the message plumbing, walked as the program walks
+// them.
+#include <gtest/gtest.h>
+
+#include "sim/sim_rig.h"
+
+namespace quorvex {
+namespace {
+
+class SimWindowsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    rig_.client.SetUserName("Joe Smith");
+    rig_.client.SetRoomName("Lobby 12");
+    rig_.client.AddMail("song list");
+    rig_.client.Launch();
+  }
+  SimRig rig_;
+  SimClient& api_ = rig_.client;
+};
+
+TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
+  Hwnd frame = api_.FindWindow("AOL Frame25", nullptr);
+  ASSERT_NE(frame, 0u);
+  // Both spellings of the MDI client and of the tool bar.
+  Hwnd mdi = api_.FindWindowEx(frame, 0, "MDIClient", nullptr);
+  EXPECT_NE(mdi, 0u);
+  EXPECT_EQ(api_.FindWindowEx(frame, 0, "MDICLIENT", nullptr), mdi);
+  Hwnd strip = api_.FindWindowEx(frame, 0, "AOL ToolBar", nullptr);
+  Hwnd row = api_.FindWindowEx(strip, 0, "_AOL_ToolBar", nullptr);
+  ASSERT_NE(row, 0u);
+  // The 2nd and 3rd icons by FindWindowEx and by sibling steps agree.
+  Hwnd first = api_.FindWindowEx(row, 0, "_aol_icon", nullptr);
+  Hwnd by_steps =
+      api_.GetWindow(api_.GetWindow(first, win::kGwHwndNext), win::kGwHwndNext);
+  EXPECT_EQ(by_steps, rig_.ToolbarIcon(3));
+  EXPECT_EQ(rig_.Text(rig_.ToolbarIcon(2)), "Write");
+  Hwnd combo = api_.FindWindowEx(row, 0, "_AOL_Combobox", nullptr);
+  EXPECT_NE(api_.FindWindowEx(combo, 0, "Edit", nullptr), 0u);
+
+  // Signed on: the welcome window holds the name; the room is on top.
+  Hwnd top = api_.FindWindowEx(mdi, 0, "AOL Child", nullptr);
+  EXPECT_EQ(api_.GetWindowText(top, 100), "Lobby 12");
+  Hwnd welcome = rig_.Doc("Welcome, Joe Smith!");
+  ASSERT_NE(welcome, 0u);
+  EXPECT_EQ(api_.GetWindowTextLength(welcome), 19);
+  EXPECT_EQ(api_.GetWindowText(welcome, 10), "Welcome, ");  // cut to 9
+  EXPECT_NE(rig_.Doc("Buddy List Window"), 0u);
+
+  // The room by its children: display then input, list, icon, static.
+  Hwnd display = api_.FindWindowEx(top, 0, "RICHCNTL", nullptr);
+  Hwnd input = api_.FindWindowEx(top, display, "RICHCNTL", nullptr);
+  EXPECT_NE(input, 0u);
+  EXPECT_NE(api_.FindWindowEx(top, 0, "_AOL_Listbox", nullptr), 0u);
+  EXPECT_NE(api_.FindWindowEx(top, 0, "_AOL_Icon", nullptr), 0u);
+  Hwnd name = api_.FindWindowEx(top, 0, "_AOL_Static", nullptr);
+  EXPECT_EQ(rig_.Text(name), "Lobby 12");
+  // It holds no style combos, so it is never taken for a mail being
+  // written.
+  EXPECT_EQ(api_.FindWindowEx(top, 0, "_AOL_Combobox", nullptr), 0u);
+
+  EXPECT_EQ(api_.GetClassName(top, 250), "AOL Child");
+  EXPECT_EQ(api_.GetClassName(top, 4), "AOL");
+  EXPECT_EQ(api_.GetClassName(0, 250), "");
+  EXPECT_FALSE(api_.IsWindow(0));
+  EXPECT_EQ(api_.GetVersionEx().major, 5u);
+}
+
+TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
+  api_.SetLatency(0.5);
+  rig_.PostClick(rig_.ToolbarIcon(2));
+  // Posted: nothing happens until the program yields.
+  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+  rig_.Run(0.4);
+  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+  rig_.Run(0.2);
+  Hwnd write = rig_.Doc("Write Mail");
+  ASSERT_NE(write, 0u);
+  // A new document window is the first "AOL Child".
+  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+
+  api_.SendMessage(write, win::kWmClose, 0, 0);
+  EXPECT_FALSE(api_.IsWindow(write));
+  rig_.Click(rig_.ToolbarIcon(2));  // sent: handled at once, opens later
+  rig_.Run(0.6);
+  Hwnd again = rig_.Doc("Write Mail");
+  ASSERT_NE(again, 0u);
+  EXPECT_NE(again, write);
+
+  // A message posted to a window that is gone is refused.
+  EXPECT_FALSE(api_.PostMessage(write, win::kWmClose, 0, 0));
+  EXPECT_TRUE(api_.PostMessage(again, win::kWmClose, 0, 0));
+  EXPECT_TRUE(api_.IsWindow(again));
+  rig_.Run(0.01);
+  EXPECT_FALSE(api_.IsWindow(again));
+}
+
+TEST_F(SimWindowsTest, ClicksWhileBusyAreLostByChance) {
+  api_.knobs().lost_click_chance = 1.0;
+  api_.knobs().busy = 10;
+  rig_.Run(1);  // the launch's own busy time is over
+  rig_.Click(rig_.ToolbarIcon(2));
+  rig_.Run(1);
+  ASSERT_NE(rig_.Doc("Write Mail"), 0u);
+  // The window's opening keeps the client busy: the next click is lost.
+  rig_.Click(rig_.ToolbarIcon(1));
+  rig_.Run(1);
+  EXPECT_EQ(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
+  rig_.Run(10);
+  rig_.Click(rig_.ToolbarIcon(1));
+  rig_.Run(1);
+  EXPECT_NE(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
+
+  // A press without a release, or a release alone, is no click.
+  api_.knobs().lost_click_chance = 0;
+  api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonUp, 0, 0);
+  api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonDown, 0, 0);
+  rig_.Run(1);
+  Hwnd write = rig_.Doc("Write Mail");
+  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), write, "AOL Child", "Write Mail"),
+            0u);
+}
+
+TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
+  auto run = [](std::uint64_t seed) {
+    SimRig rig(seed);
+    rig.client.knobs().lost_click_chance = 0.5;
+    rig.client.knobs().busy = 1000;
+    rig.client.Launch();
+    std::string pattern;
+    for (int i = 0; i < 24; ++i) {
+      int before = static_cast<int>(rig.client.tree().size());
+      rig.Click(rig.ToolbarIcon(2));
+      rig.Run(0.2);
+      pattern += rig.client.tree().size() > before ? 'o' : 'x';
+    }
+    return pattern;
+  };
+  std::string a = run(7);
+  EXPECT_EQ(a, run(7));
+  EXPECT_NE(a.find('o'), std::string::npos);
+  EXPECT_NE(a.find('x'), std::string::npos);
+}
+
+TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
+  Hwnd frame = rig_.Frame();
+  Hmenu bar = api_.GetMenu(frame);
+  ASSERT_NE(bar, 0u);
+  EXPECT_EQ(api_.GetMenu(rig_.Mdi()), 0u);
+  Hmenu window_menu = api_.GetSubMenu(bar, 2);
+  ASSERT_NE(window_menu, 0u);
+  EXPECT_EQ(api_.GetSubMenu(bar, 9), 0u);
+  std::uint32_t remember = api_.GetMenuItemID(window_menu, 7);
+  EXPECT_NE(remember, 0xFFFFFFFFu);
+  EXPECT_EQ(api_.GetMenuItemID(window_menu, 40), 0xFFFFFFFFu);
+
+  rig_.Click(rig_.ToolbarIcon(2));
+  rig_.Run(0.2);
+  Hwnd write = rig_.Doc("Write Mail");
+  // Shrinking without SWP_NOZORDER raises it; then its size is kept.
+  api_.SetWindowPos(rig_.Doc("Buddy List Window"), 0, 0, 0, 0, 0, 3);
+  api_.SetWindowPos(write, 0, 0, 0, 1, 1, win::kSwpNoMove);
+  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+  api_.SendMessage(frame, win::kWmCommand, remember, 0);
+  api_.SendMessage(write, win::kWmClose, 0, 0);
+  rig_.Click(rig_.ToolbarIcon(2));
+  rig_.Run(0.2);
+  Point size = api_.WindowSize(rig_.Doc("Write Mail"));
+  EXPECT_EQ(size.x, 1);
+  EXPECT_EQ(size.y, 1);
+  // Other kinds keep their own size.
+  EXPECT_GT(api_.WindowSize(rig_.Doc("Buddy List Window")).y, 1);
+
+  // Sign Off is in the menu too.
+  api_.SendMessage(frame, win::kWmCommand,
+                   api_.GetMenuItemID(api_.GetSubMenu(bar, 3), 0), 0);
+  EXPECT_FALSE(api_.signed_on());
+}
+
+TEST_F(SimWindowsTest, ShowCursorAndScreen) {
+  Hwnd room = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
+  Hwnd input = rig_.Nth(room, "RICHCNTL", 2);
+  api_.ShowWindow(input, win::kSwHide);
+  EXPECT_FALSE(api_.IsWindowVisible(input));
+  api_.ShowWindow(input, win::kSwShow);
+  EXPECT_TRUE(api_.IsWindowVisible(input));
+  api_.ShowWindow(room, win::kSwHide);
+  EXPECT_FALSE(api_.IsWindowVisible(input));  // a hidden parent hides it
+
+  // The screen size comes in display units beyond the pixels; the
+  // pointer stops in the corner.
+  Point screen = api_.ScreenSize();
+  EXPECT_GT(screen.x, 1024);
+  api_.SetCursorPos(screen.x, screen.y);
+  EXPECT_EQ(api_.GetCursorPos().x, 1023);
+  EXPECT_EQ(api_.GetCursorPos().y, 767);
+}
+
+}  // namespace
+}  // namespace quorvex
