@@ -1,0 +1,67 @@
+// Mistakes and bans: the banning options window `frmBanning`, the
+// in-memory mistake counts, and the banned list.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "model/controls.h"
+#include "model/label.h"
+#include "model/list_box.h"
+#include "requests/pending_queue.h"
+#include "settings/registry.h"
+
+namespace quorvex {
+
+// The options window. The controls are the live store of the options;
+// the combo boxes are editable and their text is the value.
+struct BanningForm {
+  BanningForm();
+
+  ComboBox cmbMistakes;  // mistakes allowed before a ban
+  CheckBox chkPending;   // enforce the per-person pending limit
+  ComboBox cmbMails;     // the per-person pending limit
+  CheckBox chkDupReqs;   // a duplicate request is a mistake
+  CheckBox chkFullBox;   // a full mailbox is a mistake
+
+  // The combo texts as numbers; a text that is no number stands for the
+  // default (3 mistakes, 500 mails).
+  double Mistakes() const;
+  double Mails() const;
+  // The mistakes text itself, or the default's when it is no number.
+  std::string MistakesText() const;
+};
+
+// Captions of the window and of the banned list's tool tip.
+inline constexpr const char* kMistakesCaption =
+    "number of mistakes before banning the requester";
+inline constexpr const char* kPendingCaptionBefore = "ban for having";
+inline constexpr const char* kPendingCaptionAfter = "pending";
+inline constexpr const char* kDupReqsCaption = "ban for duplicate requestings";
+inline constexpr const char* kFullBoxCaption = "ban for full mail box";
+inline constexpr const char* kBannedToolTip =
+    "left click to remove, right click to add";
+
+// Section "Banning" of the registry. A stored text that is no small
+// integer (or no check box value) loads as the default.
+void LoadBanning(const Registry& registry, BanningForm& form);
+void SaveBanning(Registry& registry, const BanningForm& form);
+
+struct BanContext {
+  const BanningForm& frmBanning;
+  ListBox& MistakeList;  // sn + "-" + count, or sn + "-banned"
+  ListBox& lstBanned;
+  Label& lblBanned;
+  PendingQueue& pending;
+  std::function<void(const std::string&)> say;  // one chat line
+};
+
+// Records one mistake of `sn` (lower case) and bans at the limit. Once
+// anybody stands banned in the mistake list, no mistake is counted any
+// more; with a limit of exactly 1 nobody is ever banned.
+void AddMistake(BanContext& ctx, const std::string& sn);
+
+// A left click on the banned list: lifts the selected ban.
+void BannedLeftClick(ListBox& lstBanned, Label& lblBanned);
+
+}  // namespace quorvex

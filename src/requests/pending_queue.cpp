@@ -1,0 +1,352 @@
+#include "requests/pending_queue.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "model/text_util.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr std::string_view kList = "list";
+
+std::string_view Before(std::string_view line, size_t at) {
+  return line.substr(0, at);
+}
+std::string_view After(std::string_view line, size_t at) {
+  return line.substr(at + 1);
+}
+
+bool HasPatternCharacter(std::string_view s) {
+  return s.find_first_of("*?#[") != std::string_view::npos;
+}
+
+// A hand-edited file could ask for any number of lines; a million is far
+// beyond any real queue and keeps a start from running out of memory.
+constexpr double kLastIndexLoaded = 1000000 - 1;
+
+}  // namespace
+
+void PendingQueue::Ids::Insert(std::uint64_t id) {
+  if (ids_.empty() || ids_.back() < id) {
+    ids_.push_back(id);
+    return;
+  }
+  auto it = std::lower_bound(ids_.begin(), ids_.end(), id);
+  if (it == ids_.end() || *it != id) ids_.insert(it, id);
+}
+
+void PendingQueue::Ids::Erase(std::uint64_t id) {
+  auto it = std::lower_bound(ids_.begin(), ids_.end(), id);
+  if (it != ids_.end() && *it == id) ids_.erase(it);
+}
+
+PendingQueue::Ids::const_iterator PendingQueue::Ids::lower_bound(
+    std::uint64_t id) const {
+  return std::lower_bound(ids_.begin(), ids_.end(), id);
+}
+
+PendingQueue::PendingQueue() {
+  lstPending_.Subscribe(
+      [this](const ListBox&, const ListChange& change) { OnChange(change); });
+}
+
+std::uint64_t PendingQueue::Append(std::string line) {
+  return lstPending_.Add(std::move(line));
+}
+
+bool PendingQueue::Has(std::string_view entry) const {
+  return ListHasItem(lstPending_, entry);
+}
+
+int PendingQueue::PendingCount(std::string_view sn) const {
+  auto it = by_dash_name_.find(std::string(sn));
+  return it == by_dash_name_.end() ? 0 : static_cast<int>(it->second.size());
+}
+
+PendingStatus PendingQueue::StatusOf(std::string_view sn) const {
+  PendingStatus status;
+  if (!HasPatternCharacter(sn)) {
+    auto it = by_dash_name_.find(std::string(sn));
+    if (it == by_dash_name_.end()) return status;
+    status.count = static_cast<int>(it->second.size());
+    status.first_position = lstPending_.IndexOfId(it->second.front());
+    return status;
+  }
+  // A pattern in the name: only a walk can tell which names it matches.
+  for (const auto& [name, ids] : by_dash_name_) {
+    if (!Like(name, sn)) continue;
+    status.count += static_cast<int>(ids.size());
+    int first = lstPending_.IndexOfId(ids.front());
+    if (status.first_position < 0 || first < status.first_position)
+      status.first_position = first;
+  }
+  return status;
+}
+
+void PendingQueue::OnChange(const ListChange& change) {
+  switch (change.op) {
+    case ListChange::Op::kAdd:
+      Index(change.id, change.item, true);
+      break;
+    case ListChange::Op::kRemove:
+      Index(change.id, change.item, false);
+      break;
+    case ListChange::Op::kClear:
+      empty_.clear();
+      mail_.clear();
+      mail_by_wanted_.clear();
+      list_.clear();
+      find_.clear();
+      find_by_wanted_.clear();
+      by_dash_name_.clear();
+      break;
+  }
+}
+
+void PendingQueue::Put(IdsByText& map, const std::string& key, std::uint64_t id,
+                       bool add) {
+  if (add) {
+    map[key].Insert(id);
+    return;
+  }
+  auto it = map.find(key);
+  if (it == map.end()) return;
+  it->second.Erase(id);
+  if (it->second.empty()) map.erase(it);
+}
+
+void PendingQueue::Index(std::uint64_t id, const std::string& text, bool add) {
+  auto mark = [&](Ids& ids) {
+    if (add) {
+      ids.Insert(id);
+    } else {
+      ids.Erase(id);
+    }
+  };
+  if (text.empty()) {
+    mark(empty_);
+    return;
+  }
+  size_t dash = text.find('-');
+  size_t tilde = text.find('~');
+  if (dash != std::string::npos) {
+    Put(by_dash_name_, std::string(Before(text, dash)), id, add);
+    std::string_view wanted = After(text, dash);
+    if (wanted == kList) {
+      mark(list_);
+    } else if (tilde == std::string::npos) {
+      mark(mail_);
+      Put(mail_by_wanted_, std::string(wanted), id, add);
+    }
+  }
+  if (tilde != std::string::npos) {
+    mark(find_);
+    Put(find_by_wanted_, std::string(After(text, tilde)), id, add);
+  }
+}
+
+std::uint64_t PendingQueue::Barrier() const {
+  return empty_.empty() ? std::numeric_limits<std::uint64_t>::max()
+                        : empty_.front();
+}
+
+TakenGroup PendingQueue::TakeGroup(const Ids& group, char separator,
+                                   int* lines) {
+  TakenGroup taken;
+  std::uint64_t barrier = Barrier();
+  std::vector<std::uint64_t> ids;
+  for (std::uint64_t id : group) {
+    if (id >= barrier) break;
+    const std::string& line = lstPending_.Item(lstPending_.IndexOfId(id));
+    size_t at = line.find(separator);
+    if (ids.empty()) taken.wanted = std::string(After(line, at));
+    taken.requesters += "(";
+    taken.requesters += Before(line, at);
+    taken.requesters += ")";
+    ids.push_back(id);
+  }
+  *lines = static_cast<int>(ids.size());
+  // `group` may go with the last of its lines.
+  RemoveIds(ids);
+  return taken;
+}
+
+void PendingQueue::RemoveIds(const std::vector<std::uint64_t>& ids) {
+  lstPending_.RemoveIds(ids);
+}
+
+TakenGroup PendingQueue::TakeNextMail(bool lists, Label& lblPending,
+                                      const CounterView& counters,
+                                      int list_count) {
+  TakenGroup taken;
+  if (lists) {
+    taken.wanted = std::string(kList);
+    std::vector<std::uint64_t> ids(list_.rbegin(), list_.rend());
+    for (std::uint64_t id : ids) {
+      const std::string& line = lstPending_.Item(lstPending_.IndexOfId(id));
+      taken.requesters += "(";
+      taken.requesters += Before(line, line.find('-'));
+      taken.requesters += ")";
+    }
+    RemoveIds(ids);
+    AdvanceServeCounters(counters, static_cast<std::int64_t>(ids.size()) *
+                                       std::max(list_count, 0));
+  } else if (!mail_.empty() && mail_.front() < Barrier()) {
+    const std::string& first =
+        lstPending_.Item(lstPending_.IndexOfId(mail_.front()));
+    std::string wanted(After(first, first.find('-')));
+    int lines = 0;
+    taken = TakeGroup(mail_by_wanted_.at(wanted), '-', &lines);
+    AdvanceServeCounters(counters, lines);
+  }
+  RefreshLabel(lblPending);
+  return taken;
+}
+
+TakenGroup PendingQueue::TakeNextFind(Label& lblPending) {
+  TakenGroup taken;
+  if (!find_.empty() && find_.front() < Barrier()) {
+    const std::string& first =
+        lstPending_.Item(lstPending_.IndexOfId(find_.front()));
+    std::string wanted(After(first, first.find('~')));
+    int lines = 0;
+    taken = TakeGroup(find_by_wanted_.at(wanted), '~', &lines);
+  }
+  RefreshLabel(lblPending);
+  return taken;
+}
+
+void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
+  ReplyQueue.Add(sn + "-mailbox");
+  auto it = by_dash_name_.find(sn);
+  if (it == by_dash_name_.end()) return;
+
+  // Replays the walk by index over the positions before any removal: a
+  // removal shifts the next line into the current slot and the index moves
+  // on, so the line right after a removed one is never looked at. An
+  // empty line that is looked at ends the walk.
+  std::vector<std::uint64_t> drop;
+  int last_removed = -2;
+  std::uint64_t looked_up_to = 0;  // ids below this have been passed
+  for (std::uint64_t id : it->second) {
+    int pos = lstPending_.IndexOfId(id);
+    const std::string& line = lstPending_.Item(pos);
+    // Empty lines between the last candidate and this one.
+    bool stopped = false;
+    for (auto e = empty_.lower_bound(looked_up_to);
+         e != empty_.end() && *e < id; ++e) {
+      if (lstPending_.IndexOfId(*e) == last_removed + 1) continue;  // skipped
+      stopped = true;
+      break;
+    }
+    if (stopped) break;
+    looked_up_to = id + 1;
+    if (line.find('~') != std::string::npos) continue;
+    if (pos == last_removed + 1) continue;  // moved into a removed slot
+    drop.push_back(id);
+    last_removed = pos;
+  }
+  RemoveIds(drop);
+}
+
+int PendingQueue::RemovePerson(std::string_view sn) {
+  auto it = by_dash_name_.find(std::string(sn));
+  if (it == by_dash_name_.end()) return 0;
+  std::vector<std::uint64_t> ids(it->second.begin(), it->second.end());
+  RemoveIds(ids);
+  return static_cast<int>(ids.size());
+}
+
+int PendingQueue::RemoveRequester(std::string_view name, bool stop_at_empty) {
+  int removed = 0;
+  for (char separator : {'-', '~'}) {
+    std::vector<std::uint64_t> ids;
+    for (int i = 0; i < lstPending_.Count(); ++i) {
+      const std::string& line = lstPending_.Item(i);
+      if (line.empty() && stop_at_empty) break;
+      size_t at = line.find(separator);
+      if (at == std::string::npos) continue;
+      if (RemoveSpaces(Before(line, at)) == name)
+        ids.push_back(lstPending_.IdAt(i));
+    }
+    RemoveIds(ids);
+    removed += static_cast<int>(ids.size());
+  }
+  return removed;
+}
+
+void PendingQueue::mnuRemoveSelected(Label& lblPending) {
+  lstPending_.Remove(lstPending_.selected());
+  RefreshLabel(lblPending);
+}
+
+void PendingQueue::mnuClearSN(Prompter& prompter, Label& lblPending) {
+  std::string answer = LCase(RemoveSpaces(
+      prompter.InputBox("enter a screen name to remove", "screen name", "")));
+  if (answer.size() < 3) return;
+  RemoveRequester(answer, false);
+  RefreshLabel(lblPending);
+}
+
+void PendingQueue::mnuClearALL(Label& lblPending) {
+  lstPending_.Clear();
+  RefreshLabel(lblPending);
+}
+
+void PendingQueue::Save(ProfileFile& profiles, const std::string& path) const {
+  int count = lstPending_.Count();
+  if (count == 0) return;  // an empty list writes nothing at all
+  // The count is written once, ahead of the lines: writing it again with
+  // every line would leave the same file. One rewrite of the file for the
+  // whole queue, however long it is.
+  std::vector<std::pair<std::string, std::string>> values;
+  values.reserve(static_cast<size_t>(count) + 1);
+  values.emplace_back("TotalPending", std::to_string(count));
+  for (int i = 0; i < count; ++i)
+    values.emplace_back("Pending " + std::to_string(i),
+                        ProfileQuote(lstPending_.Item(i)));
+  profiles.WriteStrings(path, "Quorvex", values);
+}
+
+void PendingQueue::Load(const PendingFile& file, Label& lblPending) {
+  if (!file.exists()) return;
+  // One read of the whole file: a profile read per key could mean a
+  // pass over the file per line.
+  ProfileFile::Sections sections = file.profiles.Dump(file.path);
+  const std::map<std::string, std::string>* keys = nullptr;
+  for (const auto& [name, values] : sections) {
+    if (EqualsIgnoreCase(name, "Quorvex")) {
+      keys = &values;
+      break;
+    }
+  }
+  std::unordered_map<std::string, const std::string*> folded;
+  if (keys) {
+    for (const auto& [key, value] : *keys) folded.emplace(LCase(key), &value);
+  }
+  auto value_of = [&](const std::string& key) -> std::string {
+    auto it = folded.find(LCase(key));
+    return it == folded.end() ? std::string() : *it->second;
+  };
+
+  std::string total = value_of("TotalPending");
+  if (IsNumeric(total)) {
+    lblPending.Set("pending: " + total);
+    // "For i = 0 To total - 1" with a whole-number counter: the bound is
+    // rounded the runtime's way.
+    double last = std::min(RoundHalfEven(Val(total) - 1), kLastIndexLoaded);
+    for (std::int64_t i = 0; i <= last; ++i)
+      lstPending_.Add(value_of("Pending " + std::to_string(i)));
+  }
+  file.remove();
+}
+
+void PendingQueue::RefreshLabel(Label& lblPending) const {
+  lblPending.Set("pending: " + std::to_string(lstPending_.Count()));
+}
+
+}  // namespace quorvex

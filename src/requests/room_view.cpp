@@ -1,0 +1,27 @@
+#include "requests/room_view.h"
+
+namespace quorvex {
+
+void RoomForm::Load(const std::vector<std::string>& people,
+                    const ListBox& lstBanned) {
+  lstRoom.Clear();
+  for (const auto& name : people) lstRoom.Add(name);
+  for (int i = 0; i < lstBanned.Count(); ++i) {
+    int found = lstRoom.FindExact(lstBanned.Item(i));
+    if (found >= 0) lstRoom.Remove(found);
+  }
+}
+
+void RoomForm::DoubleClick(ListBox& lstBanned, Label& lblBanned,
+                           PendingQueue& pending, Label& lblPending) {
+  int selected = lstRoom.selected();
+  if (selected < 0) return;
+  std::string name = lstRoom.Item(selected);
+  lstBanned.Add(name);
+  lblBanned.Set("banned: " + std::to_string(lstBanned.Count()));
+  pending.RemoveRequester(name, true);
+  lstRoom.Remove(selected);
+  pending.RefreshLabel(lblPending);
+}
+
+}  // namespace quorvex
