@@ -58,6 +58,55 @@ bool ListBox::RemoveId(std::uint64_t id) {
   return true;
 }
 
+void ListBox::RemoveIds(const std::vector<std::uint64_t>& ids) {
+  // Positions now, in the order given, without ids gone or repeated.
+  std::vector<int> order;
+  order.reserve(ids.size());
+  std::vector<char> marked(items_.size(), 0);
+  for (std::uint64_t id : ids) {
+    int at = IndexOfId(id);
+    if (at < 0 || marked[at]) continue;
+    marked[at] = 1;
+    order.push_back(at);
+  }
+  if (order.empty()) return;
+  if (order.size() == 1) return Remove(order[0]);
+
+  // The index each removal would have had one by one: its position less
+  // the earlier removals above it (a Fenwick tree over the sorted positions).
+  std::vector<int> sorted = order;
+  std::sort(sorted.begin(), sorted.end());
+  std::vector<int> tree(sorted.size() + 1, 0);
+  std::vector<ListChange> changes;
+  changes.reserve(order.size());
+  for (int at : order) {
+    int rank = static_cast<int>(
+        std::lower_bound(sorted.begin(), sorted.end(), at) - sorted.begin());
+    int above = 0;
+    for (int i = rank; i > 0; i -= i & -i) above += tree[i];
+    for (int i = rank + 1; i < static_cast<int>(tree.size()); i += i & -i) ++tree[i];
+    changes.push_back(ListChange{ListChange::Op::kRemove, at - above,
+                                 items_[at].id, items_[at].text});
+  }
+
+  int removed_below_selection = 0;
+  bool selection_gone = selected_ >= 0 && marked[selected_];
+  size_t out = 0;
+  for (size_t i = 0; i < items_.size(); ++i) {
+    if (marked[i]) {
+      IndexRemove(items_[i].text);
+      if (selected_ >= 0 && static_cast<int>(i) < selected_) ++removed_below_selection;
+      continue;
+    }
+    if (out != i) items_[out] = std::move(items_[i]);
+    ++out;
+  }
+  items_.resize(out);
+  selected_ = selection_gone ? -1
+                             : (selected_ >= 0 ? selected_ - removed_below_selection : -1);
+  for (const ListChange& c : changes) Notify(c);
+}
+
 void ListBox::Clear() {
   items_.clear();
   folded_.clear();

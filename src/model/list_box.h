@@ -43,6 +43,10 @@ class ListBox {
   std::uint64_t Add(std::string item);
   void Remove(int index);  // out of range does nothing
   bool RemoveId(std::uint64_t id);
+  // Removes many items in one pass; observers hear of each removal in the
+  // order of `ids`, with the index it would have had removed one by one.
+  // Ids no longer in the list are passed over.
+  void RemoveIds(const std::vector<std::uint64_t>& ids);
   void Clear();
 
   // LB_FINDSTRINGEXACT from the start: exact match ignoring case.

@@ -84,3 +84,32 @@ TEST(ListBoxTest, ObserversHearEveryChange) {
 
 }  // namespace
 }  // namespace quorvex
+
+namespace quorvex {
+namespace {
+
+TEST(ListBoxBatchTest, RemovesManyAtOnceReportingEachRemovalAsIfOneByOne) {
+  ListBox list("l");
+  std::vector<std::uint64_t> id;
+  for (const char* t : {"a", "b", "c", "d", "e", "f"}) id.push_back(list.Add(t));
+  list.Select(4);  // "e"
+  std::vector<std::pair<int, std::string>> seen;
+  list.Subscribe([&](const ListBox&, const ListChange& c) {
+    seen.emplace_back(c.index, c.item);
+  });
+  // Out of order, with a repeat and an id already gone.
+  list.RemoveId(id[5]);
+  seen.clear();
+  list.RemoveIds({id[3], id[1], id[3], id[5], id[0]});
+  EXPECT_EQ(list.Items(), (std::vector<std::string>{"c", "e"}));
+  // d at 3; then b at 1; then a at 0: positions as a one-by-one walk saw them.
+  EXPECT_EQ(seen, (std::vector<std::pair<int, std::string>>{
+                      {3, "d"}, {1, "b"}, {0, "a"}}));
+  EXPECT_EQ(list.selected(), 1);  // still "e"
+  EXPECT_EQ(list.IndexOfId(id[4]), 1);
+  EXPECT_FALSE(list.Contains("b"));
+  EXPECT_TRUE(list.Contains("C"));
+}
+
+}  // namespace
+}  // namespace quorvex

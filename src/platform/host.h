@@ -40,9 +40,10 @@ class Host {
   virtual double Clock() const = 0;
   virtual CivilTime Now() const = 0;
 
-  // Yields once to the message loop: runs what is due. When nothing was
-  // due, time may pass until the next thing that is due, but never past
-  // `wake_by` (a Clock() value); 0 means no hint.
+  // Yields once to the message loop: runs what is due. A plain yield
+  // (wake_by 0) returns at once when nothing is due. A wait passes
+  // `wake_by` (a Clock() value): when nothing is due, the host may sleep
+  // until the next thing that is, but never past wake_by.
   virtual void DoEvents(double wake_by = 0) = 0;
 
   // Runs `fn` from the message loop after `delay_seconds` (0: as soon as

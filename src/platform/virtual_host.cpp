@@ -190,10 +190,12 @@ void VirtualHost::AdvanceTo(std::int64_t t) {
 void VirtualHost::DoEvents(double wake_by) {
   if (now_us_ >= end_us_) throw RunEnded();
   if (RunDue()) return;
-  std::int64_t target = std::min(NextDue(), now_us_ + idle_step_us_);
+  // A plain yield costs a moment; a wait (wake_by given) lets time run on
+  // to the next thing that is due, but not past wake_by.
+  std::int64_t target = std::min(NextDue(), now_us_ + yield_step_us_);
   if (wake_by > 0) {
     std::int64_t w = Micros(wake_by) - start_of_day_us_;
-    if (w > now_us_) target = std::min(target, w);
+    target = std::min(NextDue(), w);
   }
   if (target <= now_us_) target = now_us_ + 1;
   AdvanceTo(target);

@@ -47,8 +47,9 @@ class VirtualHost : public Host {
   void SetPacer(std::function<void(double, double)> pacer) {
     pacer_ = std::move(pacer);
   }
-  // The longest single jump of the clock when nothing is due (seconds).
-  void SetIdleStep(double seconds) { idle_step_us_ = Micros(seconds); }
+  // How far the clock moves on a plain yield when nothing is due (seconds):
+  // what one turn of the message loop costs.
+  void SetYieldStep(double seconds) { yield_step_us_ = Micros(seconds); }
 
   // Runs the loop until virtual time `end_seconds`, even when nothing is
   // left to do; throws RunEnded when the end set with SetEnd comes first.
@@ -74,7 +75,7 @@ class VirtualHost : public Host {
   int start_days_;       // days since 1970-01-01 at time 0
   std::int64_t now_us_ = 0;
   std::int64_t end_us_ = INT64_MAX;
-  std::int64_t idle_step_us_ = 10000;  // 10 ms
+  std::int64_t yield_step_us_ = 100;  // 0.1 ms
   std::uint64_t seq_ = 0;
   std::multimap<std::pair<std::int64_t, std::uint64_t>, std::function<void()>>
       queue_;

@@ -17,7 +17,7 @@ TEST(VirtualHostTest, TimersTickByIntervalAndNeverReenterTheirHandler) {
     // A long operation yielding to the loop: the other timer runs inside
     // it, this one must not.
     if (ticks == 1)
-      for (int i = 0; i < 100; ++i) host.DoEvents();
+      for (int i = 0; i < 100; ++i) host.DoEvents(host.Clock() + 0.01);
     --depth;
   });
   auto other = host.CreateTimer([&] { ++other_ticks; });
@@ -95,12 +95,11 @@ TEST(VirtualHostTest, ScheduledCallsRunByTimeThenByOrderQueued) {
   EXPECT_EQ(runs, 2);
 }
 
-TEST(VirtualHostTest, DoEventsJumpsToWhatIsDueButNeverPastWakeBy) {
+TEST(VirtualHostTest, AWaitJumpsToWhatIsDueButNeverPastWakeByAndAYieldBarelyMoves) {
   VirtualHost host(CivilTime{2000, 1, 1, 10, 0, 0, 0});
-  host.SetIdleStep(1000);
   bool first = false, second = false;
   host.Schedule(5, [&] { first = true; });
-  host.DoEvents();
+  host.DoEvents(host.Clock() + 100);
   EXPECT_DOUBLE_EQ(host.Elapsed(), 5.0);
   EXPECT_TRUE(first);
 
@@ -108,19 +107,20 @@ TEST(VirtualHostTest, DoEventsJumpsToWhatIsDueButNeverPastWakeBy) {
   host.DoEvents(host.Clock() + 2);
   EXPECT_DOUBLE_EQ(host.Elapsed(), 7.0);
   EXPECT_FALSE(second);
-  host.DoEvents();
+  host.DoEvents(host.Clock() + 100);
   EXPECT_DOUBLE_EQ(host.Elapsed(), 15.0);
   EXPECT_TRUE(second);
 
-  // With nothing due, time moves by the idle step only.
-  host.SetIdleStep(0.01);
+  // A plain yield with nothing due costs one yield step.
+  host.SetYieldStep(0.01);
+  host.Schedule(1, [] {});
   host.DoEvents();
   EXPECT_DOUBLE_EQ(host.Elapsed(), 15.01);
 }
 
 TEST(VirtualHostTest, RunEndsAtTheEndSet) {
   VirtualHost host;
-  host.SetIdleStep(1000);
+  host.SetYieldStep(1000);
   host.SetEnd(3);
   bool ran = false;
   host.Schedule(5, [&] { ran = true; });

@@ -1,5 +1,7 @@
 #include "settings/ini_profile_file.h"
 
+#include <map>
+
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -185,6 +187,55 @@ void IniProfileFile::WriteString(const std::string& file,
     }
   }
 
+  std::string updated = JoinLines(lines);
+  if (read == ReadResult::kRead && updated == contents) return;
+  ReplaceFileContents(file, updated, &last_error_);
+}
+
+void IniProfileFile::WriteStrings(
+    const std::string& file, const std::string& section,
+    const std::vector<std::pair<std::string, std::string>>& values) {
+  last_error_.clear();
+  if (values.empty()) return;
+  std::string contents;
+  ReadResult read = ReadWhole(file, &contents);
+  if (read == ReadResult::kUnreadable) {
+    last_error_ = "cannot read " + file;
+    return;
+  }
+  std::vector<IniLine> lines = SplitLines(contents);
+  const std::string section_name(TrimBlanks(OneLine(section)));
+  std::size_t s = FindSection(lines, section_name);
+  if (s == kNone) {
+    lines.push_back(Classify("[" + section_name + "]"));
+    s = lines.size() - 1;
+  }
+  // The section's keys by folded name (the first of a name is the one a
+  // write changes), and where new keys go.
+  std::map<std::string, std::size_t> existing;
+  std::size_t end = SectionEnd(lines, s);
+  std::size_t at = s + 1;
+  for (std::size_t i = s + 1; i < end; ++i) {
+    if (lines[i].kind == IniLine::Kind::kKey)
+      existing.emplace(LCase(lines[i].name), i);
+    if (!TrimBlanks(lines[i].text).empty()) at = i + 1;
+  }
+  std::vector<IniLine> added;
+  std::map<std::string, std::size_t> added_at;
+  for (const auto& [key, value] : values) {
+    const std::string key_name(TrimBlanks(OneLine(key)));
+    const std::string folded = LCase(key_name);
+    if (auto e = existing.find(folded); e != existing.end()) {
+      lines[e->second] = Classify(lines[e->second].name + "=" + OneLine(value));
+    } else if (auto a = added_at.find(folded); a != added_at.end()) {
+      added[a->second] = Classify(added[a->second].name + "=" + OneLine(value));
+    } else {
+      added_at.emplace(folded, added.size());
+      added.push_back(Classify(key_name + "=" + OneLine(value)));
+    }
+  }
+  lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), added.begin(),
+               added.end());
   std::string updated = JoinLines(lines);
   if (read == ReadResult::kRead && updated == contents) return;
   ReplaceFileContents(file, updated, &last_error_);

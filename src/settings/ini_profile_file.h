@@ -30,6 +30,9 @@ class IniProfileFile : public ProfileFile {
                         const std::string& default_value) const override;
   // Like WritePrivateProfileStringA, a failed write leaves the old file
   // as it was and reports nothing to the caller; last_error() says why.
+  void WriteStrings(
+      const std::string& file, const std::string& section,
+      const std::vector<std::pair<std::string, std::string>>& values) override;
   void WriteString(const std::string& file, const std::string& section,
                    const std::string& key,
                    const std::optional<std::string>& value) override;

@@ -87,6 +87,25 @@ TEST_F(IniProfileFileTest, RewritesKeepOtherLinesAndPlaces) {
   EXPECT_EQ(ini_.GetString(file_, "Windows", "; keep me", "d"), "d");
 }
 
+TEST_F(IniProfileFileTest, ABatchWriteLeavesWhatOneByOneWritesWould) {
+  const std::string text =
+      "[Quorvex]\nPending 1=old\nTotalPending=9\n\n[Windows]\nload=\n";
+  const std::vector<std::pair<std::string, std::string>> values = {
+      {"TotalPending", "3"}, {"Pending 0", "a"}, {"pending 1", "b"},
+      {"Pending 2", "c"},    {"PENDING 0", "a2"}};
+  WriteText(text);
+  for (const auto& [k, v] : values) ini_.WriteString(file_, "quorvex", k, v);
+  const std::string one_by_one = ReadText();
+  WriteText(text);
+  ini_.WriteStrings(file_, "quorvex", values);
+  EXPECT_EQ(ReadText(), one_by_one);
+  EXPECT_EQ(ini_.GetString(file_, "Quorvex", "Pending 0", ""), "a2");
+
+  // A section that is not there yet goes at the end.
+  ini_.WriteStrings(file_, "New", {{"k", "v"}});
+  EXPECT_EQ(ini_.GetString(file_, "new", "K", ""), "v");
+}
+
 TEST_F(IniProfileFileTest, ReadingStripsBlanksAndOnePairOfQuotes) {
   WriteText(
       "\xEF\xBB\xBF[S]\r\n"  // a UTF-8 mark before the first section

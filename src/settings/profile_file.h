@@ -8,6 +8,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace quorvex {
 
@@ -25,6 +27,13 @@ class ProfileFile {
   virtual void WriteString(const std::string& file, const std::string& section,
                            const std::string& key,
                            const std::optional<std::string>& value) = 0;
+  // Writes several keys of one section as WriteString would one after the
+  // other, but in one rewrite of the file (a long queue is saved at once).
+  virtual void WriteStrings(
+      const std::string& file, const std::string& section,
+      const std::vector<std::pair<std::string, std::string>>& values) {
+    for (const auto& [key, value] : values) WriteString(file, section, key, value);
+  }
   // Every section and key of a file as read back (empty when missing).
   virtual Sections Dump(const std::string& file) const = 0;
 };

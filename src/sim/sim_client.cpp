@@ -514,8 +514,17 @@ std::intptr_t SimClient::SendMessageSetText(Hwnd hwnd, unsigned msg,
   SimWindow* w = tree_.Get(hwnd);
   if (!w) return 0;
   if (msg != win::kWmSetText) return Dispatch(hwnd, msg, wparam, 0);
-  // The display shows only what was said in the room.
-  if (w->role == kRoleDisplay) return 1;
+  // The display is a rich edit: it takes a text set into it, and keeps
+  // adding the room's lines after it.
+  if (w->role == kRoleDisplay) {
+    display_lines_.clear();
+    std::string_view rest = text;
+    while (!rest.empty()) {
+      size_t end = rest.find("\r\n");
+      display_lines_.emplace_back(rest.substr(0, end));
+      rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 2);
+    }
+  }
   w->text = std::string(text);
   return 1;
 }

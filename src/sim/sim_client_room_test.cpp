@@ -100,10 +100,6 @@ TEST_F(SimRoomTest, InputAnswersLineMessagesLikeARichEdit) {
   EXPECT_EQ(api_.SendMessage(Input(), win::kEmLineLength, 4, 0), 3);
   EXPECT_EQ(api_.SendMessageGetText(Input(), win::kEmGetLine, 1, &line, 3), 3);
   EXPECT_EQ(line, "two");
-
-  // The display cannot be written over.
-  rig_.SetText(Display(), "forged");
-  EXPECT_EQ(rig_.Text(Display()), "");
 }
 
 TEST_F(SimRoomTest, DisplayKeepsOnlyItsLastLines) {
@@ -113,6 +109,12 @@ TEST_F(SimRoomTest, DisplayKeepsOnlyItsLastLines) {
             "Ann:\tline 3\r\nAnn:\tline 4\r\nAnn:\tline 5");
   EXPECT_EQ(api_.DisplayLines().size(), 3u);
   EXPECT_EQ(rig_.events.chats.size(), 5u);  // every line was seen
+
+  // Emptied like any rich edit, it goes on with the lines said after.
+  api_.SendMessageSetText(Display(), win::kWmSetText, 0, "");
+  EXPECT_EQ(rig_.Text(Display()), "");
+  api_.Say("Ann", "line 6");
+  EXPECT_EQ(rig_.Text(Display()), "Ann:\tline 6");
 }
 
 TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
