@@ -1,0 +1,138 @@
+#include "client/chat_scanner.h"
+
+#include "client/chat_room.h"
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/test_client.h"
+
+namespace quorvex {
+namespace {
+
+class ChatScannerTest : public ClientTest {
+ protected:
+  ChatScannerTest() {
+    reader = scanner.Subscribe(
+        [this](const std::string& sn, const std::string& text) {
+          heard.push_back(sn + ": " + text);
+        });
+  }
+  ChatScanner scanner{api, host};
+  int reader = 0;
+  std::vector<std::string> heard;
+};
+
+TEST(ChatDisplayTest, ParsesNameTabTextLines) {
+  const auto lines = ChatScanner::ParseDisplay(
+      "Ann:\thi\r\nBob Lee:\tsays a:\tb\r\n\r\nno line here\r\nCat:\t");
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0].sn, "Ann");
+  EXPECT_EQ(lines[0].text, "hi");
+  EXPECT_EQ(lines[1].sn, "Bob Lee");
+  EXPECT_EQ(lines[1].text, "says a:\tb");
+  EXPECT_EQ(lines[2].text, "");
+  EXPECT_TRUE(ChatScanner::ParseDisplay("").empty());
+}
+
+TEST_F(ChatScannerTest, EveryLineOnceInOrderOwnLinesIncluded) {
+  Launch();
+  sim.Say("Ann", "before");
+  scanner.SetEnabled(reader, true);  // what was said before is not news
+  sim.Say("Ann", "hi");
+  sim.Say("Bob", "yo");
+  ChatSend(c, "hello");
+  for (int i = 0; i < 3; ++i) sim.Say("Ann", "again");
+  Run(1);
+  EXPECT_EQ(heard, (std::vector<std::string>{
+                       "Ann: hi", "Bob: yo",
+                       "Joe Smith: <font color=#003377 face=\"tahoma\">" +
+                           settings.LAscii + "hello" + settings.RAscii,
+                       "Ann: again", "Ann: again", "Ann: again"}));
+  Run(5);
+  EXPECT_EQ(heard.size(), 6u);  // nothing twice
+
+  scanner.SetEnabled(reader, false);
+  sim.Say("Ann", "unheard");
+  Run(1);
+  EXPECT_EQ(heard.size(), 6u);
+}
+
+TEST_F(ChatScannerTest, FollowsARoomMadeAnew) {
+  Launch();
+  scanner.SetEnabled(reader, true);
+  sim.Say("Ann", "in the lobby");
+  Run(1);
+  const Hwnd lobby = FindChatRoom(api);
+  Keyword(api, "aol://2719:2-2-Den");
+  Run(1);
+  ASSERT_NE(FindChatRoom(api), lobby);
+  sim.Say("Cat", "in the den");
+  Run(1);
+  EXPECT_EQ(heard,
+            (std::vector<std::string>{"Ann: in the lobby", "Cat: in the den"}));
+}
+
+TEST_F(ChatScannerTest, DisplayThatKeepsItsLinesIsReadByOverlap) {
+  sim.knobs().display_lines = 10;
+  Launch();
+  scanner.SetEnabled(reader, true);
+  for (int i = 0; i < 10; ++i) sim.Say("Ann", "line " + std::to_string(i));
+  Run(1);
+  for (int i = 10; i < 13; ++i) sim.Say("Bob", "line " + std::to_string(i));
+  Run(1);
+  ASSERT_EQ(heard.size(), 13u);
+  EXPECT_EQ(heard[12], "Bob: line 12");
+}
+
+TEST_F(ChatScannerTest, FloodOfIdenticalLinesIsHeardWhole) {
+  api.SetClearableDisplay(true);
+  Launch();
+  scanner.SetEnabled(reader, true);
+  // 100 lines a second, the same line from three people in turn: 25 lines
+  // between two reads, a quarter of what the display holds.
+  const char* const people[] = {"Ann", "Bob", "Cat"};
+  std::vector<std::string> said;
+  for (int i = 0; i < 3000; ++i) {
+    const char* who = people[i % 3];
+    said.push_back(std::string(who) + ": /srv send 5");
+    host.Schedule(0.01 * (i + 1), [this, who] { sim.Say(who, "/srv send 5"); });
+  }
+  Run(40);
+  EXPECT_EQ(heard, said);
+}
+
+TEST_F(ChatScannerTest, OneReadPerDisplayfulIsEnough) {
+  api.SetClearableDisplay(true);
+  sim.knobs().display_lines = 10;
+  Launch();
+  scanner.SetEnabled(reader, true);
+  for (int i = 0; i < 10; ++i) sim.Say("Ann", "same");
+  EXPECT_EQ(scanner.Scan(), 10);
+  // More than a displayful between two reads: the oldest are gone.
+  for (int i = 0; i < 15; ++i) sim.Say("Ann", "same");
+  EXPECT_EQ(scanner.Scan(), 10);
+  EXPECT_EQ(heard.size(), 20u);
+}
+
+TEST_F(ChatScannerTest, ReadersSwitchOnAndOffApart) {
+  api.SetClearableDisplay(true);
+  Launch();
+  std::vector<std::string> mirror;
+  const int window = scanner.Subscribe(
+      [&](const std::string& sn, const std::string&) { mirror.push_back(sn); });
+  scanner.SetEnabled(window, true);
+  sim.Say("Ann", "one");
+  Run(1);
+  scanner.SetEnabled(reader, true);
+  sim.Say("Bob", "two");
+  Run(1);
+  scanner.Unsubscribe(window);
+  sim.Say("Cat", "three");
+  Run(1);
+  EXPECT_EQ(mirror, (std::vector<std::string>{"Ann", "Bob"}));
+  EXPECT_EQ(heard, (std::vector<std::string>{"Bob: two", "Cat: three"}));
+  EXPECT_FALSE(scanner.enabled(window));
+  EXPECT_TRUE(scanner.enabled(reader));
+}
+
+}  // namespace
+}  // namespace quorvex

@@ -1,0 +1,123 @@
+#include "client/client_tree.h"
+
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+
+namespace quorvex {
+
+Hwnd FindFrame(WindowApi& api) {
+  return api.FindWindow("AOL Frame25", nullptr);
+}
+
+Hwnd FindMdiClient(WindowApi& api) {
+  return FindChild(api, FindFrame(api), "MDIClient");
+}
+
+Hwnd FindDocument(WindowApi& api, const char* caption) {
+  return api.FindWindowEx(FindMdiClient(api), 0, "AOL Child", caption);
+}
+
+Hwnd FindToolbarIcon(WindowApi& api, int n) {
+  const Hwnd toolbar = FindChild(api, FindFrame(api), "AOL Toolbar");
+  const Hwnd icons = FindChild(api, toolbar, "_AOL_Toolbar");
+  return FindNthChild(api, icons, "_AOL_Icon", n);
+}
+
+Hwnd FindClientChild(WindowApi& api, std::string_view caption) {
+  const Hwnd mdi = FindMdiClient(api);
+  const std::string wanted(caption);
+  if (Hwnd exact = api.FindWindowEx(mdi, 0, "AOL Child", wanted.c_str()))
+    return exact;
+  const Hwnd top = FindChild(api, mdi, "AOL Child");
+  return GetCaption(api, top).find(wanted) != std::string::npos ? top : 0;
+}
+
+Hwnd WaitForClientChild(const ClientContext& c, std::string_view caption) {
+  const double start = ClockToWholeSecond(c.host);
+  auto out_of_time = [&] { return c.host.Clock() - start >= 1.0; };
+  const WaitOptions within_budget{.give_up = out_of_time, .wake_by = start + 1};
+
+  Hwnd window = 0;
+  WaitUntil(
+      c.host, [&] { return (window = FindClientChild(c.api, caption)) != 0; },
+      within_budget);
+  Hwnd rich = 0;
+  WaitUntil(
+      c.host,
+      [&] { return (rich = FindChild(c.api, window, "RICHCNTL")) != 0; },
+      within_budget);
+  if (rich != 0) PostKey(c.api, rich, win::kVkEscape);
+  DoEvents(c.host, 2);
+  return out_of_time() ? 0 : window;
+}
+
+Hwnd FindClientChildWhere(WindowApi& api,
+                          const std::function<bool(Hwnd)>& test) {
+  const Hwnd mdi = FindMdiClient(api);
+  for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
+       child = api.FindWindowEx(mdi, child, "AOL Child", nullptr)) {
+    if (test(child)) return child;
+  }
+  return 0;
+}
+
+Hwnd FindChatRoom(WindowApi& api) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Listbox") &&
+           FindChild(api, w, "_AOL_Icon") && FindChild(api, w, "_AOL_Static");
+  });
+}
+
+Hwnd FindOpenMail(WindowApi& api) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    const Hwnd rich = FindChild(api, w, "RICHCNTL");
+    return rich && !api.FindWindowEx(w, rich, "RICHCNTL", nullptr) &&
+           !FindChild(api, w, "_AOL_Combobox") &&
+           !FindChild(api, w, "_AOL_FontCombo");
+  });
+}
+
+Hwnd FindComposeWindow(WindowApi& api) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Static") &&
+           FindChild(api, w, "_AOL_Combobox") &&
+           FindChild(api, w, "_AOL_FontCombo");
+  });
+}
+
+Hwnd FindTabbedMailbox(WindowApi& api) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    const Hwnd tabs = FindChild(api, w, "_AOL_TabControl");
+    return tabs && FindChild(api, tabs, "_AOL_TabPage");
+  });
+}
+
+std::string GetUserSN(WindowApi& api) {
+  const Hwnd mdi = FindMdiClient(api);
+  for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
+       child = api.FindWindowEx(mdi, child, "AOL Child", nullptr)) {
+    const std::string caption = GetCaption(api, child);
+    if (!StartsWith(caption, "Welcome, ")) continue;
+    // Without the "!" the old runtime failed on a negative length; the
+    // rest of the caption is the best guess.
+    const auto bang = caption.find('!');
+    return bang == std::string::npos ? caption.substr(9)
+                                     : caption.substr(9, bang - 9);
+  }
+  return "";
+}
+
+bool IsSignedOn(WindowApi& api) {
+  return FindChildByTitle(api, FindMdiClient(api), "Welcome, ") != 0;
+}
+
+std::function<bool()> SignedOff(WindowApi& api) {
+  return [&api] { return !IsSignedOn(api); };
+}
+
+std::function<bool()> Gone(WindowApi& api, Hwnd hwnd) {
+  return [&api, hwnd] { return !api.IsWindow(hwnd); };
+}
+
+}  // namespace quorvex

@@ -1,0 +1,49 @@
+#include "client/error_boxes.h"
+
+#include "client/client_tree.h"
+#include "client/window_ops.h"
+
+namespace quorvex {
+
+Hwnd FindDialog(WindowApi& api, const char* caption) {
+  return api.FindWindow("#32770", caption);
+}
+
+Hwnd FindClientBox(WindowApi& api, std::string_view static_text) {
+  const std::string text(static_text);
+  for (Hwnd box = api.FindWindowEx(0, 0, "#32770", kClientBoxCaption); box;
+       box = api.FindWindowEx(0, box, "#32770", kClientBoxCaption)) {
+    if (api.FindWindowEx(box, 0, "Static", text.c_str())) return box;
+  }
+  return 0;
+}
+
+Hwnd FindDialogButton(WindowApi& api, Hwnd box, const char* caption) {
+  return api.FindWindowEx(box, 0, "Button", caption);
+}
+
+Hwnd FindErrorWindow(WindowApi& api) { return FindDocument(api, "Error"); }
+
+std::string GetErrorText(WindowApi& api, Hwnd error_window) {
+  return GetText(api, FindChild(api, error_window, "_AOL_View"));
+}
+
+void DismissErrorWindow(WindowApi& api, Hwnd error_window) {
+  ClickIcon(api, FindChild(api, error_window, "_AOL_Icon"));
+}
+
+Hwnd FindModalButton(WindowApi& api, const char* caption) {
+  for (Hwnd modal = api.FindWindowEx(0, 0, "_AOL_Modal", nullptr); modal;
+       modal = api.FindWindowEx(0, modal, "_AOL_Modal", nullptr)) {
+    if (Hwnd button = api.FindWindowEx(modal, 0, "_AOL_Button", caption))
+      return button;
+  }
+  return 0;
+}
+
+void PressButton(WindowApi& api, Hwnd button) {
+  api.SendMessage(button, win::kWmKeyDown, win::kVkSpace, 0);
+  api.SendMessage(button, win::kWmKeyUp, win::kVkSpace, 0);
+}
+
+}  // namespace quorvex

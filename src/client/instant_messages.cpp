@@ -1,0 +1,47 @@
+#include "client/instant_messages.h"
+
+#include <string>
+
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+
+namespace quorvex {
+
+void SendIM(const ClientContext& c, std::string_view recipient,
+            std::string_view message) {
+  WindowApi& api = c.api;
+  const std::string address = "aol://9293:" + std::string(recipient);
+  Keyword(api, address);
+
+  Hwnd window = 0, field = 0, send = 0;
+  WaitUntil(
+      c.host,
+      [&] {
+        window = FindDocument(api, kSendIm);
+        field = FindChild(api, window, "RICHCNTL");
+        send = FindNthChildAfter(api, window, field, "_AOL_Icon", 9);
+        return window && field && send;
+      },
+      {.every = kImWindowRounds, .repeat = [&] { Keyword(api, address); }});
+
+  SetText(api, field, message);
+  ClickIcon(api, send);
+
+  Hwnd box = 0;
+  WaitUntil(c.host, [&] {
+    box = api.FindWindow("#32770", "America Online");
+    window = FindDocument(api, kSendIm);
+    return box || !window;
+  });
+  if (!box) return;  // sent without an answer box
+  PostKey(api, FindChild(api, box, "Button"), win::kVkSpace);
+  api.PostMessage(window, win::kWmClose, 0, 0);
+}
+
+void IMsOff(const ClientContext& c) { SendIM(c, "$IM_OFF", "=)"); }
+
+void IMsOn(const ClientContext& c) { SendIM(c, "$IM_ON", "=)"); }
+
+}  // namespace quorvex

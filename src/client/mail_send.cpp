@@ -1,0 +1,177 @@
+#include "client/mail_send.h"
+
+#include <string>
+
+#include "client/client_tree.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr int kNudgeRounds = 200;  // rounds between repeated Write clicks
+
+enum class Send { kNowThenLater, kNow, kUntilSent };
+
+// A click that lands while the client is busy is lost, so every send is
+// clicked several times; clicks on a window already closed do nothing.
+void ClickTimes(const ClientContext& c, Hwnd icon, int times) {
+  for (int i = 0; i < times; ++i) {
+    ClickIcon(c.api, icon);
+    DoEvents(c.host, 2);
+  }
+}
+
+void PostEscape(WindowApi& api, Hwnd frame) {
+  PostKey(api, frame, win::kVkEscape);
+}
+
+void ShrinkStatusWindow(WindowApi& api) {
+  if (const Hwnd status = FindDocument(api, "Status"))
+    ShrinkWindow(api, status);
+}
+
+struct MailControls {
+  Hwnd edit[3] = {0, 0, 0};
+  Hwnd body = 0, combo = 0, font = 0;
+  Hwnd send_now = 0, send_later = 0;
+
+  void Find(WindowApi& api, Hwnd window, int send_now_at, bool with_later) {
+    for (int i = 0; i < 3; ++i)
+      edit[i] = FindNthChild(api, window, "_AOL_Edit", i + 1);
+    body = FindChild(api, window, "RICHCNTL");
+    combo = FindChild(api, window, "_AOL_Combobox");
+    font = FindChild(api, window, "_AOL_Fontcombo");
+    send_now = FindNthChild(api, window, "_AOL_Icon", send_now_at);
+    send_later = with_later
+                     ? FindNthChild(api, window, "_AOL_Icon", send_now_at + 1)
+                     : 0;
+  }
+};
+
+void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
+             std::string_view body, Send how) {
+  WindowApi& api = c.api;
+  const bool later = how == Send::kNowThenLater;
+  const Hwnd frame = FindFrame(api);
+  const std::string caption = GetText(api, window);
+
+  MailControls mail;
+  if (WaitUntil(
+          c.host,
+          [&] {
+            mail.Find(api, window, 14, later);
+            // Icons are counted by position: in a window still being
+            // built the count wraps round to the first ones.
+            for (int i = 1; i <= 4; ++i)
+              if (mail.send_later == FindNthChild(api, window, "_AOL_Icon", i))
+                return false;
+            return mail.body && mail.combo &&
+                   GetText(api, mail.send_now) == "Send Now" &&
+                   (!later || GetText(api, mail.send_later) == "Send Later");
+          },
+          {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+    return;
+
+  const std::string text = c.ExpandInserts(std::string(body));
+  SetText(api, mail.edit[0], recipients);
+  c.host.DoEvents();
+  SetText(api, mail.edit[2], caption.size() > 4 ? caption.substr(4) : "");
+  c.host.DoEvents();
+  SetText(api, mail.body, text);
+  DoEvents(c.host, 2);
+  PostEscape(api, frame);
+  DoEvents(c.host, 2);
+
+  if (later) {
+    ClickTimes(c, mail.send_now, 3);
+    PostEscape(api, frame);
+    DoEvents(c.host, 2);
+    ClickTimes(c, mail.send_later, 8);
+  } else {
+    ClickTimes(c, mail.send_now, 5);
+    PostEscape(api, frame);
+  }
+  ShrinkStatusWindow(api);
+}
+
+void Write(const ClientContext& c, std::string_view recipients,
+           std::string_view subject, std::string_view body, Send how) {
+  WindowApi& api = c.api;
+  const bool later = how == Send::kNowThenLater;
+  const Hwnd frame = FindFrame(api);
+  const Hwnd write_icon = FindToolbarIcon(api, 2);
+  PostClickIcon(api, write_icon);
+
+  MailControls mail;
+  if (WaitUntil(
+          c.host,
+          [&] {
+            mail.Find(api, FindDocument(api, kWriteMail), 16, true);
+            return !GetText(api, mail.send_now).empty() &&
+                   (!later || !GetText(api, mail.send_later).empty());
+          },
+          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = [&] {
+             PostClickIcon(api, write_icon);
+           }}) != WaitEnd::kMet)
+    return;
+
+  SetText(api, mail.edit[0], recipients);
+  SetText(api, mail.edit[2], subject);
+  SetText(api, mail.body, c.ExpandInserts(std::string(body)));
+
+  switch (how) {
+    case Send::kNowThenLater:
+      PostEscape(api, frame);
+      DoEvents(c.host, 2);
+      ClickTimes(c, mail.send_now, 3);
+      PostEscape(api, frame);
+      ClickTimes(c, mail.send_later, 8);
+      break;
+    case Send::kNow:
+      ClickTimes(c, mail.send_now, 5);
+      PostEscape(api, frame);
+      break;
+    case Send::kUntilSent:
+      WaitUntil(c.host,
+                [&] {
+                  PauseSeconds(c.host, 0.6f);
+                  ClickIcon(api, mail.send_now);
+                  DoEvents(c.host, 2);
+                  return FindDocument(api, kWriteMail) == 0;
+                },
+                {.give_up = SignedOff(api)});
+      break;
+  }
+  ShrinkStatusWindow(api);
+}
+
+}  // namespace
+
+void ForwardMail(const ClientContext& c, std::string_view recipients,
+                 Hwnd forward_window, std::string_view body) {
+  Forward(c, recipients, forward_window, body, Send::kNowThenLater);
+}
+
+void ForwardMailNow(const ClientContext& c, std::string_view recipients,
+                    Hwnd forward_window, std::string_view body) {
+  Forward(c, recipients, forward_window, body, Send::kNow);
+}
+
+void WriteMail(const ClientContext& c, std::string_view recipients,
+               std::string_view subject, std::string_view body) {
+  Write(c, recipients, subject, body, Send::kNowThenLater);
+}
+
+void WriteMailNow(const ClientContext& c, std::string_view recipients,
+                  std::string_view subject, std::string_view body) {
+  Write(c, recipients, subject, body, Send::kNow);
+}
+
+void WriteMailUntilSent(const ClientContext& c, std::string_view recipients,
+                        std::string_view subject, std::string_view body) {
+  Write(c, recipients, subject, body, Send::kUntilSent);
+}
+
+}  // namespace quorvex

@@ -1,0 +1,220 @@
+#include "client/mailbox.h"
+
+#include <algorithm>
+
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr int kNudgeRounds = 200;  // rounds between repeated clicks
+
+Hwnd FindIncomingMail(WindowApi& api) {
+  return FindDocument(api, kIncomingMail);
+}
+
+int ListCount(WindowApi& api, Hwnd list) {
+  return static_cast<int>(api.SendMessage(list, win::kLbGetCount, 0, 0));
+}
+
+std::string ListText(WindowApi& api, Hwnd list, int index) {
+  const auto at = static_cast<std::uintptr_t>(index);
+  const auto length = api.SendMessage(list, win::kLbGetTextLen, at, 0);
+  const auto buffer =
+      static_cast<std::size_t>(std::max<std::intptr_t>(length, 0) + 1);
+  std::string text;
+  api.SendMessageGetText(list, win::kLbGetText, at, &text, buffer);
+  return text;
+}
+
+// "Incoming/Saved Mail", opened through the tool bar's menu when missing.
+Hwnd OpenIncomingMail(const ClientContext& c) {
+  Hwnd box = FindIncomingMail(c.api);
+  if (box) return box;
+  OpenOfflineMailbox(c);
+  Pause(c.host, 0.8);
+  return FindIncomingMail(c.api);
+}
+
+// Closes every window the finder finds.
+void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
+  WaitUntil(c.host, [&] {
+    const Hwnd w = find(c.api);
+    if (w) CloseWindow(c.api, w);
+    return w == 0;
+  });
+}
+
+Hwnd FindWriteMail(WindowApi& api) { return FindDocument(api, kWriteMail); }
+
+// Shrinks the window and has the client remember its size for the next
+// windows of its kind.
+void RememberSmall(const ClientContext& c, Hwnd window) {
+  ShrinkWindow(c.api, window);
+  RunClientMenu(c.api, 2, 7);
+}
+
+}  // namespace
+
+std::string MailTitleOf(std::string_view item) {
+  const auto first = item.find('\t');
+  const auto second =
+      first == std::string_view::npos ? first : item.find('\t', first + 1);
+  const std::string_view title =
+      second == std::string_view::npos ? item : item.substr(second + 1);
+  return ReplaceAll(title, std::string_view("\0", 1), "");
+}
+
+void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
+                 StatusStrip& status) {
+  WindowApi& api = c.api;
+  Hwnd tree = 0;
+  int count = 0;
+  WaitUntil(c.host, [&] {
+    const Hwnd box = OpenIncomingMail(c);
+    if (!box) return false;
+    tree = FindChild(api, box, "_AOL_Tree");
+    count = ListCount(api, tree);
+    if (count == 0) CloseWindow(api, box);
+    return count > 0;
+  });
+
+  for (int i = 0; i < count; ++i) {
+    c.host.DoEvents();
+    list.Add(MailTitleOf(ListText(api, tree, i)));
+    if (skipForeignLists &&
+        Like(list.Item(list.Count() - 1), "*velo-grid list number *"))
+      list.Remove(list.Count() - 1);
+    // The index, not the number read: the first report says 0 mails.
+    if (i % 10 == 0)
+      status.Draw("status: refreshed " + std::to_string(i) + " mails",
+                  "#4488BB");
+  }
+}
+
+int GetMailCount(WindowApi& api) {
+  const Hwnd box = FindIncomingMail(api);
+  if (!box) return 0;
+  return ListCount(api, FindChild(api, box, "_AOL_Tree"));
+}
+
+std::string GetMailTitle(WindowApi& api, int position) {
+  const Hwnd tree = FindChild(api, FindIncomingMail(api), "_AOL_Tree");
+  if (ListCount(api, tree) < position) return "";
+  return MailTitleOf(ListText(api, tree, position));
+}
+
+void OpenMail(const ClientContext& c, int position) {
+  WindowApi& api = c.api;
+  const Hwnd tree = FindChild(api, FindIncomingMail(api), "_AOL_Tree");
+  if (ListCount(api, tree) < position || !IsSignedOn(api)) return;
+  DoEvents(c.host, 2);
+  api.SendMessage(tree, win::kLbSetCurSel,
+                  static_cast<std::uintptr_t>(position), 0);
+  PostKey(api, tree, win::kVkReturn);
+}
+
+void DeleteSentMail(const ClientContext& c) {
+  WindowApi& api = c.api;
+  Hwnd box = 0;
+  WaitUntil(c.host, [&] { return (box = FindTabbedMailbox(api)) != 0; },
+            {.every = 1, .repeat = [&] {
+               RunToolbarMenu(c, 3, 'S');
+               Pause(c.host, 0.8);
+             }});
+  const Hwnd tabs = FindChild(api, box, "_AOL_TabControl");
+  const Hwnd sent =
+      FindChild(api, FindNthChild(api, tabs, "_AOL_TabPage", 3), "_AOL_Tree");
+  const Hwnd delete_icon = FindNthChild(api, box, "_AOL_Icon", 7);
+
+  // The client fills the list in steps: wait until two reads agree.
+  int count = 0;
+  if (WaitUntil(c.host,
+                [&] {
+                  const int before = ListCount(api, sent);
+                  Pause(c.host, 2);
+                  count = ListCount(api, sent);
+                  return before == count;
+                },
+                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+    return;
+
+  if (count != 0) {
+    if (WaitUntil(c.host,
+                  [&] {
+                    DoEvents(c.host, 2);
+                    ClickIcon(api, delete_icon);
+                    DoEvents(c.host, 2);
+                    return ListCount(api, sent) == 0;
+                  },
+                  {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+      return;
+    PauseSeconds(c.host, 1);
+  }
+  CloseWindow(api, box);
+}
+
+void DeleteMailWaiting(const ClientContext& c) {
+  WindowApi& api = c.api;
+  Hwnd box = 0;
+  WaitUntil(c.host,
+            [&] { return (box = FindDocument(api, kMailWaiting)) != 0; },
+            {.every = 1, .repeat = [&] {
+               RunToolbarMenu(c, 3, 'b');
+               Pause(c.host, 0.8);
+             }});
+  const Hwnd delete_icon = FindNthChild(api, box, "_AOL_Icon", 2);
+  const Hwnd queued = FindChild(api, box, "_AOL_Tree");
+  if (WaitUntil(c.host,
+                [&] {
+                  DoEvents(c.host, 2);
+                  ClickIcon(api, delete_icon);
+                  DoEvents(c.host, 2);
+                  return ListCount(api, queued) == 0;
+                },
+                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+    return;
+  PauseSeconds(c.host, 1);
+  CloseWindow(api, box);
+}
+
+void ShrinkMailWindows(const ClientContext& c) {
+  WindowApi& api = c.api;
+  Hwnd box = 0;
+  WaitUntil(c.host, [&] { return (box = OpenIncomingMail(c)) != 0; });
+  MinimizeWindow(api, box);
+  DoEvents(c.host, 2);
+
+  Hwnd mail = 0;
+  WaitUntil(c.host, [&] {
+    OpenMail(c, 2);
+    return (mail = FindOpenMail(api)) != 0;
+  });
+  RememberSmall(c, mail);
+
+  const Hwnd forward_icon = FindNthChild(api, mail, "_AOL_Icon", 8);
+  ClickIcon(api, forward_icon);
+  Hwnd forward = 0;
+  WaitUntil(
+      c.host, [&] { return (forward = FindComposeWindow(api)) != 0; },
+      {.every = kNudgeRounds, .repeat = [&] { ClickIcon(api, forward_icon); }});
+  RememberSmall(c, forward);
+  CloseAll(c, FindComposeWindow);
+  CloseAll(c, FindOpenMail);
+
+  const Hwnd write_icon = FindToolbarIcon(api, 2);
+  PostClickIcon(api, write_icon);
+  Hwnd write = 0;
+  WaitUntil(c.host, [&] { return (write = FindWriteMail(api)) != 0; },
+            {.every = kNudgeRounds,
+             .repeat = [&] { PostClickIcon(api, write_icon); }});
+  RememberSmall(c, write);
+  CloseAll(c, FindWriteMail);
+}
+
+}  // namespace quorvex

@@ -1,0 +1,61 @@
+// The fixture of the client tests: a simulated client, signed on and in
+// its room, behind a recording window port, on a virtual host whose run
+// ends after an hour, so that a wait that never ends fails the test
+// instead of hanging it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "client/client_context.h"
+#include "client/recording_api.h"
+#include "platform/virtual_host.h"
+#include "settings/settings.h"
+#include "sim/sim_client.h"
+#include "sim/sim_world.h"
+
+namespace quorvex {
+
+struct MailSeen {
+  std::string to, subject, body;
+  bool now;
+};
+
+class ClientTest : public ::testing::Test, public SimObserver {
+ protected:
+  ClientTest() {
+    host.SetEnd(3600);
+    api.SetObserver(this);
+    sim.SetUserName("Joe Smith");
+    sim.SetRoomName("Lobby");
+  }
+
+  void Launch() { sim.Launch(); }
+  void AddMails(int n, const std::string& prefix = "mail ") {
+    for (int i = 0; i < n; ++i) sim.AddMail(prefix + std::to_string(i));
+  }
+  // Lets the client catch up: yields for `seconds` of virtual time.
+  void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
+
+  void OnMail(const std::string&, const std::string& to,
+              const std::string& subject, const std::string& body,
+              bool now) override {
+    mails.push_back({to, subject, body, now});
+  }
+  void OnIm(const std::string& to, const std::string& text) override {
+    ims.push_back(to + ": " + text);
+  }
+
+  VirtualHost host{CivilTime{2004, 5, 1, 12, 0, 0, 0}};
+  SimWorld world;
+  SimClient sim{host, world};
+  RecordingApi api{sim};
+  Settings settings;
+  ClientContext c{api, host, settings, nullptr};
+  std::vector<MailSeen> mails;
+  std::vector<std::string> ims;
+};
+
+}  // namespace quorvex

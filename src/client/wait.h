@@ -1,0 +1,51 @@
+// The one way to wait for the client. A wait polls a predicate, yielding to
+// the message loop on every round (chat events, clicks and timers run
+// meanwhile), and says as data what else it does: pause between polls,
+// give up on a condition (the client signed off, a window gone), repeat an
+// action every so many rounds, stop after so many rounds. Modelled on
+// pywinauto's wait_until.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/host.h"
+
+namespace quorvex {
+
+struct WaitOptions {
+  // Pause (PauseSeconds) after every unmet poll; <= 0: only yield.
+  float speed = 0;
+  // Checked after every poll, before the result: true ends the wait.
+  std::function<bool()> give_up = nullptr;
+  // `repeat` runs after every `every`-th unmet round (nudging the client).
+  std::int64_t every = 0;
+  std::function<void()> repeat = nullptr;
+  // Ends the wait after this many unmet rounds; 0: no limit.
+  std::int64_t rounds = 0;
+  // A Clock() value the yield need not sleep past (time-bounded waits).
+  double wake_by = 0;
+};
+
+enum class WaitEnd { kMet, kGaveUp, kOutOfRounds };
+
+// Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
+// yield (DoEvents); pause; repeat action. There is no time limit of its
+// own: a virtual host ends a run by throwing out of DoEvents.
+WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
+                  const WaitOptions& how = {});
+
+// The clock (Host::Clock) at whole milliseconds, rounded half-to-even to a
+// whole second, as the old runtime stored its timer in a whole number.
+double ClockToWholeSecond(const Host& host);
+
+// Yields to the message loop `times` times.
+void DoEvents(Host& host, int times);
+
+// Waits `seconds` from the clock rounded to a whole second: the rounding is
+// deliberate, a pause may end up to half a second early or late. A pause
+// of 0 (or less) returns at once.
+void Pause(Host& host, double seconds);
+void PauseSeconds(Host& host, float seconds);
+
+}  // namespace quorvex

@@ -1,0 +1,105 @@
+#include "client/wait.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/virtual_host.h"
+
+namespace quorvex {
+namespace {
+
+TEST(PauseTest, StartsFromTheClockRoundedToAWholeSecond) {
+  VirtualHost host(CivilTime{2004, 5, 1, 0, 0, 10, 600});
+  Pause(host, 0);
+  EXPECT_DOUBLE_EQ(host.Clock(), 10.6);
+  // 10.6 rounds to 11: a pause of one second ends at 12.0.
+  Pause(host, 1);
+  EXPECT_DOUBLE_EQ(host.Clock(), 12.0);
+  PauseSeconds(host, 0.45f);
+  EXPECT_NEAR(host.Clock(), 12.45, 1e-6);
+  // 12.45 rounds down to 12, which is already 0.3 s ago.
+  Pause(host, 0.3);
+  EXPECT_NEAR(host.Clock(), 12.45, 1e-6);
+  // Halves round to even: 12.5 to 12, 13.5 to 14.
+  host.RunUntil(host.Elapsed() + 0.05);
+  ASSERT_NEAR(host.Clock(), 12.5, 1e-6);
+  Pause(host, 1);
+  EXPECT_NEAR(host.Clock(), 13.0, 1e-6);
+  host.RunUntil(host.Elapsed() + 0.5);
+  Pause(host, 1);
+  EXPECT_NEAR(host.Clock(), 15.0, 1e-6);
+}
+
+TEST(PauseTest, AcrossMidnightLastsAsLongAsAnyOther) {
+  VirtualHost host(CivilTime{2004, 5, 1, 23, 59, 59, 300});
+  Pause(host, 2);  // from 86399 (rounded) to 86401
+  EXPECT_NEAR(host.Elapsed(), 1.7, 1e-6);
+  EXPECT_NEAR(host.Timer(), 1.0, 1e-6);
+  EXPECT_EQ(host.Now().day, 2);
+}
+
+TEST(WaitUntilTest, PollsYieldingUntilMet) {
+  VirtualHost host;
+  bool ready = false;
+  host.Schedule(0.5, [&] { ready = true; });
+  int polls = 0;
+  EXPECT_EQ(WaitUntil(host,
+                      [&] {
+                        ++polls;
+                        return ready;
+                      }),
+            WaitEnd::kMet);
+  EXPECT_GE(host.Elapsed(), 0.5);
+  EXPECT_GT(polls, 1);
+
+  // Met at once: no yield at all.
+  const double before = host.Elapsed();
+  EXPECT_EQ(WaitUntil(host, [] { return true; }), WaitEnd::kMet);
+  EXPECT_EQ(host.Elapsed(), before);
+}
+
+TEST(WaitUntilTest, RoundsRepeatsAndGivingUp) {
+  VirtualHost host;
+  int polls = 0, nudges = 0;
+  EXPECT_EQ(WaitUntil(host,
+                      [&] {
+                        ++polls;
+                        return false;
+                      },
+                      {.every = 3, .repeat = [&] { ++nudges; }, .rounds = 10}),
+            WaitEnd::kOutOfRounds);
+  EXPECT_EQ(polls, 10);
+  EXPECT_EQ(nudges, 3);  // after rounds 3, 6 and 9
+
+  // Giving up wins over a result found in the same round, as a round
+  // that finds the client signed off returns before its test.
+  EXPECT_EQ(
+      WaitUntil(host, [] { return true; }, {.give_up = [] { return true; }}),
+      WaitEnd::kGaveUp);
+
+  int rounds = 0;
+  EXPECT_EQ(WaitUntil(host, [] { return false; },
+                      {.give_up = [&] { return ++rounds == 4; }}),
+            WaitEnd::kGaveUp);
+}
+
+TEST(WaitUntilTest, SpeedPausesBetweenPolls) {
+  VirtualHost host(CivilTime{2004, 5, 1, 12, 0, 0, 0});
+  int polls = 0;
+  WaitUntil(host, [&] { return ++polls == 4; }, {.speed = 1});
+  EXPECT_NEAR(host.Elapsed(), 3.0, 0.05);
+
+  VirtualHost quick;
+  polls = 0;
+  WaitUntil(quick, [&] { return ++polls == 4; }, {.speed = 0});
+  EXPECT_LT(quick.Elapsed(), 0.05);
+}
+
+TEST(WaitUntilTest, EndsWhenTheRunEnds) {
+  VirtualHost host;
+  host.SetEnd(5);
+  EXPECT_THROW(WaitUntil(host, [] { return false; }), RunEnded);
+  EXPECT_THROW(Pause(host, 10), RunEnded);
+}
+
+}  // namespace
+}  // namespace quorvex

@@ -1,0 +1,120 @@
+#include "client/window_ops.h"
+
+#include <algorithm>
+
+#include "model/text_util.h"
+
+namespace quorvex {
+
+namespace {
+
+// The walk of FindChildByClass and FindChildByTitle. The old runtime held
+// the walked handle in a 16-bit number and stopped with an overflow above
+// 32767; handles stay whole here.
+template <typename Text>
+Hwnd FindChildWhere(WindowApi& api, Hwnd parent, std::string_view wanted,
+                    Text text_of) {
+  const std::string needle = UCase(wanted);
+  for (Hwnd child = api.GetWindow(parent, win::kGwChild); child != 0;
+       child = api.GetWindow(child, win::kGwHwndNext)) {
+    if (UCase(text_of(child)).find(needle) != std::string::npos) return child;
+  }
+  return 0;
+}
+
+}  // namespace
+
+Hwnd FindChildByClass(WindowApi& api, Hwnd parent,
+                      std::string_view class_name) {
+  return FindChildWhere(api, parent, class_name,
+                        [&](Hwnd h) { return api.GetClassName(h, 250); });
+}
+
+Hwnd FindChildByTitle(WindowApi& api, Hwnd parent, std::string_view text) {
+  return FindChildWhere(api, parent, text, [&](Hwnd h) {
+    return api.GetWindowText(h, api.GetWindowTextLength(h) + 1);
+  });
+}
+
+Hwnd FindNthChild(WindowApi& api, Hwnd parent, const char* class_name, int n) {
+  return FindNthChildAfter(api, parent, 0, class_name, n);
+}
+
+Hwnd FindNthChildAfter(WindowApi& api, Hwnd parent, Hwnd after,
+                       const char* class_name, int n) {
+  Hwnd found = after;
+  for (int i = 0; i < n; ++i)
+    found = api.FindWindowEx(parent, found, class_name, nullptr);
+  return found;
+}
+
+Hwnd NextSibling(WindowApi& api, Hwnd hwnd, int steps) {
+  for (int i = 0; i < steps; ++i) hwnd = api.GetWindow(hwnd, win::kGwHwndNext);
+  return hwnd;
+}
+
+Hwnd FindChild(WindowApi& api, Hwnd parent, const char* class_name) {
+  return api.FindWindowEx(parent, 0, class_name, nullptr);
+}
+
+std::string GetCaption(WindowApi& api, Hwnd hwnd) {
+  const int length = api.GetWindowTextLength(hwnd);
+  return api.GetWindowText(hwnd, std::max(length, 0) + 1);
+}
+
+std::string GetText(WindowApi& api, Hwnd hwnd) {
+  const auto length = api.SendMessage(hwnd, win::kWmGetTextLength, 0, 0);
+  const auto buffer =
+      static_cast<std::size_t>(std::max<std::intptr_t>(length, 0) + 1);
+  std::string text;
+  api.SendMessageGetText(hwnd, win::kWmGetText, buffer, &text, buffer);
+  return text;
+}
+
+void SetText(WindowApi& api, Hwnd hwnd, std::string_view text) {
+  api.SendMessageSetText(hwnd, win::kWmSetText, 0, text);
+}
+
+void CloseWindow(WindowApi& api, Hwnd hwnd) {
+  api.SendMessage(hwnd, win::kWmClose, 0, 0);
+}
+
+void ClickIcon(WindowApi& api, Hwnd icon) {
+  api.SendMessage(icon, win::kWmLButtonDown, 0, 0);
+  api.SendMessage(icon, win::kWmLButtonUp, 0, 0);
+}
+
+void PostClickIcon(WindowApi& api, Hwnd icon) {
+  api.PostMessage(icon, win::kWmLButtonDown, 0, 0);
+  api.PostMessage(icon, win::kWmLButtonUp, 0, 0);
+}
+
+void SendChar(WindowApi& api, Hwnd hwnd, int char_code) {
+  if (api.IsWindow(hwnd))
+    api.SendMessage(hwnd, win::kWmChar, static_cast<std::uintptr_t>(char_code),
+                    0);
+}
+
+void PostKey(WindowApi& api, Hwnd hwnd, int virtual_key) {
+  const auto key = static_cast<std::uintptr_t>(virtual_key);
+  api.PostMessage(hwnd, win::kWmKeyDown, key, 0);
+  api.PostMessage(hwnd, win::kWmKeyUp, key, 0);
+}
+
+void HideWindow(WindowApi& api, Hwnd hwnd) {
+  api.ShowWindow(hwnd, win::kSwHide);
+}
+
+void ShowWindowNormal(WindowApi& api, Hwnd hwnd) {
+  api.ShowWindow(hwnd, win::kSwShow);
+}
+
+void MinimizeWindow(WindowApi& api, Hwnd hwnd) {
+  api.ShowWindow(hwnd, win::kSwMinimize);
+}
+
+void ShrinkWindow(WindowApi& api, Hwnd hwnd) {
+  api.SetWindowPos(hwnd, 0, 0, 0, 1, 1, win::kSwpNoMove);
+}
+
+}  // namespace quorvex
