@@ -84,7 +84,8 @@ void ListBox::RemoveIds(const std::vector<std::uint64_t>& ids) {
         std::lower_bound(sorted.begin(), sorted.end(), at) - sorted.begin());
     int above = 0;
     for (int i = rank; i > 0; i -= i & -i) above += tree[i];
-    for (int i = rank + 1; i < static_cast<int>(tree.size()); i += i & -i) ++tree[i];
+    for (int i = rank + 1; i < static_cast<int>(tree.size()); i += i & -i)
+      ++tree[i];
     changes.push_back(ListChange{ListChange::Op::kRemove, at - above,
                                  items_[at].id, items_[at].text});
   }
@@ -95,15 +96,17 @@ void ListBox::RemoveIds(const std::vector<std::uint64_t>& ids) {
   for (size_t i = 0; i < items_.size(); ++i) {
     if (marked[i]) {
       IndexRemove(items_[i].text);
-      if (selected_ >= 0 && static_cast<int>(i) < selected_) ++removed_below_selection;
+      if (selected_ >= 0 && static_cast<int>(i) < selected_)
+        ++removed_below_selection;
       continue;
     }
     if (out != i) items_[out] = std::move(items_[i]);
     ++out;
   }
   items_.resize(out);
-  selected_ = selection_gone ? -1
-                             : (selected_ >= 0 ? selected_ - removed_below_selection : -1);
+  selected_ = selection_gone
+                  ? -1
+                  : (selected_ >= 0 ? selected_ - removed_below_selection : -1);
   for (const ListChange& c : changes) Notify(c);
 }
 

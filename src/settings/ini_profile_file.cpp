@@ -1,9 +1,8 @@
 #include "settings/ini_profile_file.h"
 
-#include <map>
-
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -130,6 +129,21 @@ std::size_t FindKey(const std::vector<IniLine>& lines, std::size_t header,
   return kNone;
 }
 
+// Reads a file about to be rewritten; false (with the reason) when it
+// exists but cannot be read, since writing would then lose what it holds.
+bool ReadForWrite(const std::string& file, std::string* contents, bool* existed,
+                  std::vector<IniLine>* lines, std::string* error) {
+  error->clear();
+  ReadResult read = ReadWhole(file, contents);
+  if (read == ReadResult::kUnreadable) {
+    *error = "cannot read " + file;
+    return false;
+  }
+  *existed = read == ReadResult::kRead;
+  *lines = SplitLines(*contents);
+  return true;
+}
+
 }  // namespace
 
 std::string IniProfileFile::GetString(const std::string& file,
@@ -150,60 +164,27 @@ void IniProfileFile::WriteString(const std::string& file,
                                  const std::string& section,
                                  const std::string& key,
                                  const std::optional<std::string>& value) {
-  last_error_.clear();
+  if (value) return WriteStrings(file, section, {{key, *value}});
   std::string contents;
-  ReadResult read = ReadWhole(file, &contents);
-  if (read == ReadResult::kUnreadable) {
-    // Writing now would lose whatever the file holds.
-    last_error_ = "cannot read " + file;
-    return;
-  }
-  std::vector<IniLine> lines = SplitLines(contents);
-  const std::string section_name(TrimBlanks(OneLine(section)));
-  const std::string key_name(TrimBlanks(OneLine(key)));
-
-  std::size_t s = FindSection(lines, section_name);
-  if (s == kNone) {
-    if (!value) return;
-    lines.push_back(Classify("[" + section_name + "]"));
-    lines.push_back(Classify(key_name + "=" + OneLine(*value)));
-  } else {
-    std::size_t k = FindKey(lines, s, key_name);
-    if (k != kNone) {
-      if (value) {
-        lines[k] = Classify(lines[k].name + "=" + OneLine(*value));
-      } else {
-        lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(k));
-      }
-    } else {
-      if (!value) return;
-      // After the section's last non-blank line, so that blank lines
-      // separating it from the next section stay where they are.
-      std::size_t at = s + 1;
-      for (std::size_t i = s + 1; i < SectionEnd(lines, s); ++i)
-        if (!TrimBlanks(lines[i].text).empty()) at = i + 1;
-      lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at),
-                   Classify(key_name + "=" + OneLine(*value)));
-    }
-  }
-
-  std::string updated = JoinLines(lines);
-  if (read == ReadResult::kRead && updated == contents) return;
-  ReplaceFileContents(file, updated, &last_error_);
+  bool existed = false;
+  std::vector<IniLine> lines;
+  if (!ReadForWrite(file, &contents, &existed, &lines, &last_error_)) return;
+  std::size_t s = FindSection(lines, TrimBlanks(OneLine(section)));
+  if (s == kNone) return;
+  std::size_t k = FindKey(lines, s, TrimBlanks(OneLine(key)));
+  if (k == kNone) return;
+  lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(k));
+  ReplaceFileContents(file, JoinLines(lines), &last_error_);
 }
 
 void IniProfileFile::WriteStrings(
     const std::string& file, const std::string& section,
     const std::vector<std::pair<std::string, std::string>>& values) {
-  last_error_.clear();
   if (values.empty()) return;
   std::string contents;
-  ReadResult read = ReadWhole(file, &contents);
-  if (read == ReadResult::kUnreadable) {
-    last_error_ = "cannot read " + file;
-    return;
-  }
-  std::vector<IniLine> lines = SplitLines(contents);
+  bool existed = false;
+  std::vector<IniLine> lines;
+  if (!ReadForWrite(file, &contents, &existed, &lines, &last_error_)) return;
   const std::string section_name(TrimBlanks(OneLine(section)));
   std::size_t s = FindSection(lines, section_name);
   if (s == kNone) {
@@ -237,7 +218,7 @@ void IniProfileFile::WriteStrings(
   lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), added.begin(),
                added.end());
   std::string updated = JoinLines(lines);
-  if (read == ReadResult::kRead && updated == contents) return;
+  if (existed && updated == contents) return;
   ReplaceFileContents(file, updated, &last_error_);
 }
 

@@ -522,7 +522,8 @@ std::intptr_t SimClient::SendMessageSetText(Hwnd hwnd, unsigned msg,
     while (!rest.empty()) {
       size_t end = rest.find("\r\n");
       display_lines_.emplace_back(rest.substr(0, end));
-      rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 2);
+      rest = end == std::string_view::npos ? std::string_view{}
+                                           : rest.substr(end + 2);
     }
   }
   w->text = std::string(text);
