@@ -27,6 +27,10 @@ void CivilFromDays(int z, int* y, int* m, int* d) {
   *y = yy + (*m <= 2);
 }
 
+namespace {
+constexpr std::int64_t kTimerResolutionUs = 15625;
+}  // namespace
+
 class VirtualHost::TimerImpl : public HostTimer {
  public:
   TimerImpl(VirtualHost* host, std::function<void()> fn)
@@ -48,8 +52,12 @@ class VirtualHost::TimerImpl : public HostTimer {
   }
   bool enabled() const override { return enabled_; }
 
+  // Timers on the client's platform tick no faster than the system clock's
+  // resolution (15.625 ms): a timer set to 1 ms fires about 64 times a
+  // second, not 1000.
   std::int64_t Step() const {
-    return std::max<std::int64_t>(interval_ms_, 1) * 1000;
+    return std::max<std::int64_t>(std::int64_t{interval_ms_} * 1000,
+                                  kTimerResolutionUs);
   }
   // Due to fire: enabled, an interval set, not inside its own handler.
   bool Ready() const { return enabled_ && interval_ms_ > 0 && !running_; }

@@ -5,10 +5,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "client/room_buster.h"
 #include "client/window_api.h"
 #include "model/label.h"
 #include "model/list_box.h"
@@ -19,6 +21,7 @@
 #include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
 #include "requests/serve_counters.h"
+#include "server/pausing_form.h"
 #include "settings/messages.h"
 #include "settings/profile_file.h"
 #include "settings/registry.h"
@@ -87,6 +90,27 @@ struct FrmMain {
 
   // The program has ended (exit label, or a reboot).
   bool ended = false;
+
+  // The forwarding job (forward_job.h) and its error sweep (error_sweep.h):
+  // the first requester and the mail number last taken to forward, which
+  // the dead-mail notice names; set when the sweep finds a dead mail and
+  // cleared at the end of each forward; a sweep under way (Timer2 fires
+  // inside the sweep's own pauses and must not answer the same box twice).
+  std::string forward_sn;
+  std::string forward_number;
+  bool forward_error = false;
+  bool in_sweep = false;
+
+  // Serving engine (serve_engine.h, machine_restart.h): the restart
+  // options window, shown from the restart options but not consulted.
+  PausingForm frmPausing;
+
+  // Client session (client/session.h, client/room_buster.h): the client
+  // restart (AOLRestart), which the serving loop and the room buster run,
+  // and the room buster window; both set up by the program with its
+  // client context.
+  std::function<void()> aol_restart;
+  std::unique_ptr<FrmRoomBuster> frmRoomBuster;
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }

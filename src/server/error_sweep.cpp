@@ -1,0 +1,154 @@
+#include "server/error_sweep.h"
+
+#include "client/error_boxes.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+#include "server/forward_job.h"
+#include "server/server_common.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr float kAroundLine = 0.55f;
+constexpr double kAfterError = 2;
+constexpr std::int64_t kHandlerRounds = 300;
+
+// Closes the forward window the box was about, if it is still there.
+bool CloseForwardWindow(WindowApi& api) {
+  const Hwnd forward = FindForwardWindow(api);
+  if (forward) CloseWindow(api, forward);
+  return forward != 0;
+}
+
+void AnnounceDeadMail(FrmMain& frm, const ClientContext& c,
+                      const std::string& sn, const std::string& number) {
+  PauseSeconds(c.host, kAroundLine);
+  Say(frm, c, DeadMailLine(sn, number));
+  PauseSeconds(c.host, kAroundLine);
+}
+
+// Nobody waits for a mail that cannot be sent: every other mail entry for
+// the number leaves the queue, each told so. Walked again after every
+// removal, as the pauses let new lines in.
+void DropDeadRequests(FrmMain& frm, const ClientContext& c,
+                      const std::string& number) {
+  int from = 0;
+  for (;;) {
+    const ListBox& list = frm.lstPending();
+    int found = -1;
+    std::string sn;
+    for (int i = from; i < list.Count(); ++i) {
+      const std::string& line = list.Item(i);
+      const auto dash = line.find('-');
+      if (dash == std::string::npos || line.find('~') != std::string::npos)
+        continue;
+      if (line.compare(dash + 1, std::string::npos, number) != 0) continue;
+      found = i;
+      sn = line.substr(0, dash);
+      break;
+    }
+    if (found < 0) return;
+    frm.lstPending().Remove(found);
+    frm.pending.RefreshLabel(frm.lblPending);
+    AnnounceDeadMail(frm, c, sn, number);
+    from = found;
+  }
+}
+
+void HandleErrorWindow(FrmMain& frm, const ClientContext& c, Hwnd error) {
+  WindowApi& api = c.api;
+  const std::string text = GetErrorText(api, error);
+  const auto dash = text.find('-');
+  if (dash != std::string::npos && dash >= 1) {
+    for (const std::string& sn : FullMailboxNames(text))
+      frm.pending.DropFullMailbox(sn, frm.ReplyQueue);
+    frm.pending.RefreshLabel(frm.lblPending);
+  }
+  DismissErrorWindow(api, error);
+  CloseForwardWindow(api);
+  frm.SetStatus("status: pausing 2 secs");
+  Pause(c.host, kAfterError);
+}
+
+void HandleDeadMail(FrmMain& frm, const ClientContext& c, Hwnd box) {
+  WindowApi& api = c.api;
+  PressButton(api, FindDialogButton(api, box, "OK"));
+  CloseForwardWindow(api);
+  // The job's values may change while this pauses; the notice is about
+  // the mail that was being forwarded when the box came.
+  const std::string sn = frm.forward_sn;
+  const std::string number = frm.forward_number;
+  frm.SetStatus("status: mail " + number + " is a dead mail");
+  frm.SetStatus("status: pausing 2 secs");
+  Pause(c.host, kAfterError);
+  AnnounceDeadMail(frm, c, sn, number);
+  if (!IsDeadMail(frm, number)) frm.dead_mails.push_back(number);
+  frm.forward_error = true;
+  DropDeadRequests(frm, c, number);
+}
+
+}  // namespace
+
+std::vector<std::string> FullMailboxNames(std::string_view error_text) {
+  std::vector<std::string> names;
+  std::size_t start = 0;
+  while (start <= error_text.size()) {
+    auto end = error_text.find_first_of("\r\n", start);
+    if (end == std::string_view::npos) end = error_text.size();
+    std::string_view line = error_text.substr(start, end - start);
+    const auto dash = line.find('-');
+    if (dash != std::string_view::npos) {
+      std::string_view name = line.substr(0, dash);
+      const auto colon = name.rfind(':');
+      if (colon != std::string_view::npos) name = name.substr(colon + 1);
+      std::string sn = LCase(Trim(name));
+      if (!sn.empty()) names.push_back(std::move(sn));
+    }
+    start = end + 1;
+  }
+  return names;
+}
+
+void ForwardErrorHandler(FrmMain& frm, const ClientContext& c) {
+  WindowApi& api = c.api;
+  Hwnd error = 0;
+  Hwnd box = 0;
+  WaitUntil(c.host,
+            [&] {
+              error = FindErrorWindow(api);
+              box = error ? 0 : FindClientBox(api, kDeadMailBoxText);
+              return error != 0 ||
+                     (box != 0 && FindDialogButton(api, box, "OK") != 0);
+            },
+            {.rounds = kHandlerRounds});
+  if (error)
+    HandleErrorWindow(frm, c, error);
+  else if (box)
+    HandleDeadMail(frm, c, box);
+}
+
+void ForwardErrorSweep(FrmMain& frm, const ClientContext& c) {
+  if (frm.in_sweep) return;
+  frm.in_sweep = true;
+  struct Done {
+    bool& flag;
+    ~Done() { flag = false; }
+  } done{frm.in_sweep};
+
+  WindowApi& api = c.api;
+  if (const Hwnd waol = FindDialog(api, "Waol")) CloseWindow(api, waol);
+  if (const Hwnd box = FindClientBox(api, kTooLongBoxText)) {
+    PressButton(api, FindDialogButton(api, box, "OK"));
+    // The refused forward would stay open, and the job wait for it to
+    // close, for ever; it was not sent, so no "sent" is said for it.
+    if (CloseForwardWindow(api)) frm.forward_error = true;
+  }
+  if (FindErrorWindow(api)) ForwardErrorHandler(frm, c);
+  if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(frm, c);
+  if (const Hwnd ok = FindModalButton(api, "OK")) PressButton(api, ok);
+  if (const Hwnd no = FindModalButton(api, "&No")) PressButton(api, no);
+}
+
+}  // namespace quorvex

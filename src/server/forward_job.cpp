@@ -1,0 +1,186 @@
+#include "server/forward_job.h"
+
+#include <algorithm>
+
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/mail_send.h"
+#include "client/mailbox.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+#include "server/error_sweep.h"
+#include "server/server_common.h"
+#include "settings/random_number.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr float kBeforeLine = 0.55f;
+constexpr float kAfterLine = 0.45f;
+// Rounds of waiting between two nudges of a client that lost the request
+// (the same rhythm as the client's other waits).
+constexpr std::int64_t kNudgeRounds = 200;
+constexpr int kForwardIcon = 8;
+
+// The open mail whose caption is the title: another mail window left open
+// must not be forwarded in its place.
+Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    return GetCaption(api, w) == title && FindChild(api, w, "RICHCNTL") &&
+           !FindChild(api, w, "_AOL_Combobox") &&
+           !FindChild(api, w, "_AOL_FontCombo");
+  });
+}
+
+}  // namespace
+
+std::string NotifyText(FrmMain& frm) {
+  const ListBox& chat = frm.frmMessages.lstChat;
+  if (chat.Empty()) return "sent";
+  const int pick =
+      RandomNumber(chat.Count(), frm.ports.host.Timer(), frm.ports.seed);
+  return chat.Item(pick - 1);
+}
+
+bool IsDeadMail(const FrmMain& frm, std::string_view number) {
+  return std::find(frm.dead_mails.begin(), frm.dead_mails.end(), number) !=
+         frm.dead_mails.end();
+}
+
+std::string DeadMailLine(std::string_view sn, std::string_view number) {
+  return std::string(sn) + " mail <U>" + std::string(number) +
+         "</U> is a dead mail";
+}
+
+std::string FirstRequester(std::string_view requesters) {
+  const auto open = requesters.find('(');
+  if (open == std::string_view::npos) return "";
+  const auto close = requesters.find(')', open + 1);
+  return std::string(requesters.substr(open + 1, close == std::string_view::npos
+                                                     ? std::string_view::npos
+                                                     : close - open - 1));
+}
+
+std::string ForwardBody(const FrmMain& frm, const std::string& second_line) {
+  const Settings& s = frm.settings;
+  return BannerLine(s) + s.LAscii + second_line + s.RAscii + "\r\n" +
+         frm.frmMessages.mail_text().text + "\r\n";
+}
+
+Hwnd FindForwardWindow(WindowApi& api) {
+  return FindClientChildWhere(api, [&](Hwnd w) {
+    return GetCaption(api, w) != kWriteMail && FindChild(api, w, "RICHCNTL") &&
+           FindChild(api, w, "_AOL_Static") &&
+           FindChild(api, w, "_AOL_Combobox") &&
+           FindChild(api, w, "_AOL_FontCombo");
+  });
+}
+
+bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
+                       std::string_view recipients, std::string_view body,
+                       const ForwardSteps& steps) {
+  WindowApi& api = c.api;
+  // The parser checks numbers against the mailbox; a mailbox that shrank
+  // since would leave the job waiting for a mail that never opens.
+  if (number < 1 || number > frm.lstMails.Count()) return false;
+  const int position = number - 1;
+  const std::string title = frm.lstMails.Item(position);
+
+  frm.SetStatus(steps.opening);
+  // The mailbox stays open while serving; one closed by hand is reopened.
+  auto open = [&] {
+    if (!FindDocument(api, kIncomingMail)) {
+      OpenOfflineMailbox(c);
+      WaitUntil(c.host, [&] { return FindDocument(api, kIncomingMail) != 0; },
+                {.give_up = SignedOff(api)});
+    }
+    OpenMail(c, position);
+  };
+  open();
+  Hwnd mail = 0;
+  if (WaitUntil(
+          c.host,
+          [&] {
+            mail = FindMailWindow(api, title);
+            return mail != 0;
+          },
+          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
+      WaitEnd::kMet)
+    return false;
+
+  frm.SetStatus(steps.forwarding);
+  auto click_forward = [&] {
+    ClickIcon(api, FindNthChild(api, mail, "_AOL_Icon", kForwardIcon));
+  };
+  click_forward();
+  Hwnd forward = 0;
+  if (WaitUntil(c.host,
+                [&] {
+                  forward = FindForwardWindow(api);
+                  return forward != 0;
+                },
+                {.give_up = SignedOff(api),
+                 .every = kNudgeRounds,
+                 .repeat = click_forward}) != WaitEnd::kMet)
+    return false;
+
+  frm.SetStatus(steps.sending);
+  if (frm.settings.MailMethod)
+    ForwardMail(c, recipients, forward, body);
+  else
+    ForwardMailNow(c, recipients, forward, body);
+
+  frm.SetStatus(steps.sent);
+  // The forward window goes first, the mail's window with or after it.
+  const WaitOptions poll{.speed = steps.speed, .give_up = SignedOff(api)};
+  for (const Hwnd window : {forward, mail, forward}) {
+    if (WaitUntil(
+            c.host, [&] { return !api.IsWindow(window); }, poll) !=
+        WaitEnd::kMet)
+      return false;
+  }
+  return true;
+}
+
+void RunMailJob(FrmMain& frm, const ClientContext& c) {
+  const TakenGroup group = frm.pending.TakeNextMail(
+      /*lists=*/false, frm.lblPending, MakeCounterView(frm));
+  if (group.requesters.empty() || group.wanted == "list") return;
+
+  const std::string sn = FirstRequester(group.requesters);
+  const std::string& number = group.wanted;
+  frm.forward_sn = sn;
+  frm.forward_number = number;
+  const std::string notify = NotifyText(frm);
+
+  if (IsDeadMail(frm, number)) {
+    PauseSeconds(c.host, kBeforeLine);
+    Say(frm, c, DeadMailLine(sn, number));
+    PauseSeconds(c.host, kAfterLine);
+    return;
+  }
+
+  // The parser may have written a fraction; the client takes whole
+  // positions.
+  const double wanted = RoundHalfEven(Val(number));
+  const int position = wanted < 1 || wanted > frm.lstMails.Count()
+                           ? 0
+                           : static_cast<int>(wanted);
+  const std::string body =
+      ForwardBody(frm, "mail number <B><U>" + number + "</B></U>");
+  ForwardSteps steps{"status: opening mail", "status: forwarding mail",
+                     "status: sending mail", "status: sent mail",
+                     frm.settings.MailSpeed};
+  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps))
+    return;
+
+  ForwardErrorSweep(frm, c);
+  if (frm.settings.MailNotify && !frm.forward_error)
+    Say(frm, c, sn + " mail <U>" + number + "</U> " + notify);
+  frm.forward_error = false;
+  frm.SetStatus("status: scanning chat");
+}
+
+}  // namespace quorvex

@@ -1,0 +1,59 @@
+// The forwarding job: one "send" group taken from the pending queue is
+// forwarded from "Incoming/Saved Mail" to everyone who asked for it, in one
+// mail, and the room is told. The job blocks its tick until the client's
+// windows have come and gone; every wait yields and ends when the client
+// signs off (the group is then lost: the restart check brings the client
+// back, and nobody is served twice).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "client/client_context.h"
+#include "server/frm_main.h"
+
+namespace quorvex {
+
+// The word said after a forward: "sent", or a random line of the message
+// editor's chat list when it has any.
+std::string NotifyText(FrmMain& frm);
+
+// Whether the number is in the dead-mail cache.
+bool IsDeadMail(const FrmMain& frm, std::string_view number);
+
+// sn + " mail <U>" + number + "</U> is a dead mail".
+std::string DeadMailLine(std::string_view sn, std::string_view number);
+
+// "bob" from "(bob)(amy)"; "" when there is none.
+std::string FirstRequester(std::string_view requesters);
+
+// The body of a forward: the banner line, then `second_line` between the
+// decorations, then the editor's mail text; every line ends in CR LF.
+std::string ForwardBody(const FrmMain& frm, const std::string& second_line);
+
+// What the shared forwarding steps show and how fast they poll; lists use
+// their own texts and the list speed.
+struct ForwardSteps {
+  const char* opening;     // before the mail is opened
+  const char* forwarding;  // before its Forward icon is clicked
+  const char* sending;     // before the forward window is filled and sent
+  const char* sent;        // while waiting for the windows to close
+  float speed;             // pause between polls of the last wait
+};
+
+// A forward window: a mail being written that is not a "Write Mail" one.
+Hwnd FindForwardWindow(WindowApi& api);
+
+// Opens mail `number` (1-based position in lstMails), forwards it to
+// `recipients` with `body` (send later or send now as MailMethod says) and
+// waits until the forward window and the mail's window are gone. False
+// when the client signed off meanwhile, or the number is no mail.
+bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
+                       std::string_view recipients, std::string_view body,
+                       const ForwardSteps& steps);
+
+// Step 8 of the tick: takes the next mail group and, unless it is a list
+// group or nothing, forwards it.
+void RunMailJob(FrmMain& frm, const ClientContext& c);
+
+}  // namespace quorvex

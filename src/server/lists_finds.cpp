@@ -1,0 +1,220 @@
+#include "server/lists_finds.h"
+
+#include <algorithm>
+
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/mail_send.h"
+#include "client/mailbox.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+#include "server/error_sweep.h"
+#include "server/forward_job.h"
+#include "server/server_common.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr const char* kCrLf = "\r\n";
+constexpr double kBetweenLists = 2;
+constexpr std::int64_t kNudgeRounds = 200;
+constexpr const char* kSessionCaption = "Automatic AOL";
+constexpr const char* kSessionText = "AOL session is";
+constexpr int kMailMenuIcon = 3;
+
+std::string Str(long long n) { return std::to_string(n); }
+
+// "[ 7 ] - title": the title's 1-based position, without a leading blank.
+std::string TitleLine(const ListBox& lstMails, int index) {
+  return "[ " + Str(index + 1) + " ] - " + lstMails.Item(index) + kCrLf;
+}
+
+// The "k position" items of lstLists.
+struct ListMail {
+  std::string k;
+  std::string position;
+};
+ListMail ListMailAt(const ListBox& lstLists, int i) {
+  const std::string& item = lstLists.Item(i);
+  const auto space = item.find(' ');
+  if (space == std::string::npos) return {item, ""};
+  return {item.substr(0, space), item.substr(space + 1)};
+}
+
+}  // namespace
+
+int CollectLists(FrmMain& frm) {
+  const ListBox& mails = frm.lstMails;
+  for (int i = 0; i < mails.Count(); ++i) {
+    const std::string& title = mails.Item(i);
+    const auto at = title.find(kListMarker);
+    if (at == std::string::npos) continue;
+    const std::string rest =
+        title.substr(at + std::char_traits<char>::length(kListMarker));
+    // "list number " must be followed by the number itself.
+    if (rest.empty() || rest[0] < '0' || rest[0] > '9') continue;
+    frm.lstLists.Add(NumberText(Val(rest)) + " " + Str(i + 1));
+  }
+  frm.lblLists.Set("lists: " + Str(frm.lstLists.Count()));
+  return frm.lstLists.Count();
+}
+
+std::string ListSubject(const Settings& s, int k) {
+  return s.LAscii + kListMarker + Str(k) + " " + s.RAscii;
+}
+
+std::string ListBody(const FrmMain& frm, int k, int first, int last) {
+  const Settings& s = frm.settings;
+  std::string body = BannerLine(s) + s.LAscii + "list number <B><U>" + Str(k) +
+                     "</B></U>" + s.RAscii + kCrLf + kCrLf;
+  for (int i = first; i <= last; ++i) body += TitleLine(frm.lstMails, i);
+  return body;
+}
+
+void BuildLists(FrmMain& frm, const ClientContext& c) {
+  const int count = frm.lstMails.Count();
+  // The menu keeps ListSize within 50 to 500; a damaged value must not
+  // turn this into an endless loop.
+  const int size = std::max<int>(1, frm.settings.ListSize);
+  const std::string me = GetUserSN(c.api);
+  for (int k = 1, first = 0; first < count; ++k, first += size) {
+    frm.SetStatus("status: making/sending list #" + Str(k));
+    const int last = std::min(first + size, count) - 1;
+    WriteMailUntilSent(c, me, ListSubject(frm.settings, k),
+                       ListBody(frm, k, first, last));
+    if (last + 1 < count) {
+      frm.SetStatus("status: pausing for 2 seconds");
+      Pause(c.host, kBetweenLists);
+    }
+  }
+  frm.SetStatus("status: flashing lists");
+  RunAutomaticAol(c);
+
+  // The lists are in the mailbox now; read it again so that they are
+  // served this session, as they would be after the next start.
+  frm.lstMails.Clear();
+  frm.lstLists.Clear();
+  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status);
+  frm.lblMails.Set("mails: " + Str(frm.lstMails.Count()));
+  CollectLists(frm);
+}
+
+void RunAutomaticAol(const ClientContext& c) {
+  WindowApi& api = c.api;
+  auto open = [&] { RunToolbarMenu(c, kMailMenuIcon, 'a'); };
+  open();
+  Hwnd session = 0;
+  if (WaitUntil(
+          c.host,
+          [&] {
+            session = api.FindWindow("_AOL_Modal", kSessionCaption);
+            return session != 0;
+          },
+          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
+      WaitEnd::kMet)
+    return;
+
+  // "AOL session is in progress." until every waiting mail went out.
+  if (WaitUntil(c.host,
+                [&] {
+                  if (!api.IsWindow(session)) return true;
+                  const std::string text =
+                      GetText(api, FindChild(api, session, "_AOL_View"));
+                  return StartsWith(text, kSessionText) &&
+                         text.find("in progress") == std::string::npos;
+                },
+                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+    return;
+
+  auto close = [&] { ClickIcon(api, FindChild(api, session, "_AOL_Icon")); };
+  close();
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(session); },
+      {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = close});
+}
+
+void RunListJob(FrmMain& frm, const ClientContext& c) {
+  // The list step ran: the interval starts again, served or not.
+  frm.ListSeconds = 0;
+  const int lists = frm.lstLists.Count();
+  const TakenGroup group = frm.pending.TakeNextMail(
+      /*lists=*/true, frm.lblPending, MakeCounterView(frm), lists);
+  if (group.requesters.empty() || group.wanted != "list") return;
+
+  const Settings& s = frm.settings;
+  const std::string sn = FirstRequester(group.requesters);
+  const std::string range = "lists <U>1-" + Str(lists) + "</U>";
+  if (!s.ListNotify) Say(frm, c, range + " are being processed");
+
+  const ForwardSteps steps{"status: opening list", "status: clicking forward",
+                           "status: sending list", "status: sent list",
+                           s.ListSpeed};
+  for (int i = 0; i < lists; ++i) {
+    const ListMail list = ListMailAt(frm.lstLists, i);
+    // A list mail the client refused once is not tried again.
+    if (IsDeadMail(frm, list.position)) continue;
+    frm.forward_sn = sn;
+    frm.forward_number = list.position;
+    const std::string body =
+        ForwardBody(frm, "list number <B><U>" + list.k + "</B></U>");
+    if (!ForwardMailNumber(frm, c, static_cast<int>(Val(list.position)),
+                           group.requesters, body, steps))
+      return;
+    ForwardErrorSweep(frm, c);
+    if (s.ListNotify && !frm.forward_error)
+      Say(frm, c, sn + " list <U>" + list.k + "</U> " + NotifyText(frm));
+    frm.forward_error = false;
+  }
+  if (!s.ListNotify) Say(frm, c, range + " were sent");
+  frm.SetStatus("status: scanning chat");
+}
+
+std::string FindLines(const ClientContext& c, const ListBox& lstMails,
+                      std::string_view text, float speed, int* count) {
+  const std::string wanted = LCase(text);
+  std::string lines;
+  int found = 0;
+  for (int i = 0; i < lstMails.Count(); ++i) {
+    if (i > 0) PauseSeconds(c.host, speed);
+    if (LCase(lstMails.Item(i)).find(wanted) == std::string::npos) continue;
+    lines += TitleLine(lstMails, i);
+    ++found;
+  }
+  if (count) *count = found;
+  return lines;
+}
+
+void RunFindJob(FrmMain& frm, const ClientContext& c) {
+  const TakenGroup group = frm.pending.TakeNextFind(frm.lblPending);
+  if (group.requesters.empty()) return;
+
+  const Settings& s = frm.settings;
+  const std::string sn = FirstRequester(group.requesters);
+  const std::string& text = group.wanted;
+  frm.SetStatus("status: finding find");
+  int count = 0;
+  const std::string lines =
+      FindLines(c, frm.lstMails, text, s.FindSpeed, &count);
+  if (count == 0) {
+    Say(frm, c, sn + " no results for <U>" + text + "</U> found");
+    frm.SetStatus("status: no find found");
+    return;
+  }
+
+  const std::string body = BannerLine(s) + "<B><U>" + Str(count) +
+                           "</B></U> find results for <B><U>" + text +
+                           "</B></U>" + kCrLf + lines;
+  frm.SetStatus("status: sending find");
+  const std::string subject = s.LAscii + "quorvex find results for ";
+  if (s.MailMethod)
+    WriteMail(c, group.requesters, subject, body);
+  else
+    WriteMailNow(c, group.requesters, subject, body);
+  AdvanceServeCounters(MakeCounterView(frm), 1);
+  Say(frm, c, sn + " results for <U>" + text + "</U> sent");
+  frm.SetStatus("status: sent find");
+}
+
+}  // namespace quorvex

@@ -1,0 +1,185 @@
+#include "server/machine_restart.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "client/client_tree.h"
+#include "client/wait.h"
+#include "model/text_util.h"
+#include "server/serve_engine.h"
+#include "server/server_common.h"
+#include "settings/messages.h"
+#include "settings/settings_store.h"
+
+namespace quorvex {
+
+namespace {
+
+// A hand-edited file could ask for any number of lines; a million is far
+// beyond any real queue and keeps a start from running out of memory.
+constexpr double kLastIndexLoaded = 1000000 - 1;
+// WM_CLOSE is posted again after this many polls of 0.4 seconds.
+constexpr std::int64_t kClosePolls = 100;
+
+std::string StatePath(const Machine& machine) {
+  return machine.HostPath(kRestartStateFile);
+}
+
+// The state file's keys, read once (a profile read per key would pass
+// over the file once per line).
+class StateReader {
+ public:
+  StateReader(const ProfileFile& profiles, const std::string& path) {
+    for (const auto& [section, keys] : profiles.Dump(path)) {
+      if (!EqualsIgnoreCase(section, kRestartSection)) continue;
+      for (const auto& [key, value] : keys) values_.emplace(LCase(key), value);
+    }
+  }
+  std::string Get(const std::string& key) const {
+    auto it = values_.find(LCase(key));
+    return it == values_.end() ? std::string() : it->second;
+  }
+
+ private:
+  std::unordered_map<std::string, std::string> values_;
+};
+
+// "For i = 0 To total - 1": appends "<prefix>0"... to `list`.
+template <typename AddFn>
+void LoadNumbered(const StateReader& state, const std::string& total,
+                  const std::string& prefix, AddFn add) {
+  double last = std::min(RoundHalfEven(Val(total) - 1), kLastIndexLoaded);
+  for (std::int64_t i = 0; i <= last; ++i)
+    add(state.Get(prefix + std::to_string(i)));
+}
+
+}  // namespace
+
+std::string ProgramPath(const Machine& machine) {
+  return machine.AppPath() + "\\" + machine.ExeName() + ".exe";
+}
+
+void SaveRestartState(FrmMain& frm) {
+  // One rewrite of the file for all the keys, in the order they are listed.
+  std::vector<std::pair<std::string, std::string>> values;
+  auto put = [&](std::string key, const std::string& value) {
+    values.emplace_back(std::move(key), ProfileQuote(value));
+  };
+  const ListBox& pending = frm.lstPending();
+  put("ChatName", frm.room_name);
+  put("QuorvexDirectory", ProgramPath(frm.ports.machine));
+  put("TotalPending", std::to_string(pending.Count()));
+  put("TotalBanned", std::to_string(frm.lstBanned.Count()));
+  put("TotalSent", std::to_string(frm.counters.session));
+  for (int i = 0; i < pending.Count(); ++i)
+    put("Pending " + std::to_string(i), pending.Item(i));
+  for (int i = 0; i < frm.lstBanned.Count(); ++i)
+    put("Banned " + std::to_string(i), frm.lstBanned.Item(i));
+  frm.ports.profiles.WriteStrings(StatePath(frm.ports.machine), kRestartSection,
+                                  values);
+}
+
+void LoadRestartState(FrmMain& frm) {
+  StateReader state(frm.ports.profiles, StatePath(frm.ports.machine));
+  frm.room_name = state.Get("ChatName");
+
+  double sent = RoundHalfEven(Val(state.Get("TotalSent")));
+  frm.counters.session =
+      SaturatingAdd(0, static_cast<std::int64_t>(std::clamp(sent, -3e9, 3e9)));
+  frm.lblSession.Set("session: " + std::to_string(frm.counters.session));
+
+  const std::string pending = state.Get("TotalPending");
+  if (IsNumeric(pending) && Val(pending) >= 0) {
+    frm.lblPending.Set("pending: " + pending);
+    LoadNumbered(state, pending, "Pending ", [&frm](std::string line) {
+      frm.pending.Append(std::move(line));
+    });
+  }
+  const std::string banned = state.Get("TotalBanned");
+  if (IsNumeric(banned) && Val(banned) > 0) {
+    frm.lblBanned.Set("banned: " + banned);
+    LoadNumbered(state, banned, "Banned ", [&frm](std::string name) {
+      frm.lstBanned.Add(std::move(name));
+    });
+  }
+}
+
+void CPURestart(FrmMain& frm, const ClientContext& c) {
+  Ports& p = frm.ports;
+  if (frm.Timer1) frm.Timer1->SetEnabled(false);
+  if (frm.Timer2) frm.Timer2->SetEnabled(false);
+
+  SaveSettings(frm.settings, p.registry);
+  SaveMessages(frm.frmMessages, p.registry);
+  SaveRestartState(frm);
+
+  // The client may ignore a close; it is asked again every 40 seconds.
+  while (Hwnd frame = FindFrame(c.api)) {
+    frm.SetStatus("status: closing aol");
+    c.api.PostMessage(frame, win::kWmClose, 0, 0);
+    WaitUntil(c.host, [&c] { return FindFrame(c.api) == 0; },
+              {.speed = 0.4f, .rounds = kClosePolls});
+  }
+
+  p.profiles.WriteString(p.machine.HostPath(kWinIni), "Windows", "load",
+                         std::string(kRestartCopy));
+
+  const std::string copying = "status: copying quorvex(be patient)";
+  frm.SetStatus(copying);
+  p.machine.CopyFile(
+      ProgramPath(p.machine), kRestartCopy,
+      [&frm, &copying](std::int64_t done, std::int64_t total) {
+        if (total <= 0) return;
+        frm.SetStatus(copying + " " + std::to_string(done * 100 / total) + "%");
+      });
+
+  frm.SetStatus("status: restarting windows");
+  p.machine.Reboot();
+}
+
+StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
+                           Host& host) {
+  const std::string stored = profiles.GetString(
+      StatePath(machine), kRestartSection, "QuorvexDirectory", "");
+  const bool state = machine.FileExists(kRestartStateFile);
+  if (LCase(machine.ExeName()) == "z" && state) {
+    machine.RunProgram(stored);
+    return StartupKind::kStartedInstalled;
+  }
+  if (state && LCase(ProgramPath(machine)) == LCase(stored))
+    return StartupKind::kResume;
+  PauseSeconds(host, 1);
+  return StartupKind::kNormal;
+}
+
+bool RestartPending(const Machine& machine) {
+  return machine.FileExists(kRestartStateFile);
+}
+
+void ResumeServing(ServeEngine& engine, FrmMain& frm, const ClientContext& c) {
+  Ports& p = frm.ports;
+  LoadRestartState(frm);
+
+  frm.SetStatus("status: pausing 10 secs");
+  PauseSeconds(c.host, 10);
+  if (frm.ended) return;
+
+  // One file on Windows under either spelling.
+  for (const char* file : {kRestartCopy, "C:\\Windows\\RestartSettings.ini"})
+    if (p.machine.FileExists(file)) p.machine.DeleteFile(file);
+  p.profiles.WriteString(p.machine.HostPath(kWinIni), "Windows", "load",
+                         std::string());
+
+  if (engine.aol_restart) engine.aol_restart();
+  PauseSeconds(c.host, 1);
+  Say(frm, c, "quorvex restarted <B><U>cpu</B></U>");
+  PauseSeconds(c.host, 0.45f);
+  if (frm.ended) return;
+  engine.cmdStart_Click();
+}
+
+}  // namespace quorvex

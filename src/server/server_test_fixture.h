@@ -1,0 +1,94 @@
+// The fixture of the serving engine's tests: the main window's state on a
+// simulated client (signed on, in its room) and a simulated machine in a
+// temporary folder, in virtual time that ends after two hours so that a
+// wait that never ends fails the test instead of hanging it.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "client/client_context.h"
+#include "platform/folder_machine.h"
+#include "platform/scripted_prompter.h"
+#include "platform/virtual_host.h"
+#include "server/frm_main.h"
+#include "settings/ini_profile_file.h"
+#include "settings/memory_registry.h"
+#include "sim/sim_client.h"
+#include "sim/sim_recorder.h"
+#include "sim/sim_world.h"
+
+namespace quorvex {
+
+class ServerTest : public ::testing::Test {
+ protected:
+  static constexpr const char* kUser = "Host User";
+  static constexpr const char* kFontTag =
+      "<font color=#003377 face=\"tahoma\">";
+
+  ServerTest() {
+    host.SetEnd(7200);
+    sim.SetObserver(&seen);
+    sim.SetUserName(kUser);
+    sim.SetRoomName("Lobby");
+    frm.settings.Handle = "srv";
+    frm.settings.LAscii = "";
+    frm.settings.RAscii = "";
+    frm.settings.MailResize = false;
+  }
+  ~ServerTest() override {
+    std::error_code ec;
+    std::filesystem::remove_all(root, ec);
+  }
+
+  static std::filesystem::path MakeRoot() {
+    std::random_device rd;
+    auto p = std::filesystem::temp_directory_path() /
+             ("qv-server-test-" + std::to_string(rd()) + std::to_string(rd()));
+    std::filesystem::create_directories(p);
+    return p;
+  }
+
+  void AddMails(int n) {
+    for (int i = 1; i <= n; ++i) sim.AddMail("mail " + std::to_string(i));
+  }
+  void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
+
+  // What the user said in the room, without the chat mark-up.
+  std::vector<std::string> Said() const {
+    std::vector<std::string> out;
+    for (const SimChat& chat : seen.chats) {
+      if (chat.sn != kUser) continue;
+      std::string text = chat.text;
+      if (text.rfind(kFontTag, 0) == 0)
+        text.erase(0, std::string(kFontTag).size());
+      out.push_back(text);
+    }
+    return out;
+  }
+  // The lines said since `from` lines had been said.
+  std::vector<std::string> SaidSince(size_t from) const {
+    std::vector<std::string> all = Said();
+    if (from >= all.size()) return {};
+    return {all.begin() + static_cast<long>(from), all.end()};
+  }
+
+  std::filesystem::path root = MakeRoot();
+  VirtualHost host{CivilTime{2004, 5, 1, 12, 0, 0, 0}};
+  SimWorld world;
+  SimClient sim{host, world};
+  SimRecorder seen;
+  MemoryRegistry registry;
+  IniProfileFile profiles;
+  FolderMachine machine{root};
+  ScriptedPrompter prompter;
+  FrmMain frm{Ports{host, sim, registry, profiles, prompter, machine, 1}};
+  ClientContext c{sim, host, frm.settings, nullptr};
+};
+
+}  // namespace quorvex
