@@ -1,10 +1,10 @@
 // quorvex-sim: runs the program headless, in virtual time, against the
 // simulated client and machine, and writes what happened.
+#include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 
-#include <CLI/CLI.hpp>
-
+#include "sim/demo.h"
 #include "sim/runner.h"
 #include "sim/scenario.h"
 
@@ -12,8 +12,11 @@ int main(int argc, char** argv) {
   using namespace quorvex::sim;
   CLI::App cli{"Runs the Quorvex mail server on a simulated chat client"};
   std::string scenario_path, out_path, format = "jsonl", root;
-  bool realtime = false;
-  cli.add_option("scenario", scenario_path, "the scenario file")->required();
+  bool realtime = false, demo = false;
+  auto* scenario_option =
+      cli.add_option("scenario", scenario_path, "the scenario file");
+  cli.add_flag("--demo", demo,
+               "run the built-in demo room and print a summary at the end");
   cli.add_option("--out", out_path, "write the transcript to this file");
   cli.add_option("--format", format, "jsonl (default) or text")
       ->check(CLI::IsMember({"jsonl", "text"}));
@@ -21,16 +24,29 @@ int main(int argc, char** argv) {
                  "keep the simulated machine's files in this folder");
   cli.add_flag("--realtime", realtime, "pace virtual time to the wall clock");
   CLI11_PARSE(cli, argc, argv);
+  if (!demo && scenario_option->count() == 0) {
+    std::cerr << "quorvex-sim: a scenario file or --demo is required\n";
+    return 2;
+  }
 
   Scenario scenario;
   try {
-    scenario = LoadScenario(scenario_path, Controls());
+    scenario = demo ? ParseScenario(kDemoName, kDemoScenario, Controls())
+                    : LoadScenario(scenario_path, Controls());
   } catch (const ScenarioError& e) {
     std::cerr << e.what() << "\n";
     return 2;
   }
   RunOptions options;
+  // The demo is for reading: text unless a format was asked for.
+  if (demo && cli.count("--format") == 0) format = "text";
   options.format = format == "text" ? TranscriptFormat::kText : TranscriptFormat::kJsonl;
+  std::string summary;
+  if (demo) {
+    options.on_final = [&summary, &scenario](const nlohmann::ordered_json& f) {
+      summary = DemoSummary(f, scenario.user);
+    };
+  }
   options.root = root;
   options.realtime = realtime;
   try {
@@ -48,5 +64,6 @@ int main(int argc, char** argv) {
     std::cerr << "quorvex-sim: " << e.what() << "\n";
     return 1;
   }
+  if (demo) std::cout << summary << std::flush;
   return 0;
 }

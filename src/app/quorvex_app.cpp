@@ -3,11 +3,16 @@
 #include <set>
 
 #include "client/chat_room.h"
-#include "model/text_util.h"
 #include "client/chat_scanner.h"
 #include "client/client_tree.h"
+#include "client/room_buster.h"
+#include "client/session.h"
+#include "model/text_util.h"
 #include "requests/ban_policy.h"
 #include "requests/request_parser.h"
+#include "server/machine_restart.h"
+#include "server/replies.h"
+#include "server/serve_engine.h"
 #include "settings/inserts.h"
 #include "settings/menu_tree.h"
 #include "settings/message_editor.h"
@@ -19,7 +24,6 @@ namespace quorvex {
 namespace {
 
 constexpr const char* kTitle = "quorvex mail server by kestrin";
-constexpr const char* kRestartState = "C:\\Windows\\RestartSettings.INI";
 
 // Menu entries whose click handler is a settings handler, and the preset
 // groups with their item counts.
@@ -51,6 +55,19 @@ QuorvexApp::QuorvexApp(Ports ports)
     return ExpandInserts(text, v);
   };
   BuildMenuTree(frm_.menus);
+  engine_ = std::make_unique<ServeEngine>(frm_, client_);
+
+  // The client restart and the room buster drive each other: the buster
+  // restarts a signed-off client, the restart re-enters the room with it.
+  frm_.frmRoomBuster = std::make_unique<FrmRoomBuster>(client_, [this] {
+    if (frm_.aol_restart) frm_.aol_restart();
+  });
+  frm_.aol_restart = [this] {
+    Ports& p = frm_.ports;
+    AOLRestart(SessionContext{client_, p.machine, p.profiles, frm_.status,
+                              *frm_.frmRoomBuster, frm_.room_name});
+  };
+  engine_->aol_restart = [this] { frm_.aol_restart(); };
 }
 
 QuorvexApp::~QuorvexApp() = default;
@@ -82,8 +99,9 @@ void QuorvexApp::Load() {
       });
   scanner_->SetEnabled(reader, true);
 
-  if (p.machine.FileExists(kRestartState)) {
-    // Resuming after a machine restart comes with the serving engine.
+  if (RestartPending(p.machine)) {
+    // After a machine restart: the state file's queue, not Quorvex.INI's.
+    ResumeServing(*engine_, frm_, client_);
     return;
   }
   const std::string ini = p.machine.AppPath() + "\\Quorvex.INI";
@@ -131,7 +149,9 @@ bool QuorvexApp::CanPress(const std::string& control, int index) const {
   static const std::set<std::string> plain = {
       "lblExit", "mnuClearALL", "mnuClearSN", "mnuRemoveSelected",
       "frmBanning.lblExit", "mnuMessages", "frmMessages.cmdSave",
-      "frmMessages.cmdExit", "frmMessages.lstChat", "mnuBanOpts"};
+      "frmMessages.cmdExit", "frmMessages.lstChat", "mnuBanOpts",
+      "cmdStart", "cmdPause", "mnuMailSession", "mnuRoomBuster",
+      "frmRoomBuster.cmdStart", "frmRoomBuster.lblExit"};
   if (index == 0 && plain.count(control)) return true;
   if (control == "lstBanned") return index == 0 || index == 1 || index == 2;
   if (control == "frmMessages.Tab") return index >= 1 && index <= 3;
@@ -147,6 +167,18 @@ bool QuorvexApp::CanPress(const std::string& control, int index) const {
 void QuorvexApp::Press(const std::string& control, int index) {
   if (frm_.ended) return;
   if (control == "lblExit") return lblExit_Click();
+  if (control == "cmdStart") return engine_->cmdStart_Click();
+  if (control == "cmdPause") return engine_->cmdPause_Click();
+  if (control == "mnuMailSession") return mnuMailSession_Click(frm_, client_);
+  if (control == "mnuRoomBuster") return frm_.frmRoomBuster->Form_Load();
+  if (control.rfind("frmRoomBuster.", 0) == 0) {
+    // Only an open window's controls can be clicked.
+    FrmRoomBuster& buster = *frm_.frmRoomBuster;
+    if (!buster.loaded()) return;
+    if (control == "frmRoomBuster.cmdStart") buster.cmdStart_Click();
+    if (control == "frmRoomBuster.lblExit") buster.lblExit_Click();
+    return;
+  }
   if (control == "mnuClearALL") return frm_.pending.mnuClearALL(frm_.lblPending);
   if (control == "mnuClearSN")
     return frm_.pending.mnuClearSN(frm_.ports.prompter, frm_.lblPending);
@@ -200,9 +232,12 @@ void QuorvexApp::Select(const std::string& list, int index) {
 
 bool QuorvexApp::CanSet(const std::string& control) const {
   static const std::set<std::string> names = {
-      "frmBanning.cmbMistakes", "frmBanning.cmbMails",    "frmBanning.chkPending",
-      "frmBanning.chkDupReqs",  "frmBanning.chkFullBox",  "frmMessages.txtAdd(0)",
-      "frmMessages.txtAdd(1)",  "frmMessages.txtAdd(2)"};
+      "frmBanning.cmbMistakes", "frmBanning.cmbMails",
+      "frmBanning.chkPending",  "frmBanning.chkDupReqs",
+      "frmBanning.chkFullBox",  "frmMessages.txtAdd(0)",
+      "frmMessages.txtAdd(1)",  "frmMessages.txtAdd(2)",
+      "frmPausing.chkCPU(0)",   "frmPausing.chkCPU(1)",
+      "frmRoomBuster.txtRoom"};
   return names.count(control) > 0;
 }
 
@@ -214,6 +249,15 @@ void QuorvexApp::Set(const std::string& control, const std::string& value) {
   if (control == "frmBanning.chkPending") b.chkPending.value = check();
   if (control == "frmBanning.chkDupReqs") b.chkDupReqs.value = check();
   if (control == "frmBanning.chkFullBox") b.chkFullBox.value = check();
+  if (control == "frmRoomBuster.txtRoom") {
+    // A closed window, or the box disabled while busting, takes no typing.
+    FrmRoomBuster& buster = *frm_.frmRoomBuster;
+    if (buster.loaded() && buster.txtRoom.enabled) buster.txtRoom.text = value;
+  }
+  for (int i = 0; i < 2; ++i) {
+    if (control == "frmPausing.chkCPU(" + std::to_string(i) + ")")
+      frm_.frmPausing.chkCPU[i].value = check();
+  }
   for (int i = 0; i < 3; ++i) {
     if (control == "frmMessages.txtAdd(" + std::to_string(i) + ")") {
       frm_.frmMessages.txtAdd[i].text = value;
@@ -230,7 +274,8 @@ std::vector<const ListBox*> QuorvexApp::OpenLists() const {
 std::vector<const Label*> QuorvexApp::Labels() const {
   return {&frm_.lblSession, &frm_.lblLists,   &frm_.lblMails,
           &frm_.lblSent,    &frm_.lblBanned,  &frm_.lblPending,
-          &frm_.cmdStart,   &frm_.cmdPause};
+          &frm_.cmdStart,   &frm_.cmdPause,
+          &frm_.frmRoomBuster->cmdStart, &frm_.frmRoomBuster->lblBusts};
 }
 
 }  // namespace quorvex

@@ -16,6 +16,7 @@
 namespace quorvex {
 
 class ChatScanner;
+class ServeEngine;
 
 class QuorvexApp {
  public:
@@ -27,6 +28,9 @@ class QuorvexApp {
   FrmMain& frm() { return frm_; }
   const FrmMain& frm() const { return frm_; }
   ClientContext& client() { return client_; }
+  // The serving engine behind cmdStart, cmdPause and the timers; its
+  // hooks (the client's restart) are set by whoever provides them.
+  ServeEngine& engine() { return *engine_; }
 
   // The main window's load: settings, texts and banning options, the
   // "Load" marker, title and status, then the resume branch or the queue
@@ -67,6 +71,7 @@ class QuorvexApp {
   FrmMain frm_;
   ClientContext client_;
   std::unique_ptr<ChatScanner> scanner_;
+  std::unique_ptr<ServeEngine> engine_;
 };
 
 }  // namespace quorvex

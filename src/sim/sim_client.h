@@ -115,6 +115,10 @@ class SimClient : public WindowApi {
   std::uint32_t process_id() const { return pid_; }
   // A preference check box's saved state, by its label (-1: unknown).
   int Preference(const std::string& label) const;
+  // Saves a preference check box's state, as the page's OK would.
+  void SetPreference(const std::string& label, int checked) {
+    preferences_[label] = checked ? 1 : 0;
+  }
   Point WindowSize(Hwnd hwnd) const;
 
   // --- WindowApi ---
@@ -275,6 +279,8 @@ class SimClient : public WindowApi {
   void SendChatInput();
   void TypeChar(SimWindow& w, char c);
   void RunKeyword(const std::string& address);
+  // After a refusal: someone leaves the full room in a while.
+  void FreePlaceLater(const std::string& room);
   void OpenIm(const std::string& to);
   void SendIm(Doc& doc);
 
@@ -362,6 +368,8 @@ class SimClient : public WindowApi {
   Hwnd room_ = 0, display_ = 0, input_ = 0, people_list_ = 0, count_static_ = 0;
   std::deque<std::string> display_lines_;
   std::vector<PeopleEntry> people_entries_;
+  // Full rooms someone is about to leave (by ScreenNameKey).
+  std::set<std::string> freeing_rooms_;
 
   // Mail.
   std::vector<MailItem> incoming_;

@@ -168,11 +168,37 @@ void SimClient::RunKeyword(const std::string& address) {
         tree_.BringToTop(room_);
       } else if (!world_.TryEnterRoom(room)) {
         ShowBox(BoxKind::kRoomFull, kRoomFullText);
+        FreePlaceLater(room);
       } else {
         EnterRoom(room);
       }
     });
   }
+}
+
+void SimClient::FreePlaceLater(const std::string& room) {
+  const SimRoom* r = world_.FindRoom(room);
+  if (knobs_.full_room_leave_time <= 0 || !r || r->capacity == 0 ||
+      static_cast<int>(r->people.size()) < r->capacity)
+    return;
+  std::string key = ScreenNameKey(room);
+  if (!freeing_rooms_.insert(key).second) return;
+  // The world goes on whether or not the user stays signed on.
+  Later(
+      knobs_.full_room_leave_time,
+      [this, key, name = r->name] {
+        freeing_rooms_.erase(key);
+        const SimRoom* full = world_.FindRoom(name);
+        if (!full || full->people.empty() ||
+            static_cast<int>(full->people.size()) < full->capacity)
+          return;
+        std::string person = full->people.front();
+        if (room_ && ScreenNameKey(current_room_) == key)
+          Leave(person);  // the user got in meanwhile: the list shows it
+        else
+          world_.Leave(name, person);
+      },
+      false);
 }
 
 void SimClient::OpenIm(const std::string& to) {

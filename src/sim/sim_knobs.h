@@ -31,6 +31,9 @@ struct SimKnobs {
   double signon_step = 1.0;
   // The next sign-ons that end in the error modal.
   int signon_failures = 0;
+  // Seconds after a refused entry into a room at capacity until one of
+  // its people leaves, so that a place frees up; 0: nobody leaves.
+  double full_room_leave_time = 0;
   // The chat room also carries the style combo and font combo.
   bool room_style_controls = false;
   // Sent mails the online mailbox lists per `latency` as it fills.

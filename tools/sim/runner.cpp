@@ -2,14 +2,23 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <thread>
+#include <utility>
 
 #include "app/quorvex_app.h"
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
 #include "platform/folder_machine.h"
 #include "platform/scripted_prompter.h"
 #include "platform/virtual_host.h"
+#include "server/machine_restart.h"
+#include "server/serve_engine.h"
 #include "settings/file_registry.h"
 #include "settings/ini_profile_file.h"
 #include "sim/sim_client.h"
@@ -164,6 +173,69 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                       {"mailboxes", mailboxes}};
 }
 
+// Thrown by the machine's reboot: the running program stops where it
+// stands, out of whatever tick it is in.
+struct MachineRebooted {};
+
+// The installed program's file: enough bytes for the restart copy to show
+// its progress.
+void WriteProgramFile(const FolderMachine& machine) {
+  const fs::path file = machine.HostPath(ProgramPath(machine));
+  if (fs::exists(file)) return;
+  fs::create_directories(file.parent_path());
+  std::ofstream out(file, std::ios::binary);
+  const std::string block(FolderMachine::kCopyChunk, 'q');
+  for (int i = 0; i < 3; ++i) out << block;
+}
+
+// Where the simulated client's program is.
+constexpr const char* kClientProgram = "C:\\Program Files\\AOL\\AOL.exe";
+
+// Where the scenario's client is installed, unless its Win.INI lines say
+// (the stand-in restart above starts the same program).
+constexpr const char* kClientFolder = "C:\\Program Files\\AOL";
+
+// Puts the client's program in its folder and the folder in Win.INI's
+// "WAOL" "AppPath", where the program looks for it. A scenario that sets
+// up "WAOL" itself gets nothing; a kept machine keeps what it has.
+void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
+                   const Scenario& sc) {
+  for (const SetupValue& v : sc.ini)
+    if (v.file == "Win.INI" && EqualsIgnoreCase(v.section, "WAOL")) return;
+  const std::string win_ini = machine.HostPath(ProfilePath(machine, "Win.INI"));
+  if (!profiles.GetString(win_ini, "WAOL", "AppPath", "").empty()) return;
+  profiles.WriteString(win_ini, "WAOL", "AppPath", std::string(kClientFolder));
+  const fs::path program =
+      machine.HostPath(std::string(kClientFolder) + "\\AOL.exe");
+  fs::create_directories(program.parent_path());
+  std::ofstream(program, std::ios::binary) << "MZ";
+}
+
+// Until the program restarts the client itself: starts it, signs on with
+// the sign-on window's button and enters the room again.
+void StandInClientRestart(SimClient& client, Machine& machine, Host& host,
+                          const std::string& room) {
+  if (!client.running()) machine.RunProgram(kClientProgram);
+  WaitUntil(host, [&] {
+    return FindDocument(client, "Sign On") != 0 || IsSignedOn(client);
+  });
+  auto sign_on = [&] {
+    Hwnd window = FindDocument(client, "Sign On");
+    Hwnd button =
+        NextSibling(client, FindChild(client, window, "_AOL_Icon"), 3);
+    if (button) ClickIcon(client, button);
+  };
+  if (!IsSignedOn(client)) sign_on();
+  WaitUntil(host, [&] { return IsSignedOn(client); },
+            {.speed = 1, .every = 10, .repeat = sign_on});
+  if (room.empty()) return;
+  Keyword(client, "aol://2719:2-2-" + room);
+  WaitUntil(host, [&] { return FindChatRoom(client) != 0; },
+            {.speed = 1, .every = 10, .repeat = [&] {
+               Keyword(client, "aol://2719:2-2-" + room);
+             }});
+}
+
 }  // namespace
 
 ControlCatalogue Controls() {
@@ -229,6 +301,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
   for (const SetupValue& v : sc.ini)
     profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)), v.section,
                          v.key, v.value);
+  InstallClient(machine, profiles, sc);
   client.SetUserName(sc.user);
   client.SetRoomName(sc.room);
   for (const std::string& p : sc.people) client.AddPerson(p);
@@ -237,11 +310,11 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
   for (int n : sc.dead_mails) client.SetDeadMail(n);
   client.SetLatency(sc.latency_ms / 1000.0);
   client.SetSignedOffAtStart(sc.signed_off);
+  client.knobs().signon_failures = sc.signon_failures;
+  for (const auto& [room, tries] : sc.full_rooms) client.RefuseRoom(room, tries);
   client.Launch();
   client.SetObserver(&observer);
 
-  QuorvexApp app(Ports{host, client, registry, profiles, prompter, machine, sc.seed});
-  FrmMain& frm = app.frm();
   prompter.SetObserver([&transcript](const PromptRecord& r) {
     if (r.kind == "message") return;
     transcript.Write("prompt", {{"kind", r.kind},
@@ -250,18 +323,62 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
                                 {"default", r.default_text},
                                 {"answer", r.answer}});
   });
-  for (const Label* l : app.Labels())
-    const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
-      transcript.Write("label", {{"name", label.name()}, {"text", label.caption()}});
+
+  // The program, made anew when the machine restarts it. The old one is
+  // kept, ended, until then, so that the final state has a program to show.
+  std::unique_ptr<QuorvexApp> app;
+  auto make_app = [&] {
+    if (app) {
+      app->frm().ended = true;
+      app.reset();
+    }
+    app = std::make_unique<QuorvexApp>(
+        Ports{host, client, registry, profiles, prompter, machine, sc.seed});
+    FrmMain& frm = app->frm();
+    for (const Label* l : app->Labels())
+      const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
+        transcript.Write("label",
+                         {{"name", label.name()}, {"text", label.caption()}});
+      });
+    frm.status.Subscribe([&transcript](const StatusStrip& s) {
+      transcript.Write("status", {{"text", s.text()}});
     });
-  frm.status.Subscribe([&transcript](const StatusStrip& s) {
-    transcript.Write("status", {{"text", s.text()}});
+    WatchList(frm.lstPending(), transcript);
+    WatchList(frm.lstBanned, transcript);
+    WatchList(frm.lstMails, transcript);
+    WatchList(frm.ReplyQueue, transcript);
+    WatchList(frm.MistakeList, transcript);
+    if (!app->engine().aol_restart) {
+      FrmMain* f = &frm;
+      app->engine().aol_restart = [&, f] {
+        StandInClientRestart(client, machine, host, f->room_name);
+      };
+    }
+  };
+
+  // The machine: the client's program starts the simulated client; any
+  // other program is started by the boot loop below, once the program
+  // that asked for it has ended.
+  std::string program_to_start;
+  auto machine_event = [&transcript](const std::string& what) {
+    transcript.Write("machine", {{"what", what}});
+  };
+  machine.SetRunProgramHook([&](std::string_view path) {
+    machine_event("starts " + std::string(path));
+    std::string lower = LCase(path);
+    auto ends_with = [&lower](std::string_view tail) {
+      return lower.size() >= tail.size() &&
+             lower.compare(lower.size() - tail.size(), tail.size(), tail) == 0;
+    };
+    if (ends_with("\\aol.exe") || ends_with("\\waol.exe")) {
+      client.Start();
+    } else {
+      program_to_start = std::string(path);
+    }
   });
-  WatchList(frm.lstPending(), transcript);
-  WatchList(frm.lstBanned, transcript);
-  WatchList(frm.lstMails, transcript);
-  WatchList(frm.ReplyQueue, transcript);
-  WatchList(frm.MistakeList, transcript);
+  machine.SetRebootHook([] { throw MachineRebooted{}; });
+  // The installed program's file, for the restart copy to copy.
+  WriteProgramFile(machine);
 
   // Timed lines run from the message loop at their time, as a person's
   // actions do: inside whatever wait the program is in.
@@ -278,29 +395,82 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        app.Press(line.name, line.index);
+        if (app) app->Press(line.name, line.index);
       } else if (line.verb == "select") {
-        app.Select(line.name, line.index);
+        if (app) app->Select(line.name, line.index);
       } else if (line.verb == "set") {
-        app.Set(line.name, line.text);
+        if (app) app->Set(line.name, line.text);
       }
     });
   }
 
+  make_app();
   // The mailbox's titles stand in lstMails from the start, as if read,
   // so that requests can be made before the server is started; starting
   // reads the mailbox again.
-  for (const std::string& m : sc.mails) frm.lstMails.Add(m);
-  frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+  for (const std::string& m : sc.mails) app->frm().lstMails.Add(m);
+  app->frm().lblMails.Set("mails: " +
+                          std::to_string(app->frm().lstMails.Count()));
+
+  // A machine restart: Windows closes the program through its unload,
+  // then at log-on starts what Win.INI's "load" names; a program started
+  // that way may start another one and end.
+  auto boot = [&] {
+    machine_event("reboots");
+    app->frm().ended = true;
+    app->Unload();
+    program_to_start =
+        profiles.GetString(machine.HostPath(kWinIni), "Windows", "load", "");
+    if (!program_to_start.empty()) machine_event("starts " + program_to_start);
+    while (!program_to_start.empty()) {
+      const std::string path = std::exchange(program_to_start, std::string());
+      if (!machine.FileExists(path)) {
+        machine_event("cannot find " + path);
+        break;
+      }
+      const size_t slash = path.find_last_of('\\');
+      std::string name = path.substr(slash + 1);
+      if (EqualsIgnoreCase(name.substr(name.size() >= 4 ? name.size() - 4 : 0),
+                           ".exe"))
+        name.resize(name.size() - 4);
+      machine.SetAppPath(slash == std::string::npos ? ""
+                                                    : path.substr(0, slash));
+      machine.SetExeName(name);
+      if (frmSplash_Load(machine, profiles, host) ==
+          StartupKind::kStartedInstalled) {
+        machine_event("ends " + path);
+        continue;
+      }
+      make_app();
+      app->Load();
+    }
+  };
 
   host.SetEnd(sc.run_until);
   try {
-    app.Load();
-    host.RunUntil(sc.run_until);
+    bool rebooted = false;
+    try {
+      app->Load();
+      host.RunUntil(sc.run_until);
+    } catch (const MachineRebooted&) {
+      rebooted = true;
+    }
+    while (rebooted) {
+      rebooted = false;
+      try {
+        boot();
+        host.RunUntil(sc.run_until);
+      } catch (const MachineRebooted&) {
+        rebooted = true;
+      }
+    }
   } catch (const RunEnded&) {
     // The power went off: the state stands as it is.
   }
-  transcript.Write("final", FinalState(app, registry, profiles, machine, client));
+  ordered_json final_state =
+      FinalState(*app, registry, profiles, machine, client);
+  if (options.on_final) options.on_final(final_state);
+  transcript.Write("final", final_state);
   return transcript.events();
 }
 

@@ -2,6 +2,7 @@
 // the simulated client and machine, writing the transcript.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 
@@ -14,6 +15,8 @@ struct RunOptions {
   TranscriptFormat format = TranscriptFormat::kJsonl;
   std::string root;       // keeps the machine's files; "" = a fresh temp folder
   bool realtime = false;  // pace virtual time to the wall clock
+  // Hears the final state before it is written (the demo's summary).
+  std::function<void(const nlohmann::ordered_json&)> on_final;
 };
 
 // The names quorvex-sim accepts for press, select and set.

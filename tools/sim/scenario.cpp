@@ -229,11 +229,24 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       sc.latency_ms = static_cast<int>(p.Whole(TakeWord(rest), "milliseconds", 0, 600000));
     } else if (verb == "signed-off") {
       sc.signed_off = true;
+    } else if (verb == "signon-fails") {
+      sc.signon_failures =
+          static_cast<int>(p.Whole(TakeWord(rest), "a number of sign-ons", 0, 1000));
+    } else if (verb == "room-full") {
+      // ROOM may hold blanks: the number is the last word.
+      std::string line = TrimBlanks(rest);
+      size_t blank = line.find_last_of(' ');
+      if (blank == std::string::npos) p.Fail("expected 'room-full ROOM N'");
+      std::string room = TrimBlanks(line.substr(0, blank));
+      if (room.empty()) p.Fail("expected 'room-full ROOM N'");
+      sc.full_rooms.emplace_back(
+          room, static_cast<int>(p.Whole(line.substr(blank + 1),
+                                         "a number of tries", 1, 1000000)));
     } else {
       p.Fail("unknown directive '" + verb + "'");
     }
     if (verb == "seed" || verb == "dead-mail" || verb == "latency" || verb == "clock" ||
-        verb == "signed-off") {
+        verb == "signed-off" || verb == "signon-fails") {
       if (!TrimBlanks(rest).empty()) p.Fail("unexpected text after '" + verb + "'");
     }
   }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorvex::sim {
@@ -46,6 +47,9 @@ struct Scenario {
   std::vector<int> dead_mails;
   int latency_ms = 50;
   bool signed_off = false;
+  int signon_failures = 0;  // the next sign-ons that fail
+  // Rooms that refuse the user's next tries (room name, tries).
+  std::vector<std::pair<std::string, int>> full_rooms;
   std::vector<TimedLine> timeline;
   double run_until = 0;
 };

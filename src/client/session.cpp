@@ -1,0 +1,264 @@
+#include "client/session.h"
+
+#include <array>
+#include <cstddef>
+
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/instant_messages.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
+#include "model/text_util.h"
+
+namespace quorvex {
+
+namespace {
+
+constexpr unsigned kBmGetCheck = 240;
+// GetPrivateProfileStringA's buffer: the path is cut to one less.
+constexpr std::size_t kPathBuffer = 720;
+// The frame gets another WM_CLOSE after this many pauses of 0.4 s.
+constexpr int kCloseRounds = 100;
+constexpr float kCloseWait = 0.4f;
+// Rounds of waiting for a preferences window before asking again.
+constexpr int kAskAgainRounds = 30000;
+constexpr std::array<const char*, 3> kSignOnSteps = {
+    "step 1: ", "step 2: ", "step 3: "};
+
+void SetStatus(const SessionContext& s, const char* text) {
+  s.status.Draw(text, "#4488BB");
+}
+
+// Starts a program with normal focus and yields once.
+void RunProgram(const SessionContext& s, const std::string& path) {
+  s.machine.RunProgram(path);
+  s.client.host.DoEvents();
+}
+
+// The "Sign On" window's sign-on button: from its first icon, the fourth
+// window in the sibling order.
+Hwnd FindSignOnButton(WindowApi& api) {
+  const Hwnd first =
+      FindChild(api, FindDocument(api, kSignOnCaption), "_AOL_Icon");
+  return first ? NextSibling(api, first, 3) : 0;
+}
+
+void CloseOpenMails(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  WaitUntil(
+      s.client.host, [&] { return FindOpenMail(api) == 0; },
+      {.every = 1, .repeat = [&] { CloseWindow(api, FindOpenMail(api)); }});
+}
+
+void CloseComposeWindows(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  WaitUntil(s.client.host, [&] { return FindComposeWindow(api) == 0; },
+            {.every = 1, .repeat = [&] {
+               const Hwnd compose = FindComposeWindow(api);
+               api.SendMessage(compose, win::kWmDestroy, 0, 0);
+               CloseWindow(api, compose);
+             }});
+}
+
+void CloseClient(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  if (FindFrame(api) == 0) return;
+  SetStatus(s, "status: closing aol");
+  api.PostMessage(FindFrame(api), win::kWmClose, 0, 0);
+  // A frame still there after 100 pauses is asked again.
+  WaitUntil(s.client.host, [&] { return FindFrame(api) == 0; },
+            {.speed = kCloseWait, .every = kCloseRounds, .repeat = [&] {
+               api.PostMessage(FindFrame(api), win::kWmClose, 0, 0);
+             }});
+}
+
+void StartClient(const SessionContext& s) {
+  SetStatus(s, "status: loading aol");
+  const std::string folder = GetAOLPath(s.machine, s.profiles);
+  // Both programs are tried: whichever the member has installed.
+  if (s.machine.FileExists(folder + "\\AOL.exe"))
+    RunProgram(s, folder + "\\AOL.exe");
+  if (s.machine.FileExists(folder + "\\WAOL.exe"))
+    RunProgram(s, folder + "\\WAOL.exe");
+  // Without either program nothing comes, and the status says so.
+  WindowApi& api = s.client.api;
+  WaitUntil(s.client.host, [&] {
+    return FindDocument(api, kSignOnCaption) != 0 ||
+           FindDocument(api, kGoodbyeCaption) != 0;
+  });
+}
+
+void SignOn(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  Host& host = s.client.host;
+  SetStatus(s, "status: signing online");
+  while (true) {
+    host.DoEvents();
+    Hwnd button = 0;
+    WaitUntil(host, [&] { return (button = FindSignOnButton(api)) != 0; });
+    ClickIcon(api, button);
+    Pause(host, 5);
+
+    // The progress modal names its step while signing on; any other text
+    // is an error to dismiss before trying again.
+    const Hwnd modal = api.FindWindow("_AOL_Modal", nullptr);
+    const std::string text =
+        LCase(GetText(api, FindChild(api, modal, "_AOL_Static")));
+    bool in_progress = false;
+    for (const char* step : kSignOnSteps)
+      in_progress = in_progress || text.find(step) != std::string::npos;
+    if (!in_progress && !IsSignedOn(api)) {
+      ClickIcon(api, FindChild(api, modal, "_AOL_Icon"));
+      continue;
+    }
+    if (FindChildByTitle(api, FindMdiClient(api), "Welcome, ") != 0) return;
+  }
+}
+
+// Closes what the client opens after sign-on (welcome, buddy list, ...).
+void CloseSignOnWindows(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  SetStatus(s, "status: closing windows");
+  for (int i = 0; i < 10; ++i)
+    CloseWindow(api,
+                api.FindWindowEx(FindMdiClient(api), 0, "aol child", nullptr));
+}
+
+void OpenFlashmail(const SessionContext& s) {
+  WindowApi& api = s.client.api;
+  SetStatus(s, "status: opening flashmail");
+  OpenOfflineMailbox(s.client);
+  PauseSeconds(s.client.host, 1);
+  MinimizeWindow(api, FindChildByTitle(api, FindMdiClient(api), kIncomingMail));
+}
+
+// Back into the server's room through the room buster.
+void BustRoom(const SessionContext& s) {
+  FrmRoomBuster& buster = s.frmRoomBuster;
+  SetStatus(s, "status: busting chatroom");
+  buster.restart = BusterRestart::kBust;
+  buster.Form_Load();
+  // A bust under way (its tick found the client signed off and ran this
+  // restart) goes on with its own room; pressing start would stop it.
+  if (!buster.busting()) {
+    buster.txtRoom.text = s.room_name;
+    buster.cmdStart_Click();
+  }
+  // From inside the buster's tick its next tick cannot come before this
+  // returns: the bust goes on after it, and whoever waits for it unloads.
+  if (buster.in_tick()) return;
+  WaitUntil(s.client.host,
+            [&] {
+              return buster.cmdStart.caption() == "&start" &&
+                     FindChatRoom(s.client.api) != 0;
+            },
+            {.speed = 1});
+  buster.Form_Unload();
+}
+
+}  // namespace
+
+const MailPreference kMailPreferences[5] = {
+    // A confirmation box after each send would stand in front of the next
+    // forward until someone closed it.
+    {"Confirm mail after it has been sent", 0},
+    // The forwarding job waits for the mail's windows to close after
+    // Send Now.
+    {"Close mail after it has been sent", 1},
+    // A copy of every forward in the filing cabinet would grow it without
+    // end.
+    {"Retain all mail I send in my Personal Filing Cabinet", 0},
+    // Mail read online must not be added to the filing cabinet's
+    // "Incoming/Saved Mail": its numbers are the mails the server offers.
+    {"Retain all mail I read in my Personal Filing Cabinet", 0},
+    // A spelling check would hold each mail in a dialog of its own.
+    {"Perform a spell check before sending mail", 0},
+};
+
+std::string GetAOLPath(const Machine& machine, const ProfileFile& profiles) {
+  const std::string ini = machine.WindowsDirectory() + "\\Win.ini";
+  std::string path =
+      profiles.GetString(machine.HostPath(ini), "WAOL", "AppPath", "");
+  if (path.size() > kPathBuffer - 1) path.resize(kPathBuffer - 1);
+  return path;
+}
+
+void AOLRestart(const SessionContext& s) {
+  FrmRoomBuster& buster = s.frmRoomBuster;
+  // The buster's tick can find the client signed off while a restart is
+  // bringing it back; a second restart inside the first would close the
+  // client it is signing on.
+  if (buster.restart == BusterRestart::kClient) return;
+  buster.restart = BusterRestart::kClient;
+  Host& host = s.client.host;
+
+  CloseOpenMails(s);
+  CloseComposeWindows(s);
+  CloseClient(s);
+  SetStatus(s, "status: pausing 3 secs");
+  Pause(host, 3);
+  StartClient(s);
+  SetStatus(s, "status: pausing 2 secs");
+  Pause(host, 2);
+  SignOn(s);
+  SetStatus(s, "status: pausing 10 secs");
+  Pause(host, 10);
+  CloseSignOnWindows(s);
+  SetStatus(s, "status: turning ims off");
+  IMsOff(s.client);
+  OpenFlashmail(s);
+  SetStatus(s, "status: setting preferences");
+  SetMailPreferences(s.client);
+  host.DoEvents();
+  PauseSeconds(host, 1);
+  BustRoom(s);
+  SetStatus(s, "status: idle");
+}
+
+void SetMailPreferences(const ClientContext& c) {
+  WindowApi& api = c.api;
+  const auto signed_off = SignedOff(api);
+
+  // The "Preferences" window, by its keyword.
+  Keyword(api, "Preferences");
+  if (WaitUntil(
+          c.host, [&] { return FindDocument(api, "Preferences") != 0; },
+          {.give_up = signed_off, .every = kAskAgainRounds, .repeat = [&] {
+             Keyword(api, "Preferences");
+           }}) != WaitEnd::kMet)
+    return;
+
+  // Its "Mail" tab opens the page, a modal of check boxes.
+  auto click_mail_tab = [&] {
+    ClickIcon(api, api.FindWindowEx(FindDocument(api, "Preferences"), 0,
+                                    "_AOL_Icon", "Mail"));
+  };
+  click_mail_tab();
+  Hwnd page = 0;
+  if (WaitUntil(c.host,
+                [&] {
+                  return (page = api.FindWindow("_AOL_Modal",
+                                                "Mail Preferences")) != 0;
+                },
+                {.give_up = signed_off,
+                 .every = kAskAgainRounds,
+                 .repeat = click_mail_tab}) != WaitEnd::kMet)
+    return;
+
+  // A click toggles a box: only those not yet as wanted are clicked.
+  for (const MailPreference& p : kMailPreferences) {
+    const Hwnd box = api.FindWindowEx(page, 0, "_AOL_Checkbox", p.label);
+    if (box != 0 && api.SendMessage(box, kBmGetCheck, 0, 0) != p.checked)
+      ClickIcon(api, box);
+  }
+  auto click_ok = [&] {
+    ClickIcon(api, api.FindWindowEx(page, 0, "_AOL_icon", "OK"));
+  };
+  click_ok();
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(page); },
+      {.give_up = signed_off, .every = kAskAgainRounds, .repeat = click_ok});
+  CloseWindow(api, FindDocument(api, "Preferences"));
+}
+
+}  // namespace quorvex
