@@ -68,6 +68,7 @@ QuorvexApp::QuorvexApp(Ports ports)
                               *frm_.frmRoomBuster, frm_.room_name});
   };
   engine_->aol_restart = [this] { frm_.aol_restart(); };
+  engine_->set_preferences = [this] { SetMailPreferences(client_); };
 }
 
 QuorvexApp::~QuorvexApp() = default;

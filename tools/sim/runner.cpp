@@ -189,7 +189,6 @@ void WriteProgramFile(const FolderMachine& machine) {
 }
 
 // Where the simulated client's program is.
-constexpr const char* kClientProgram = "C:\\Program Files\\AOL\\AOL.exe";
 
 // Where the scenario's client is installed, unless its Win.INI lines say
 // (the stand-in restart above starts the same program).
@@ -209,31 +208,6 @@ void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
       machine.HostPath(std::string(kClientFolder) + "\\AOL.exe");
   fs::create_directories(program.parent_path());
   std::ofstream(program, std::ios::binary) << "MZ";
-}
-
-// Until the program restarts the client itself: starts it, signs on with
-// the sign-on window's button and enters the room again.
-void StandInClientRestart(SimClient& client, Machine& machine, Host& host,
-                          const std::string& room) {
-  if (!client.running()) machine.RunProgram(kClientProgram);
-  WaitUntil(host, [&] {
-    return FindDocument(client, "Sign On") != 0 || IsSignedOn(client);
-  });
-  auto sign_on = [&] {
-    Hwnd window = FindDocument(client, "Sign On");
-    Hwnd button =
-        NextSibling(client, FindChild(client, window, "_AOL_Icon"), 3);
-    if (button) ClickIcon(client, button);
-  };
-  if (!IsSignedOn(client)) sign_on();
-  WaitUntil(host, [&] { return IsSignedOn(client); },
-            {.speed = 1, .every = 10, .repeat = sign_on});
-  if (room.empty()) return;
-  Keyword(client, "aol://2719:2-2-" + room);
-  WaitUntil(host, [&] { return FindChatRoom(client) != 0; },
-            {.speed = 1, .every = 10, .repeat = [&] {
-               Keyword(client, "aol://2719:2-2-" + room);
-             }});
 }
 
 }  // namespace
@@ -348,12 +322,6 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
     WatchList(frm.lstMails, transcript);
     WatchList(frm.ReplyQueue, transcript);
     WatchList(frm.MistakeList, transcript);
-    if (!app->engine().aol_restart) {
-      FrmMain* f = &frm;
-      app->engine().aol_restart = [&, f] {
-        StandInClientRestart(client, machine, host, f->room_name);
-      };
-    }
   };
 
   // The machine: the client's program starts the simulated client; any
