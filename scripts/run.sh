@@ -9,4 +9,4 @@ cmake --build --preset default -j2 --target quorvex-sim
 if (($#)); then
   exec build/default/tools/quorvex-sim "$@"
 fi
-exec build/default/tools/quorvex-sim tests/scenarios/first_start.scn --format text
+exec build/default/tools/quorvex-sim --demo --format text

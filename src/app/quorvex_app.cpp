@@ -29,17 +29,18 @@ constexpr const char* kTitle = "quorvex mail server by kestrin";
 // groups with their item counts.
 const std::set<std::string>& SettingsEntries() {
   static const std::set<std::string> names = {
-      "mnuHandle",     "mnuLAscii",  "mnuRAscii", "mnuChatFont", "mnuMailNotify",
-      "mnuMailResize", "mnuListNotify", "mnuMPList", "mnuFMax",   "mnuFMininum",
-      "mnuBEnableXY",  "mnuBMax",    "mnuSStatus", "mnuThankyou", "mnuAOLRes",
-      "mnuCPURes",     "mnuSentRes"};
+      "mnuHandle",     "mnuLAscii",     "mnuRAscii",     "mnuChatFont",
+      "mnuMailNotify", "mnuMailResize", "mnuListNotify", "mnuMPList",
+      "mnuFMax",       "mnuFMininum",   "mnuBEnableXY",  "mnuBMax",
+      "mnuSStatus",    "mnuThankyou",   "mnuAOLRes",     "mnuCPURes",
+      "mnuSentRes"};
   return names;
 }
 
 const std::set<std::string>& SettingsGroups() {
   static const std::set<std::string> names = {
-      "mnuMSpeed", "mnuMMethod", "mnuLSpeed", "mnuLSend",
-      "mnuFEnable", "mnuFSpeed", "mnuBScroll", "mnuScrollMethod"};
+      "mnuMSpeed",  "mnuMMethod", "mnuLSpeed",  "mnuLSend",
+      "mnuFEnable", "mnuFSpeed",  "mnuBScroll", "mnuScrollMethod"};
   return names;
 }
 
@@ -106,11 +107,10 @@ void QuorvexApp::Load() {
     return;
   }
   const std::string ini = p.machine.AppPath() + "\\Quorvex.INI";
-  frm_.pending.Load(
-      PendingFile{p.profiles, p.machine.HostPath(ini),
-                  [&p, ini] { return p.machine.FileExists(ini); },
-                  [&p, ini] { p.machine.DeleteFile(ini); }},
-      frm_.lblPending);
+  frm_.pending.Load(PendingFile{p.profiles, p.machine.HostPath(ini),
+                                [&p, ini] { return p.machine.FileExists(ini); },
+                                [&p, ini] { p.machine.DeleteFile(ini); }},
+                    frm_.lblPending);
   Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
   Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
       "</B></U> mails sent since installed");
@@ -140,19 +140,31 @@ void QuorvexApp::lblExit_Click() {
 void QuorvexApp::OnChatLine(const std::string& screen_name,
                             const std::string& text) {
   if (frm_.ended) return;
-  RequestContext ctx{frm_.settings, frm_.frmBanning, frm_.pending,
-                     frm_.lstBanned, frm_.lstMails,  frm_.ReplyQueue,
+  RequestContext ctx{frm_.settings,  frm_.frmBanning, frm_.pending,
+                     frm_.lstBanned, frm_.lstMails,   frm_.ReplyQueue,
                      frm_.lblPending};
   HandleChatLine(ctx, screen_name, text);
 }
 
 bool QuorvexApp::CanPress(const std::string& control, int index) const {
-  static const std::set<std::string> plain = {
-      "lblExit", "mnuClearALL", "mnuClearSN", "mnuRemoveSelected",
-      "frmBanning.lblExit", "mnuMessages", "frmMessages.cmdSave",
-      "frmMessages.cmdExit", "frmMessages.lstChat", "mnuBanOpts",
-      "cmdStart", "cmdPause", "mnuMailSession", "mnuRoomBuster",
-      "frmRoomBuster.cmdStart", "frmRoomBuster.lblExit"};
+  static const std::set<std::string> plain = {"lblExit",
+                                              "mnuClearALL",
+                                              "mnuClearSN",
+                                              "mnuRemoveSelected",
+                                              "frmBanning.lblExit",
+                                              "mnuMessages",
+                                              "frmMessages.cmdSave",
+                                              "frmMessages.cmdExit",
+                                              "frmMessages.lstChat",
+                                              "mnuBanOpts",
+                                              "cmdStart",
+                                              "cmdPause",
+                                              "mnuMailSession",
+                                              "mnuRoomBuster",
+                                              "frmRoomBuster.cmdStart",
+                                              "frmRoomBuster.lblExit",
+                                              "frmRoom.lstRoom",
+                                              "frmRoom.lblExit"};
   if (index == 0 && plain.count(control)) return true;
   if (control == "lstBanned") return index == 0 || index == 1 || index == 2;
   if (control == "frmMessages.Tab") return index >= 1 && index <= 3;
@@ -180,13 +192,29 @@ void QuorvexApp::Press(const std::string& control, int index) {
     if (control == "frmRoomBuster.lblExit") buster.lblExit_Click();
     return;
   }
-  if (control == "mnuClearALL") return frm_.pending.mnuClearALL(frm_.lblPending);
+  if (control == "mnuClearALL")
+    return frm_.pending.mnuClearALL(frm_.lblPending);
   if (control == "mnuClearSN")
     return frm_.pending.mnuClearSN(frm_.ports.prompter, frm_.lblPending);
   if (control == "mnuRemoveSelected")
     return frm_.pending.mnuRemoveSelected(frm_.lblPending);
   if (control == "lstBanned") {
-    if (index != 2) BannedLeftClick(frm_.lstBanned, frm_.lblBanned);
+    if (index != 2) return BannedLeftClick(frm_.lstBanned, frm_.lblBanned);
+    // The right click opens the room people window on the room as it is.
+    ListBox people("people");
+    GetRoomPeople(frm_.ports.api, people, true);
+    frm_.frmRoom.Load(people.Items(), frm_.lstBanned);
+    frm_.frmRoom_open = true;
+    return;
+  }
+  if (control == "frmRoom.lstRoom") {
+    if (frm_.frmRoom_open)
+      frm_.frmRoom.DoubleClick(frm_.lstBanned, frm_.lblBanned, frm_.pending,
+                               frm_.lblPending);
+    return;
+  }
+  if (control == "frmRoom.lblExit") {
+    frm_.frmRoom_open = false;
     return;
   }
   if (control == "frmBanning.lblExit")
@@ -197,8 +225,10 @@ void QuorvexApp::Press(const std::string& control, int index) {
   if (control == "frmMessages.cmdSave")
     return cmdSave_Click(frm_.frmMessages, frm_.ports.registry);
   if (control == "frmMessages.cmdExit") return cmdExit_Click(frm_.frmMessages);
-  if (control == "frmMessages.Tab") return Tab_Click(frm_.frmMessages, index - 1);
-  if (control == "frmMessages.lstChat") return lstChat_DblClick(frm_.frmMessages);
+  if (control == "frmMessages.Tab")
+    return Tab_Click(frm_.frmMessages, index - 1);
+  if (control == "frmMessages.lstChat")
+    return lstChat_DblClick(frm_.frmMessages);
   if (control == "frmMessages.lstThankyou") {
     int item = frm_.frmMessages.lstThankyou.selected();
     if (item >= 0) lstThankyou_Click(frm_.frmMessages, item);
@@ -215,6 +245,7 @@ void QuorvexApp::Press(const std::string& control, int index) {
 ListBox* QuorvexApp::FindList(const std::string& name) {
   if (name == "lstPending") return &frm_.lstPending();
   if (name == "lstBanned") return &frm_.lstBanned;
+  if (name == "frmRoom.lstRoom") return &frm_.frmRoom.lstRoom;
   if (name == "lstMails") return &frm_.lstMails;
   if (name == "frmMessages.lstChat" || name == "lstChat")
     return &frm_.frmMessages.lstChat;
@@ -268,15 +299,24 @@ void QuorvexApp::Set(const std::string& control, const std::string& value) {
 }
 
 std::vector<const ListBox*> QuorvexApp::OpenLists() const {
-  return {&frm_.lstPending(), &frm_.lstBanned, &frm_.lstMails,
-          &frm_.frmMessages.lstChat, &frm_.frmMessages.lstThankyou};
+  std::vector<const ListBox*> lists = {
+      &frm_.lstPending(), &frm_.lstBanned, &frm_.lstMails,
+      &frm_.frmMessages.lstChat, &frm_.frmMessages.lstThankyou};
+  if (frm_.frmRoom_open) lists.push_back(&frm_.frmRoom.lstRoom);
+  return lists;
 }
 
 std::vector<const Label*> QuorvexApp::Labels() const {
-  return {&frm_.lblSession, &frm_.lblLists,   &frm_.lblMails,
-          &frm_.lblSent,    &frm_.lblBanned,  &frm_.lblPending,
-          &frm_.cmdStart,   &frm_.cmdPause,
-          &frm_.frmRoomBuster->cmdStart, &frm_.frmRoomBuster->lblBusts};
+  return {&frm_.lblSession,
+          &frm_.lblLists,
+          &frm_.lblMails,
+          &frm_.lblSent,
+          &frm_.lblBanned,
+          &frm_.lblPending,
+          &frm_.cmdStart,
+          &frm_.cmdPause,
+          &frm_.frmRoomBuster->cmdStart,
+          &frm_.frmRoomBuster->lblBusts};
 }
 
 }  // namespace quorvex

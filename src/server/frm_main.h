@@ -20,6 +20,7 @@
 #include "platform/prompter.h"
 #include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
+#include "requests/room_view.h"
 #include "requests/serve_counters.h"
 #include "server/pausing_form.h"
 #include "settings/messages.h"
@@ -111,6 +112,11 @@ struct FrmMain {
   // client context.
   std::function<void()> aol_restart;
   std::unique_ptr<FrmRoomBuster> frmRoomBuster;
+
+  // The room people window, opened by a right click on lstBanned; it reads
+  // the room when it opens.
+  RoomForm frmRoom;
+  bool frmRoom_open = false;
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }
