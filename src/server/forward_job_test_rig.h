@@ -20,8 +20,7 @@ class ForwardJobRig : public ServerTest {
         [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
 
-  // `mails` mails "mail 1"..., then the client launched and its mailbox
-  // read, and Timer2 sweeping every second.
+  // `mails` mails "mail 1"..., the mailbox read, Timer2 sweeping.
   void Launch(int mails) {
     AddMails(mails);
     sim.Launch();
@@ -50,11 +49,6 @@ class ForwardJobRig : public ServerTest {
   std::size_t Received(const std::string& name) const {
     const SimPerson* p = world.FindPerson(name);
     return p ? p->mailbox.size() : 0;
-  }
-  bool Shown(const std::string& status) const {
-    for (const std::string& s : statuses)
-      if (s == status) return true;
-    return false;
   }
 
   std::vector<std::string> statuses;
