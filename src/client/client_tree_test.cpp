@@ -1,9 +1,6 @@
 #include "client/client_tree.h"
 
-#include "client/client_menus.h"
-#include "client/mailbox.h"
 #include "client/test_client.h"
-#include "client/window_ops.h"
 
 namespace quorvex {
 namespace {
@@ -12,20 +9,17 @@ using ClientTreeTest = ClientTest;
 
 TEST_F(ClientTreeTest, ScreenNameAndSignOnFromTheWelcomeWindow) {
   EXPECT_FALSE(IsSignedOn(api));  // no client at all
-  EXPECT_EQ(GetUserSN(api), "");
   Launch();
   EXPECT_TRUE(IsSignedOn(api));
   EXPECT_EQ(GetUserSN(api), "Joe Smith");
   sim.SignOff();
-  EXPECT_FALSE(IsSignedOn(api));
-  EXPECT_EQ(GetUserSN(api), "");
   EXPECT_TRUE(SignedOff(api)());
+  EXPECT_EQ(GetUserSN(api), "");
 }
 
 TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
   Launch();
-  const Hwnd room = FindClientChild(api, "Lobby");
-  EXPECT_EQ(room, FindChatRoom(api));
+  EXPECT_EQ(FindClientChild(api, "Lobby"), FindChatRoom(api));
   Keyword(api, "aol://9293:Ann");
   Run(1);
   const Hwnd im = FindDocument(api, kSendIm);
@@ -40,9 +34,9 @@ TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
 TEST_F(ClientTreeTest, WaitForClientChildWithinOneSecond) {
   Launch();
   const Hwnd room = FindChatRoom(api);
-  const Hwnd display = FindChild(api, room, "RICHCNTL");
   EXPECT_EQ(WaitForClientChild(c, "Lobby"), room);
-  const auto keys = api.To(display);
+  // It first sends Escape to the chat display.
+  const auto keys = api.To(FindChild(api, room, "RICHCNTL"));
   ASSERT_EQ(keys.size(), 2u);
   EXPECT_TRUE(keys[0].posted);
   EXPECT_EQ(keys[0].msg, win::kWmKeyDown);
@@ -60,31 +54,40 @@ TEST_F(ClientTreeTest, DocumentWindowsByTheirChildren) {
   AddMails(3);
   Launch();
   const Hwnd room = FindChatRoom(api);
-  ASSERT_NE(room, 0u);
   EXPECT_EQ(GetCaption(api, room), "Lobby");
   // The chat room has two rich-text controls: it is no open mail.
   EXPECT_EQ(FindOpenMail(api), 0u);
   EXPECT_EQ(FindComposeWindow(api), 0u);
   EXPECT_EQ(FindTabbedMailbox(api), 0u);
 
-  OpenOfflineMailbox(c);
-  Run(1);
-  OpenMail(c, 1);
-  Run(1);
-  const Hwnd mail = FindOpenMail(api);
-  ASSERT_NE(mail, 0u);
-  EXPECT_EQ(GetCaption(api, mail), "mail 1");
-  EXPECT_EQ(FindChatRoom(api), room);
-
-  ClickIcon(api, FindNthChild(api, mail, "_AOL_Icon", 8));
-  Run(1);
-  const Hwnd forward = FindComposeWindow(api);
-  ASSERT_NE(forward, 0u);
+  const Hwnd forward = OpenForwardWindow(1);
+  EXPECT_EQ(GetCaption(api, FindOpenMail(api)), "mail 1");
   EXPECT_EQ(GetCaption(api, forward), "Fwd: mail 1");
-
+  EXPECT_EQ(FindChatRoom(api), room);
   RunToolbarMenu(c, 3, 'S');
   Run(1);
   EXPECT_NE(FindTabbedMailbox(api), 0u);
+}
+
+TEST_F(ClientTreeTest, OfflineMailboxThroughTheMailMenuKeys) {
+  Launch();
+  api.SetCursorPos(100, 200);
+  api.messages.clear();
+  OpenOfflineMailbox(c);
+  EXPECT_EQ(api.GetCursorPos().x, 100);
+  EXPECT_EQ(api.GetCursorPos().y, 200);
+  std::vector<std::pair<unsigned, std::uintptr_t>> keys;
+  for (const auto& m : api.messages)
+    if (m.posted && (m.msg == win::kWmKeyDown || m.msg == win::kWmKeyUp))
+      keys.emplace_back(m.msg, m.wparam);
+  // The second Up has no key up.
+  const std::vector<std::pair<unsigned, std::uintptr_t>> expected = {
+      {win::kWmKeyDown, 38}, {win::kWmKeyUp, 38}, {win::kWmKeyDown, 38},
+      {win::kWmKeyDown, 39}, {win::kWmKeyUp, 39}, {win::kWmKeyDown, 13},
+      {win::kWmKeyUp, 13}};
+  EXPECT_EQ(keys, expected);
+  Run(1);
+  EXPECT_NE(FindDocument(api, kIncomingMail), 0u);
 }
 
 }  // namespace

@@ -1,12 +1,7 @@
 #include "client/error_boxes.h"
 
-#include "client/client_menus.h"
-#include "client/client_tree.h"
 #include "client/mail_send.h"
-#include "client/mailbox.h"
 #include "client/test_client.h"
-#include "client/wait.h"
-#include "client/window_ops.h"
 
 namespace quorvex {
 namespace {
@@ -14,13 +9,7 @@ namespace {
 class ErrorBoxesTest : public ClientTest {
  protected:
   void Forward(int position, const std::string& to) {
-    OpenOfflineMailbox(c);
-    Run(1);
-    OpenMail(c, position);
-    WaitUntil(host, [&] { return FindOpenMail(api) != 0; });
-    ClickIcon(api, FindNthChild(api, FindOpenMail(api), "_AOL_Icon", 8));
-    WaitUntil(host, [&] { return FindComposeWindow(api) != 0; });
-    ForwardMailNow(c, to, FindComposeWindow(api), "body");
+    ForwardMailNow(c, to, OpenForwardWindow(position), "body");
     Run(2);
   }
 };
@@ -33,9 +22,7 @@ TEST_F(ErrorBoxesTest, DeadMailBoxIsFoundByItsTextAndPressed) {
   EXPECT_EQ(FindClientBox(api, kTooLongBoxText), 0u);
   const Hwnd box = FindClientBox(api, kDeadMailBoxText);
   ASSERT_NE(box, 0u);
-  const Hwnd ok = FindDialogButton(api, box, "OK");
-  ASSERT_NE(ok, 0u);
-  PressButton(api, ok);
+  PressButton(api, FindDialogButton(api, box, "OK"));
   EXPECT_FALSE(api.IsWindow(box));
   EXPECT_TRUE(mails.empty());
   // The forward window stays for the error handler to close.
@@ -55,7 +42,7 @@ TEST_F(ErrorBoxesTest, FullMailboxErrorListsTheNames) {
   EXPECT_EQ(sim.Mailboxes()["Ann"].size(), 1u);
 }
 
-TEST_F(ErrorBoxesTest, TooLongBox) {
+TEST_F(ErrorBoxesTest, TooLongBoxIsAClientBoxNotADialogOrModal) {
   AddMails(1);
   sim.knobs().max_body_chars = 2;
   Launch();

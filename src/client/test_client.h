@@ -10,7 +10,12 @@
 #include <vector>
 
 #include "client/client_context.h"
+#include "client/client_menus.h"
+#include "client/client_tree.h"
+#include "client/mailbox.h"
 #include "client/recording_api.h"
+#include "client/wait.h"
+#include "client/window_ops.h"
 #include "platform/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
@@ -39,6 +44,27 @@ class ClientTest : public ::testing::Test, public SimObserver {
   // Lets the client catch up: yields for `seconds` of virtual time.
   void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
 
+  // Opens mail `position` of the offline mailbox and clicks its Forward
+  // icon; returns the forward window once it is there.
+  Hwnd OpenForwardWindow(int position) {
+    OpenOfflineMailbox(c);
+    Run(1);
+    OpenMail(c, position);
+    WaitUntil(host, [&] { return FindOpenMail(api) != 0; });
+    ClickIcon(api, FindNthChild(api, FindOpenMail(api), "_AOL_Icon", 8));
+    WaitUntil(host, [&] { return FindComposeWindow(api) != 0; });
+    return FindComposeWindow(api);
+  }
+  // Messages of one kind sent or posted so far.
+  int Count(unsigned msg) const {
+    int n = 0;
+    for (const RecordedMessage& m : api.messages) n += m.msg == msg;
+    return n;
+  }
+
+  void OnChat(const std::string&, const std::string& text) override {
+    chats.push_back(text);
+  }
   void OnMail(const std::string&, const std::string& to,
               const std::string& subject, const std::string& body,
               bool now) override {
@@ -55,7 +81,7 @@ class ClientTest : public ::testing::Test, public SimObserver {
   Settings settings;
   ClientContext c{api, host, settings, nullptr};
   std::vector<MailSeen> mails;
-  std::vector<std::string> ims;
+  std::vector<std::string> ims, chats;
 };
 
 }  // namespace quorvex

