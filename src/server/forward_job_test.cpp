@@ -1,22 +1,51 @@
+// Forwarding mails, lists and find results, on a client launched with its
+// mailbox read into lstMails and Timer2 running the error sweep as the
+// serving loop runs it.
 #include "server/forward_job.h"
 
-#include <algorithm>
-#include <utility>
+#include <initializer_list>
 
 #include "client/client_tree.h"
 #include "client/error_boxes.h"
+#include "client/mailbox.h"
 #include "client/window_ops.h"
-#include "requests/request_parser.h"
 #include "server/error_sweep.h"
-#include "server/forward_job_test_rig.h"
-#include "server/serve_engine.h"
+#include "server/lists_finds.h"
+#include "server/server_test_fixture.h"
 
 namespace quorvex {
 namespace {
 
 using Lines = std::vector<std::string>;
 
-class ForwardJobTest : public ForwardJobRig {};
+class ForwardJobTest : public ServerTest {
+ protected:
+  // `mails` mails "mail 1"..., the mailbox read, Timer2 sweeping.
+  void Launch(int mails) {
+    AddMails(mails);
+    sim.Launch();
+    LoadMailbox(c, frm.lstMails, true, frm.status);
+    frm.Timer2 = host.CreateTimer([this] { ForwardErrorSweep(frm, c); });
+    frm.Timer2->SetInterval(1000);
+    frm.Timer2->SetEnabled(true);
+    statuses.clear();
+  }
+
+  void Queue(std::initializer_list<const char*> lines) {
+    for (const char* line : lines) frm.pending.Append(line);
+    frm.pending.RefreshLabel(frm.lblPending);
+  }
+  std::vector<std::string> Pending() const { return frm.lstPending().Items(); }
+
+  // The titles forwarded to a person, in order.
+  std::vector<std::string> Forwarded(const std::string& name) const {
+    std::vector<std::string> titles;
+    const SimPerson* p = world.FindPerson(name);
+    if (p)
+      for (const ReceivedMail& m : p->mailbox) titles.push_back(m.forward_of);
+    return titles;
+  }
+};
 
 TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   frm.settings.LAscii = "<";
@@ -112,56 +141,109 @@ TEST_F(ForwardJobTest, TheSecondClockAnswersAFullMailboxOutsideAForward) {
   EXPECT_FALSE(frm.in_sweep);
 }
 
-// The serving loop with its real jobs: people ask in the room, and
-// afterwards every mailbox holds exactly what its owner asked for.
-TEST_F(ForwardJobTest, EndToEndEveryRequesterGetsExactlyWhatTheyAskedFor) {
-  AddMails(30);
-  sim.SetFullMailbox("ann");
-  sim.SetDeadMail(9);
-  frm.settings.ListSize = 50;
-  prompter.QueueAnswer("yes");  // make lists
-  sim.Launch();
-  ServeEngine engine(frm, c);
-  RequestContext requests{frm.settings,  frm.frmBanning, frm.pending,
-                          frm.lstBanned, frm.lstMails,   frm.ReplyQueue,
-                          frm.lblPending};
-  engine.cmdStart_Click();
-  ASSERT_EQ(frm.lstLists.Items(), Lines{"1 31"});
-
-  const std::pair<const char*, const char*> lines[] = {
-      {"Bob", "/srv send 5"},      {"Amy", "/srv send 5"},
-      {"Bob", "/srv send 7"},      {"Amy", "/srv send list"},
-      {"Joe", "/srv find mail 2"}, {"Ann", "/srv send 3"},
-      {"Kim", "/srv send 9"},      {"Lee", "/srv send 10-12"}};
-  double at = 1;
-  for (const auto& [who, text] : lines) {
-    host.Schedule(at, [&requests, who = who, text = text] {
-      HandleChatLine(requests, who, text);
-    });
-    at += 0.7;
+class ListsFindsTest : public ForwardJobTest {
+ protected:
+  // List mails 1 to `lists`, as an earlier run left them, then `mails`
+  // mails, collected as the start collects them.
+  void LaunchWithLists(int mails, int lists) {
+    for (int k = 1; k <= lists; ++k)
+      sim.AddMail(kListMarker + std::to_string(k) + " ");
+    Launch(mails);
+    CollectLists(frm);
+    statuses.clear();
   }
-  // Long after mail 9 turned out dead: answered from the cache.
-  host.Schedule(
-      150, [&requests] { HandleChatLine(requests, "Lee", "/srv send 9"); });
-  Run(200);
+};
 
-  auto sorted = [this](const std::string& who) {
-    Lines v = Forwarded(who);
-    std::sort(v.begin(), v.end());
-    return v;
-  };
-  EXPECT_EQ(sorted("bob"), (Lines{"mail 5", "mail 7"}));
-  EXPECT_EQ(sorted("amy"), (Lines{" quorvex list number 1 ", "mail 5"}));
-  EXPECT_EQ(sorted("lee"), (Lines{"mail 10", "mail 11", "mail 12"}));
-  EXPECT_EQ(Received("ann") + Received("kim"), 0u);
-  EXPECT_EQ(Received("joe"), 1u);  // the find results
-  const Lines said = Said();
-  for (const char* line :
-       {"(ann) you have a full mailbox", "kim mail <U>9</U> is a dead mail",
-        "lee mail <U>9</U> is a dead mail"})
-    EXPECT_NE(std::find(said.begin(), said.end(), line), said.end()) << line;
-  EXPECT_TRUE(frm.lstPending().Empty());
-  EXPECT_TRUE(frm.ReplyQueue.Empty());
+TEST_F(ListsFindsTest, CollectListsKeepsOnlyNumberedListMails) {
+  for (const char* t :
+       {"song a", "\xC2\xB7[ quorvex list number 2 ]", "my quorvex list number",
+        "velo-grid list number 1", " quorvex list number 10 "})
+    frm.lstMails.Add(t);
+  EXPECT_EQ(CollectLists(frm), 2);
+  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5"}));
+  EXPECT_EQ(frm.lblLists.caption(), "lists: 2");
+}
+
+TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
+  frm.settings.ListSize = 50;
+  frm.settings.LAscii = "<";
+  frm.settings.RAscii = ">";
+  Launch(120);
+  BuildLists(frm, c);
+
+  ASSERT_EQ(seen.mails.size(), 3u);
+  EXPECT_EQ(seen.mails[2].to, kUser);
+  EXPECT_EQ(seen.mails[2].subject, "< quorvex list number 3 >");
+  EXPECT_NE(seen.mails[2].body.find("\r\n<list number <B><U>3</B></U>>\r\n\r\n"
+                                    "[ 101 ] - mail 101\r\n"),
+            std::string::npos);
+  // 50 titles a list: list 1 ends where list 2 begins.
+  EXPECT_NE(seen.mails[0].body.find("[ 50 ] - mail 50\r\n"), std::string::npos);
+  EXPECT_EQ(seen.mails[0].body.find("[ 51 ]"), std::string::npos);
+  // Back in the mailbox (after the automatic session), read again and
+  // collected for serving.
+  EXPECT_EQ(frm.lstLists.Items(), (Lines{"1 121", "2 122", "3 123"}));
+  EXPECT_EQ(frm.lblMails.caption(), "mails: 123");
+  EXPECT_EQ(statuses.front(), "status: making/sending list #1");
+  EXPECT_EQ(sim.FindWindow("_AOL_Modal", "Automatic AOL"), 0u);
+}
+
+TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
+  frm.frmMessages.lstChat.Add("done");
+  LaunchWithLists(5, 2);
+  frm.ListSeconds = 31;
+  Queue({"bob-list", "amy-3", "amy-list"});
+  RunListJob(frm, c);
+
+  EXPECT_EQ(Forwarded("amy"),
+            (Lines{" quorvex list number 1 ", " quorvex list number 2 "}));
+  EXPECT_EQ(Forwarded("bob"), Forwarded("amy"));
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_EQ(seen.mails[0].to, "(amy)(bob)");
+  EXPECT_NE(seen.mails[1].body.find("\r\nlist number <B><U>2</B></U>\r\n"),
+            std::string::npos);
+  EXPECT_EQ(Said(),
+            (Lines{"amy list <U>1</U> done", "amy list <U>2</U> done"}));
+  EXPECT_EQ(Pending(), Lines{"amy-3"});
+  EXPECT_EQ(frm.counters.session, 4);  // two people, two lists each
+  EXPECT_EQ(frm.ListSeconds, 0);
+  EXPECT_EQ(statuses.front(), "status: opening list");
+
+  // Nobody waiting: nothing is sent or said.
+  RunListJob(frm, c);
+  EXPECT_EQ(seen.mails.size(), 2u);
+  EXPECT_EQ(Said().size(), 2u);
+}
+
+TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
+  frm.settings.LAscii = "<";
+  frm.settings.MailMethod = false;
+  for (const char* t : {"dogs", "my cats", "Cat Stevens"}) sim.AddMail(t);
+  Launch(0);
+  Queue({"bob~cat", "amy~dog", "joe~cat", "kim~zebra"});
+  RunFindJob(frm, c);
+
+  ASSERT_EQ(seen.mails.size(), 1u);
+  const SimMail& m = seen.mails[0];
+  EXPECT_EQ(m.to, "(bob)(joe)");
+  EXPECT_TRUE(m.send_now);
+  EXPECT_EQ(m.subject, "<quorvex find results for ");
+  EXPECT_NE(m.body.find("\r\n<B><U>2</B></U> find results for <B><U>cat</B>"
+                        "</U>\r\n[ 2 ] - my cats\r\n[ 3 ] - Cat Stevens\r\n"),
+            std::string::npos);
+  EXPECT_EQ(Said(), Lines{"<bob results for <U>cat</U> sent"});
+  EXPECT_EQ(frm.lblSession.caption(), "session: 1");
+  EXPECT_EQ(frm.counters.SentCount, 1);
+  EXPECT_EQ(Pending(), (Lines{"amy~dog", "kim~zebra"}));
+
+  // No results: answered in the room, nothing counted.
+  frm.lstPending().Clear();
+  Queue({"kim~zebra"});
+  RunFindJob(frm, c);
+  EXPECT_EQ(seen.mails.size(), 1u);
+  EXPECT_EQ(Said().back(), "<kim no results for <U>zebra</U> found");
+  EXPECT_EQ(statuses.back(), "status: no find found");
+  EXPECT_EQ(frm.counters.session, 1);
 }
 
 }  // namespace

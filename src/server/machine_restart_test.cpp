@@ -20,8 +20,6 @@ class MachineRestartTest : public ServerTest {
     machine.SetRunProgramHook(
         [this](std::string_view path) { started.emplace_back(path); });
     machine.SetRebootHook([this] { ++reboots; });
-    frm.status.Subscribe(
-        [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
 
   std::string State(const std::string& key) {
@@ -41,7 +39,6 @@ class MachineRestartTest : public ServerTest {
   }
 
   std::vector<std::string> started;
-  std::vector<std::string> statuses;
   int reboots = 0;
 };
 

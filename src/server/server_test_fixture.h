@@ -40,6 +40,8 @@ class ServerTest : public ::testing::Test {
     frm.settings.LAscii = "";
     frm.settings.RAscii = "";
     frm.settings.MailResize = false;
+    frm.status.Subscribe(
+        [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
   ~ServerTest() override {
     std::error_code ec;
@@ -89,6 +91,7 @@ class ServerTest : public ::testing::Test {
   ScriptedPrompter prompter;
   FrmMain frm{Ports{host, sim, registry, profiles, prompter, machine, 1}};
   ClientContext c{sim, host, frm.settings, nullptr};
+  std::vector<std::string> statuses;  // the status strip's texts, in order
 };
 
 }  // namespace quorvex

@@ -1,6 +1,9 @@
+// The recipients field and the rich edit's line messages.
 #include "sim/recipients.h"
 
 #include <gtest/gtest.h>
+
+#include "sim/rich_text.h"
 
 namespace quorvex {
 namespace {
@@ -23,6 +26,24 @@ TEST(RecipientsTest, CommasSeparateAndParenthesesMakeBlindCopies) {
   EXPECT_EQ(r.blind, Names{"ann"});
   // Names are keyed ignoring case and spaces.
   EXPECT_EQ(ScreenNameKey("Joe Smith"), ScreenNameKey("joesmith"));
+}
+
+TEST(RichTextTest, LineMessagesOnOneAndSeveralLines) {
+  // One line: line 1 does not exist, so a reader of line 1 gets nothing.
+  EXPECT_EQ(RichLineIndex("hello", 1), -1);
+  EXPECT_EQ(RichLineLength("hello", -1), 0);
+  EXPECT_EQ(RichGetLine("hello", 1, 100), "");
+
+  // All three breaks count; a break at the end opens an empty last line.
+  const std::string two = "first\r\nsecond\rthird\n";
+  EXPECT_EQ(RichLineIndex(two, 1), 7);
+  EXPECT_EQ(RichLineIndex(two, 2), 14);
+  EXPECT_EQ(RichLineIndex(two, 3), 20);
+  EXPECT_EQ(RichLineIndex(two, 4), -1);
+  EXPECT_EQ(RichLineIndex(two, -1), 20);  // the caret's line: the last
+  EXPECT_EQ(RichLineLength(two, 9), 6);   // any index within the line
+  EXPECT_EQ(RichGetLine(two, 1, 3), "sec");
+  EXPECT_EQ(RichGetLine(two, 3, 100), "");
 }
 
 }  // namespace

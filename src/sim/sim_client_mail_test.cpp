@@ -182,43 +182,6 @@ TEST_F(SimMailTest, SendLaterQueuesTheMailAndDeleteRemovesOnePerClick) {
   EXPECT_EQ(Count(tree), 0);
 }
 
-TEST_F(SimMailTest, SentMailFillsInStepsAndDeleteRemovesOnePerClick) {
-  api_.knobs().sent_fill_step = 1;
-  for (int i = 0; i < 5; ++i) {
-    Forward(0, "bob smith", 14);
-    rig_.Run(1);
-  }
-  RunToolbarMenu('S');
-  Hwnd online = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
-  Hwnd tabs = api_.FindWindowEx(online, 0, "_AOL_TabControl", nullptr);
-  Hwnd sent = api_.FindWindowEx(rig_.Nth(tabs, "_AOL_TabPage", 3), 0,
-                                "_AOL_Tree", nullptr);
-  ASSERT_NE(sent, 0u);
-  EXPECT_LT(Count(sent), 5);
-  rig_.Run(1);
-  EXPECT_EQ(Count(sent), 5);
-  Hwnd del = rig_.Nth(online, "_AOL_Icon", 7);
-  rig_.Click(del);
-  rig_.Click(del);
-  EXPECT_EQ(Count(sent), 3);
-  EXPECT_EQ(api_.SentCount(), 3);
-}
-
-TEST_F(SimMailTest, MailToOneselfArrivesAtTheEndOfTheMailbox) {
-  rig_.Click(rig_.ToolbarIcon(2));
-  rig_.Run(0.2);
-  Hwnd write = rig_.Doc("Write Mail");
-  ASSERT_NE(write, 0u);
-  EXPECT_EQ(rig_.Text(rig_.Nth(write, "_AOL_Icon", 17)), "Send Later");
-  rig_.SetText(rig_.Nth(write, "_AOL_Edit", 1), "HOST");
-  rig_.SetText(rig_.Nth(write, "_AOL_Edit", 3), " quorvex list number 1 ");
-  rig_.Click(rig_.Nth(write, "_AOL_Icon", 16));
-  rig_.Run(1);
-  EXPECT_FALSE(api_.IsWindow(write));
-  Hwnd tree = api_.FindWindowEx(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
-  EXPECT_EQ(Item(tree, 3), "01/01/2000\tHost\t quorvex list number 1 ");
-}
-
 TEST_F(SimMailTest, FullMailboxShowsTheErrorWindowAndOthersStillGetIt) {
   api_.SetFullMailbox("Bob Smith");
   api_.SetFullMailbox("ann");
