@@ -24,14 +24,12 @@ class ChatScannerTest : public ClientTest {
 };
 
 TEST(ChatDisplayTest, ParsesNameTabTextLines) {
-  const auto lines = ChatScanner::ParseDisplay(
-      "Ann:\thi\r\nBob Lee:\tsays a:\tb\r\n\r\nno line here\r\nCat:\t");
-  ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(lines[0].sn, "Ann");
-  EXPECT_EQ(lines[0].text, "hi");
-  EXPECT_EQ(lines[1].sn, "Bob Lee");
-  EXPECT_EQ(lines[1].text, "says a:\tb");
-  EXPECT_EQ(lines[2].text, "");
+  std::vector<std::string> got;
+  for (const auto& line : ChatScanner::ParseDisplay(
+           "Ann:\thi\r\nBob Lee:\tsays a:\tb\r\n\r\nno line here\r\nCat:\t"))
+    got.push_back(line.sn + "|" + line.text);
+  EXPECT_EQ(got,
+            (std::vector<std::string>{"Ann|hi", "Bob Lee|says a:\tb", "Cat|"}));
   EXPECT_TRUE(ChatScanner::ParseDisplay("").empty());
 }
 
@@ -58,9 +56,10 @@ TEST_F(ChatScannerTest, EveryLineOnceInOrderOwnLinesIncluded) {
 TEST_F(ChatScannerTest, DisplayThatKeepsItsLinesIsReadByOverlap) {
   sim.knobs().display_lines = 10;
   Start();
-  for (int i = 0; i < 10; ++i) sim.Say("Ann", "line " + std::to_string(i));
-  Run(1);
-  for (int i = 10; i < 13; ++i) sim.Say("Bob", "line " + std::to_string(i));
+  for (int i = 0; i < 13; ++i) {
+    sim.Say(i < 10 ? "Ann" : "Bob", "line " + std::to_string(i));
+    if (i == 9) Run(1);  // a full display, then three lines more
+  }
   Run(1);
   ASSERT_EQ(heard.size(), 13u);
   EXPECT_EQ(heard[12], "Bob: line 12");
@@ -86,11 +85,11 @@ TEST_F(ChatScannerTest, OneReadPerDisplayfulIsEnough) {
   api.SetClearableDisplay(true);
   sim.knobs().display_lines = 10;
   Start();
-  for (int i = 0; i < 10; ++i) sim.Say("Ann", "same");
-  EXPECT_EQ(scanner.Scan(), 10);
   // More than a displayful between two reads: the oldest are gone.
-  for (int i = 0; i < 15; ++i) sim.Say("Ann", "same");
-  EXPECT_EQ(scanner.Scan(), 10);
+  for (int n : {10, 15}) {
+    for (int i = 0; i < n; ++i) sim.Say("Ann", "same");
+    EXPECT_EQ(scanner.Scan(), 10);
+  }
   EXPECT_EQ(heard.size(), 20u);
 }
 

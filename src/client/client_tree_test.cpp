@@ -7,18 +7,10 @@ namespace {
 
 using ClientTreeTest = ClientTest;
 
-TEST_F(ClientTreeTest, ScreenNameAndSignOnFromTheWelcomeWindow) {
+TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
   EXPECT_FALSE(IsSignedOn(api));  // no client at all
   Launch();
-  EXPECT_TRUE(IsSignedOn(api));
-  EXPECT_EQ(GetUserSN(api), "Joe Smith");
-  sim.SignOff();
-  EXPECT_TRUE(SignedOff(api)());
-  EXPECT_EQ(GetUserSN(api), "");
-}
-
-TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
-  Launch();
+  EXPECT_EQ(GetUserSN(api), "Joe Smith");  // from the welcome window
   EXPECT_EQ(FindClientChild(api, "Lobby"), FindChatRoom(api));
   Keyword(api, "aol://9293:Ann");
   Run(1);
@@ -29,6 +21,9 @@ TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
   // The welcome window is not the topmost: only an exact caption finds it.
   EXPECT_EQ(FindClientChild(api, "Welcome"), 0u);
   EXPECT_NE(FindClientChild(api, "Welcome, Joe Smith!"), 0u);
+  sim.SignOff();
+  EXPECT_TRUE(SignedOff(api)());
+  EXPECT_EQ(GetUserSN(api), "");
 }
 
 TEST_F(ClientTreeTest, WaitForClientChildWithinOneSecond) {
@@ -51,19 +46,12 @@ TEST_F(ClientTreeTest, WaitForClientChildWithinOneSecond) {
 }
 
 TEST_F(ClientTreeTest, DocumentWindowsByTheirChildren) {
-  AddMails(3);
   Launch();
-  const Hwnd room = FindChatRoom(api);
-  EXPECT_EQ(GetCaption(api, room), "Lobby");
+  EXPECT_EQ(GetCaption(api, FindChatRoom(api)), "Lobby");
   // The chat room has two rich-text controls: it is no open mail.
   EXPECT_EQ(FindOpenMail(api), 0u);
   EXPECT_EQ(FindComposeWindow(api), 0u);
   EXPECT_EQ(FindTabbedMailbox(api), 0u);
-
-  const Hwnd forward = OpenForwardWindow(1);
-  EXPECT_EQ(GetCaption(api, FindOpenMail(api)), "mail 1");
-  EXPECT_EQ(GetCaption(api, forward), "Fwd: mail 1");
-  EXPECT_EQ(FindChatRoom(api), room);
   RunToolbarMenu(c, 3, 'S');
   Run(1);
   EXPECT_NE(FindTabbedMailbox(api), 0u);

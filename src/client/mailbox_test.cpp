@@ -57,7 +57,7 @@ TEST_F(MailboxTest, AnEmptyMailboxIsOpenedAndClosedUntilTheRunEnds) {
   EXPECT_TRUE(lstMails.Empty());
 }
 
-TEST_F(MailboxTest, DeleteSentMailEmptiesTheSentList) {
+TEST_F(MailboxTest, DeletingEmptiesTheSentListAndTheQueue) {
   Launch();
   // With nothing sent it only closes; the menu's icon is clicked by
   // posting, Delete would be sent a click.
@@ -71,14 +71,6 @@ TEST_F(MailboxTest, DeleteSentMailEmptiesTheSentList) {
     WriteMailNow(c, "Ann", "s", "b");
     Run(1);  // until the window has gone
   }
-  ASSERT_EQ(sim.SentCount(), 5);
-  DeleteSentMail(c);
-  EXPECT_EQ(sim.SentCount(), 0);
-  EXPECT_EQ(FindTabbedMailbox(api), 0u);
-}
-
-TEST_F(MailboxTest, DeleteMailWaitingEmptiesTheQueue) {
-  Launch();
   for (int i = 0; i < 3; ++i) {  // queued by Send Later
     PostClickIcon(api, FindToolbarIcon(api, 2));
     Run(1);
@@ -86,7 +78,11 @@ TEST_F(MailboxTest, DeleteMailWaitingEmptiesTheQueue) {
     SetText(api, FindChild(api, write, "_AOL_Edit"), "Ann");
     ClickIcon(api, FindNthChild(api, write, "_AOL_Icon", 17));
   }
+  ASSERT_EQ(sim.SentCount(), 5);
   ASSERT_EQ(sim.WaitingCount(), 3);
+  DeleteSentMail(c);
+  EXPECT_EQ(sim.SentCount(), 0);
+  EXPECT_EQ(FindTabbedMailbox(api), 0u);
   DeleteMailWaiting(c);
   EXPECT_EQ(sim.WaitingCount(), 0);
   EXPECT_EQ(FindDocument(api, kMailWaiting), 0u);

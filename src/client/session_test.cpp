@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "client/chat_room.h"
 #include "client/test_client.h"
 #include "platform/folder_machine.h"
 #include "settings/ini_profile_file.h"
@@ -28,8 +27,6 @@ class SessionTest : public ClientTest {
       started.emplace_back(path);
       sim.Start();
     });
-    status.Subscribe(
-        [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
   ~SessionTest() override { fs::remove_all(root); }
 
@@ -52,15 +49,14 @@ class SessionTest : public ClientTest {
   int Events(const std::string& what) const {
     return std::count(client_events.begin(), client_events.end(), what);
   }
-  // Restarts, noting every sign-on modal the client shows meanwhile;
-  // returns the clicks on their icons.
-  int RestartWatchingModals() {
+  // Restarts, returning the clicks on the icon of any sign-on modal the
+  // client shows meanwhile.
+  int RestartCountingModalClicks() {
+    std::set<Hwnd> icons;
     bool watching = true;
     std::function<void()> watch = [&] {
-      if (Hwnd m = sim.FindWindow("_AOL_Modal", "Sign On")) {
-        modals.insert(m);
-        modal_icons.insert(sim.FindWindowEx(m, 0, "_AOL_Icon", nullptr));
-      }
+      if (Hwnd m = sim.FindWindow("_AOL_Modal", "Sign On"))
+        icons.insert(sim.FindWindowEx(m, 0, "_AOL_Icon", nullptr));
       if (watching) host.Schedule(0.1, watch);
     };
     host.Schedule(0.1, watch);
@@ -68,7 +64,7 @@ class SessionTest : public ClientTest {
     watching = false;
     int clicks = 0;
     for (const RecordedMessage& m : api.messages)
-      clicks += m.msg == win::kWmLButtonUp && modal_icons.count(m.hwnd);
+      clicks += m.msg == win::kWmLButtonUp && icons.count(m.hwnd);
     return clicks;
   }
   void OnClient(const std::string& what) override {
@@ -86,18 +82,11 @@ class SessionTest : public ClientTest {
                          ++buster_restarts;
                          AOLRestart(Session());
                        }};
-  std::vector<std::string> started, statuses, client_events;
-  std::set<Hwnd> modals, modal_icons;
+  std::vector<std::string> started, client_events;
 };
 
-const std::vector<std::string> kRestartStatuses = {
-    "status: closing aol",       "status: pausing 3 secs",
-    "status: loading aol",       "status: pausing 2 secs",
-    "status: signing online",    "status: pausing 10 secs",
-    "status: closing windows",   "status: turning ims off",
-    "status: opening flashmail", "status: setting preferences",
-    "status: busting chatroom",  "status: idle"};
-
+// The steps, statuses and events of a restart are checked by the
+// client_restart scenario; these tests check what a transcript does not show.
 TEST_F(SessionTest, RestartsASignedOffClientBackIntoItsFullRoom) {
   InstallClient();
   sim.knobs().close_needs_two = true;
@@ -107,23 +96,13 @@ TEST_F(SessionTest, RestartsASignedOffClientBackIntoItsFullRoom) {
   sim.SetPreference("Show addresses as hyperlinks", 0);
   sim.SignOff();
   AOLRestart(Session());
-
-  EXPECT_EQ(statuses, kRestartStatuses);
-  EXPECT_EQ(started,
-            std::vector<std::string>{"C:\\America Online 5.0\\AOL.exe"});
-  EXPECT_EQ(client_events,
-            (std::vector<std::string>{"signs off", "closes", "starts",
-                                      "signs on", "enters Lobby"}));
   // A frame that ignores the first close is asked again.
   int closes = 0;
   for (const RecordedMessage& m : api.To(frame))
     closes += m.msg == win::kWmClose && m.posted;
   EXPECT_GE(closes, 2);
-  // The room is busted: two refusals, in on the third try.
+  // The room is busted, and the buster window closed again.
   EXPECT_EQ(sim.current_room(), "Lobby");
-  EXPECT_EQ(chats.back(), ChatLine(c,
-                                   "quorvex stopped busting <B><U>Lobby</B>"
-                                   "</U> at <B><U>3</B></U> tries"));
   EXPECT_FALSE(buster.loaded());
   EXPECT_EQ(buster.restart, BusterRestart::kNone);
   EXPECT_EQ(buster_restarts, 0);
@@ -163,36 +142,17 @@ TEST_F(SessionTest, InstallFolderComesFromWinIniAndBothProgramsAreTried) {
   // The profile read's buffer holds 719 characters.
   SetAppPath("C:\\" + std::string(800, 'x'));
   EXPECT_EQ(GetAOLPath(machine, profiles), "C:\\" + std::string(716, 'x'));
-
-  // Nothing to start: it keeps waiting on the client.
-  SetAppPath("C:\\Nowhere");
-  started.clear();
-  sim.SignOff();
-  host.SetEnd(host.Elapsed() + 120);
-  EXPECT_THROW(AOLRestart(Session()), RunEnded);
-  EXPECT_TRUE(started.empty());
-  EXPECT_EQ(status.text(), "status: loading aol");
 }
 
-TEST_F(SessionTest, AFailedSignOnIsDismissedOneInProgressWaitedOn) {
+TEST_F(SessionTest, ASignOnInProgressIsWaitedOnNotDismissed) {
   InstallClient();
   sim.SetSignedOffAtStart();
-  sim.knobs().signon_failures = 1;
-  Launch();
-  // The error modal is clicked once, then a new progress modal comes.
-  EXPECT_EQ(RestartWatchingModals(), 1);
-  EXPECT_EQ(modals.size(), 2u);
-  EXPECT_EQ(Events("signs on"), 1);
-  EXPECT_EQ(api.FindWindow("_AOL_Modal", nullptr), 0u);
-  EXPECT_EQ(statuses, kRestartStatuses);
-
-  // Five seconds after the click the modal reads "Step 2: ...": no click.
+  // Each sign-on step takes 4 s: when the restart looks, the modal reads
+  // "Step 2: ...".
   sim.knobs().signon_step = 4;
-  sim.SignOff();
-  modals.clear();
-  EXPECT_EQ(RestartWatchingModals(), 1);
-  EXPECT_EQ(modals.size(), 1u);
-  EXPECT_EQ(Events("signs on"), 2);
+  Launch();
+  EXPECT_EQ(RestartCountingModalClicks(), 0);
+  EXPECT_EQ(Events("signs on"), 1);
   EXPECT_EQ(sim.current_room(), "Lobby");
 }
 
@@ -209,7 +169,6 @@ TEST_F(SessionTest, ARestartUnderWayIsNotStartedAgainFromTheBuster) {
   AOLRestart(Session());
   EXPECT_GE(buster_restarts, 1);
   EXPECT_EQ(Events("starts"), 1);
-  EXPECT_EQ(statuses, kRestartStatuses);
 }
 
 }  // namespace

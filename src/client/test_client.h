@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,11 @@ namespace quorvex {
 struct MailSeen {
   std::string to, subject, body;
   bool now;
+  bool operator==(const MailSeen&) const = default;
+  friend std::ostream& operator<<(std::ostream& os, const MailSeen& m) {
+    return os << m.to << " | " << m.subject << " | " << m.body << " | "
+              << (m.now ? "now" : "later");
+  }
 };
 
 class ClientTest : public ::testing::Test, public SimObserver {
