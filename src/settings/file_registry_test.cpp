@@ -16,36 +16,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class TempFolder {
- public:
-  TempFolder()
-      : path_(fs::temp_directory_path() /
-              ("qv_registry_" + std::to_string(std::random_device{}()))) {
-    fs::create_directories(path_);
+class FolderTest : public testing::Test {
+ protected:
+  FolderTest() { fs::create_directories(folder_); }
+  ~FolderTest() override { fs::remove_all(folder_); }
+  void WriteText(const fs::path& p, const std::string& text) {
+    std::ofstream(p, std::ios::binary) << text;
   }
-  ~TempFolder() { fs::remove_all(path_); }
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
+  const fs::path folder_ =
+      fs::temp_directory_path() /
+      ("qv_registry_" + std::to_string(std::random_device{}()));
 };
-
-void WriteText(const fs::path& p, const std::string& text) {
-  std::ofstream(p, std::ios::binary) << text;
-}
+using FileRegistryTest = FolderTest;
 
 // Both registries follow the same rules; the file one only adds the file.
 template <typename T>
-class RegistryTest : public testing::Test {
+class RegistryTest : public FolderTest {
  protected:
   std::unique_ptr<Registry> Make() {
     if constexpr (std::is_same_v<T, FileRegistry>) {
-      return std::make_unique<FileRegistry>(folder_.path() / "registry.json");
+      return std::make_unique<FileRegistry>(this->folder_ / "registry.json");
     } else {
       return std::make_unique<MemoryRegistry>();
     }
   }
-  TempFolder folder_;
 };
 
 using RegistryTypes = testing::Types<MemoryRegistry, FileRegistry>;
@@ -79,9 +73,8 @@ TYPED_TEST(RegistryTest, NamesMatchIgnoringCaseAndKeepTheirFirstSpelling) {
             (Registry::Sections{{"settings", {{"Loaded", "5"}}}}));
 }
 
-TEST(FileRegistryTest, SettingsOutliveTheInstanceAndNoTemporaryFileStays) {
-  TempFolder folder;
-  const fs::path file = folder.path() / "config" / "quorvex" / "registry.json";
+TEST_F(FileRegistryTest, SettingsOutliveTheInstanceOrAWriteThrows) {
+  const fs::path file = folder_ / "config" / "quorvex" / "registry.json";
   {
     FileRegistry reg(file);
     EXPECT_FALSE(fs::exists(file));  // nothing written by reading
@@ -98,11 +91,16 @@ TEST(FileRegistryTest, SettingsOutliveTheInstanceAndNoTemporaryFileStays) {
   EXPECT_EQ(again.Get("Quorvex", "ChatMsgs", "line \"1\""), "a\nb\\c");
   // The first spelling survives the round trip.
   EXPECT_EQ(again.Dump("quorvex").at("Settings").count("LAscii"), 1u);
+
+  // A file where the registry's folder should be: the write fails loudly.
+  WriteText(folder_ / "blocked", "not a folder");
+  FileRegistry blocked(folder_ / "blocked" / "registry.json");
+  EXPECT_THROW(blocked.Save("Quorvex", "Settings", "Handle", "srv"),
+               std::runtime_error);
 }
 
-TEST(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
-  TempFolder folder;
-  const fs::path file = folder.path() / "registry.json";
+TEST_F(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
+  const fs::path file = folder_ / "registry.json";
   auto message = [&](const std::string& text) -> std::string {
     WriteText(file, text);
     try {
@@ -130,15 +128,6 @@ TEST(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
 
   EXPECT_EQ(message(R"({"Quorvex": {"Settings": {"Handle": "srv"}}})"),
             "(loaded)");
-}
-
-TEST(FileRegistryTest, AFailedWriteThrowsAndKeepsTheOldFile) {
-  TempFolder folder;
-  // A file where the registry's folder should be.
-  WriteText(folder.path() / "blocked", "not a folder");
-  FileRegistry reg(folder.path() / "blocked" / "registry.json");
-  EXPECT_THROW(reg.Save("Quorvex", "Settings", "Handle", "srv"),
-               std::runtime_error);
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <vector>
 
 #include "model/label.h"
+#include "platform/scripted_prompter.h"
 #include "settings/memory_registry.h"
 #include "settings/menu_tree.h"
 #include "settings/settings_store.h"
@@ -13,46 +13,24 @@
 namespace quorvex {
 namespace {
 
-class ScriptedPrompter : public Prompter {
- public:
-  std::string InputBox(const std::string& prompt, const std::string& title,
-                       const std::string& default_text) override {
-    std::string answer;
-    if (!answers.empty()) {
-      answer = answers.front();
-      answers.pop_front();
-    }
-    shown.push_back({"input", title, prompt, default_text, answer});
-    return answer;
-  }
-  bool YesNo(const std::string&, const std::string&) override { return false; }
-  void MessageBox(const std::string&, const std::string&) override {}
-
-  std::deque<std::string> answers;  // "" when out: a Cancel
-  std::vector<PromptRecord> shown;
-};
-
+// Prompts, captions and the deliberate slips that a whole run already shows
+// (tests/scenarios/settings_menus.scn) are not repeated here.
 class SettingsMenuTest : public ::testing::Test {
  protected:
   SettingsMenuTest() {
     BuildMenuTree(menus);
     registry.Save(kApp, "Settings", "Loaded", "5");
     LoadSettings(settings, menus, registry, lblSent, "Host");
+    prompter.SetObserver([this](const PromptRecord& r) { shown.push_back(r); });
   }
 
-  // Clicks `name` answering `answer` to the box it shows.
+  // Clicks `name` answering `answer` ("" cancels) to the box it shows.
   void Click(const std::string& name, int index, const std::string& answer) {
-    prompter.answers = {answer};
+    if (!answer.empty()) prompter.QueueAnswer(answer);
     ASSERT_TRUE(ClickSettingsMenu(ctx, name, index)) << name;
-  }
-  void Click(const std::string& name, const std::string& answer) {
-    Click(name, 0, answer);
   }
   std::string Stored(const std::string& key) {
     return registry.GetSetting(kApp, "Settings", key, "<missing>");
-  }
-  const std::string& Caption(const std::string& name) {
-    return menus.Caption(name);
   }
 
   MemoryRegistry registry;
@@ -60,175 +38,122 @@ class SettingsMenuTest : public ::testing::Test {
   Settings settings;
   Label lblSent{"lblSent", "total: 0"};
   ScriptedPrompter prompter;
+  std::vector<PromptRecord> shown;
   bool server_on = false;
   int scroll_seconds = 0;
   SettingsMenuContext ctx{settings, menus,      registry,
                           prompter, &server_on, &scroll_seconds};
 };
 
-TEST_F(SettingsMenuTest, TextEntriesKeepTypedTextAndRefuseBlanks) {
-  Click("mnuHandle", "My Bot");
-  ASSERT_EQ(prompter.shown.size(), 1u);
-  EXPECT_EQ(prompter.shown[0].title, "handle");
-  EXPECT_EQ(prompter.shown[0].default_text, "Host");
-  EXPECT_EQ(settings.Handle, "My Bot");
-  EXPECT_EQ(Caption("mnuHandle"), "handle - [ My Bot ] ");
-  EXPECT_EQ(Stored("Handle"), "My Bot");
+TEST_F(SettingsMenuTest, TextAndOnOffEntries) {
+  Click("mnuHandle", 0, "My Bot");
+  EXPECT_EQ(shown.back().default_text, "Host");
   EXPECT_EQ(Stored("Version"), kVersion);
-
-  Click("mnuChatFont", "   ");
+  Click("mnuChatFont", 0, "   ");  // blanks are refused
   EXPECT_EQ(settings.ChatFont, "tahoma");
-  EXPECT_EQ(prompter.shown.back().title, "font name");
-}
+  EXPECT_EQ(shown.back().title, "font name");
 
-TEST_F(SettingsMenuTest, OnOffAcceptsAnyCaseButOnlyLowerOnIsOn) {
-  Click("mnuMailNotify", "On");
+  Click("mnuMailNotify", 0, "off");
+  Click("mnuMailNotify", 0, "maybe");
   EXPECT_FALSE(settings.MailNotify);
-  EXPECT_EQ(Stored("MailNotify"), "False");
-  Click("mnuMailNotify", "maybe");
-  EXPECT_FALSE(settings.MailNotify);
-  Click("mnuMailNotify", "on");
+  Click("mnuMailNotify", 0, "on");
   EXPECT_TRUE(settings.MailNotify);
-
-  // The resize entry asks as "mail notify" and captions itself "notify".
-  Click("mnuMailResize", "OFF");
-  EXPECT_EQ(prompter.shown.back().title, "mail notify");
-  EXPECT_EQ(Caption("mnuMailResize"), "notify - [ off ] ");
+  // The resize entry captions itself "notify" until the next load.
+  Click("mnuMailResize", 0, "OFF");
   LoadSettings(settings, menus, registry, lblSent, "Host");
-  EXPECT_EQ(Caption("mnuMailResize"), "resize - [ off ]");
-}
-
-TEST_F(SettingsMenuTest, BlockMaxZeroOrCancelMeansNoLimit) {
-  Click("mnuBMax", "0");
-  EXPECT_EQ(settings.BlockMax, 0);
-  Click("mnuBMax", "12abc");
-  EXPECT_EQ(settings.BlockMax, 12);
-  Click("mnuBMax", "");  // Cancel
-  EXPECT_EQ(settings.BlockMax, 0);
-  EXPECT_EQ(Caption("mnuBMax"), "max - [ N L ] ");
-  Click("mnuBMax", "40000");  // would not fit: refused
-  EXPECT_EQ(settings.BlockMax, 0);
+  EXPECT_EQ(menus.Caption("mnuMailResize"), "resize - [ off ]");
 }
 
 TEST_F(SettingsMenuTest, NumberEntriesCheckRangeThenRoundHalfEven) {
-  Click("mnuAOLRes", "");  // Cancel reads as 0: refused
-  EXPECT_EQ(settings.AOLRestart, 1000);
-  EXPECT_EQ(settings.AOLRestart, 1000);
-  Click("mnuAOLRes", "1");
-  EXPECT_EQ(Caption("mnuAOLRes"), "aol - [ off ] ");
-  Click("mnuSentRes", "2.5");
-  EXPECT_EQ(settings.SentRestart, 2);
-
-  Click("mnuMPList", "50.5");
-  EXPECT_EQ(settings.ListSize, 50);
-  Click("mnuMPList", "500.4");  // checked before rounding
-  EXPECT_EQ(settings.ListSize, 50);
-  Click("mnuMPList", "499.5");
-  EXPECT_EQ(settings.ListSize, 500);
-  Click("mnuFMininum", "0");
-  EXPECT_EQ(settings.FindMin, 2);
+  struct Step {
+    const char* menu;
+    const char* answer;
+    std::int16_t Settings::*field;
+    int want;
+  };
+  const Step steps[] = {
+      {"mnuAOLRes", "", &Settings::AOLRestart, 1000},  // Cancel reads as 0
+      {"mnuSentRes", "2.5", &Settings::SentRestart, 2},
+      {"mnuMPList", "500.4", &Settings::ListSize, 250},  // range first
+      {"mnuMPList", "499.5", &Settings::ListSize, 500},
+      {"mnuFMininum", "0", &Settings::FindMin, 2},
+      {"mnuBMax", "12abc", &Settings::BlockMax, 12},
+      {"mnuBMax", "40000", &Settings::BlockMax, 12},  // would not fit
+      {"mnuBMax", "", &Settings::BlockMax, 0},        // no limit
+  };
+  for (const Step& s : steps) {
+    Click(s.menu, 0, s.answer);
+    EXPECT_EQ(settings.*s.field, s.want) << s.menu << " " << s.answer;
+  }
 }
 
-TEST_F(SettingsMenuTest, BotScrollTakesZeroToThreeHundred) {
-  Click("mnuBScroll", 8, "301");
-  EXPECT_EQ(settings.BotScroll, 30);
-  EXPECT_TRUE(menus.Checked("mnuBScroll(4)"));
-  Click("mnuBScroll", 8, "0");
-  EXPECT_EQ(settings.BotScroll, 0);
-  EXPECT_EQ(Caption("mnuBotScroll"), "scroll - [ 0 ]");
-  EXPECT_TRUE(menus.Checked("mnuBScroll(8)"));
-  Click("mnuBScroll", 5, "");
-  EXPECT_EQ(settings.BotScroll, 45);
-  EXPECT_TRUE(menus.Checked("mnuBScroll(5)"));
+TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
+  struct Step {
+    const char* menu;
+    int index;
+    const char* answer;
+    const char* item;
+    const char* caption;
+    const char* checked;  // nullptr: not looked at
+  };
+  const Step steps[] = {
+      {"mnuBScroll", 5, "", "mnuBotScroll", "scroll - [ 45 ]", "mnuBScroll(5)"},
+      {"mnuLSend", 6, "17", "mnuLSend(6)", "custom - [ 17 ]", nullptr},
+      {"mnuLSend", 1, "", "mnuListSend", "send - [ 10]", nullptr},
+      {"mnuLSend", 1, "", "mnuLSend(6)", "custom", nullptr},
+      {"mnuLSend", 8, "", "mnuListSend", "send - [ O R ]", nullptr},
+      {"mnuLSend", 9, "", "mnuListSend", "send - [ N P ]", "mnuLSend(8)"},
+      {"mnuLSend", 4, "", "mnuListSend", "send - [ 60 ]", nullptr},
+      {"mnuMSpeed", 5, "0.25", "mnuMSpeed(5)", "custom - [ 0.25 ]",
+       "mnuMSpeed(5)"},
+      {"mnuMSpeed", 5, "1.5", "mnuMailSpeed", "speed - [ 0.25 ]", nullptr},
+      {"mnuFSpeed(2)", 0, "", "mnuFindSpeed", "speed - [ 0.3567 ]", nullptr},
+      {"mnuMSpeed", 3, "", "mnuMSpeed(5)", "custom", nullptr},
+      {"mnuMMethod", 1, "", "mnuMailMethod", "method - [ regular ]",
+       "mnuMMethod(1)"},
+  };
+  for (const Step& s : steps) {
+    Click(s.menu, s.index, s.answer);
+    EXPECT_EQ(menus.Caption(s.item), s.caption) << s.menu << " " << s.index;
+    if (s.checked) EXPECT_TRUE(menus.Checked(s.checked)) << s.checked;
+  }
+  // "if no pending" loses its mark to another preset, but stays on.
+  EXPECT_FALSE(menus.Checked("mnuLSend(9)"));
+  EXPECT_TRUE(settings.ListIfNoPending);
+  EXPECT_EQ(Stored("MailSpeed"), "0.6899");
+  EXPECT_FALSE(settings.MailMethod);
+}
 
-  // "now" asks nothing and only moves the advertisement's counter while
-  // the server runs.
-  size_t prompts = prompter.shown.size();
+// "now" asks nothing and, only while the server runs, moves the
+// advertisement's counter past its 30-second interval.
+TEST_F(SettingsMenuTest, BotScrollNow) {
   Click("mnuBScroll", 1, "");
   EXPECT_EQ(scroll_seconds, 0);
   server_on = true;
   Click("mnuBScroll", 1, "");
-  EXPECT_EQ(scroll_seconds, 55);
-  EXPECT_EQ(prompter.shown.size(), prompts);
+  EXPECT_EQ(scroll_seconds, 40);
+  EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(SettingsMenuTest, ListSendRule) {
-  Click("mnuLSend", 6, "1");
-  EXPECT_EQ(settings.ListAdvertise, 30);
-  Click("mnuLSend", 6, "1.5");
-  EXPECT_EQ(settings.ListAdvertise, 2);
-  EXPECT_EQ(Caption("mnuListSend"), "send - [ 2 ]");
-  EXPECT_EQ(settings.ListAdvertise, 2);
-
-  Click("mnuLSend", 1, "");
-  EXPECT_EQ(Caption("mnuListSend"), "send - [ 10]");
-  EXPECT_EQ(Caption("mnuLSend(6)"), "custom");
-  Click("mnuLSend", 8, "");
-  EXPECT_EQ(Caption("mnuListSend"), "send - [ O R ]");
-
-  Click("mnuLSend", 9, "");
-  EXPECT_TRUE(settings.ListIfNoPending);
-  EXPECT_TRUE(menus.Checked("mnuLSend(8)"));
-  EXPECT_EQ(Caption("mnuListSend"), "send - [ N P ]");
-  EXPECT_EQ(settings.ListAdvertise, 0);
-  Click("mnuLSend", 4, "");
-  EXPECT_EQ(Caption("mnuListSend"), "send - [ 60 ]");
-  EXPECT_FALSE(menus.Checked("mnuLSend(9)"));
-  EXPECT_TRUE(settings.ListIfNoPending);
-}
-
-TEST_F(SettingsMenuTest, SpeedPresetsAndTurbo) {
-  Click("mnuMSpeed", 5, "0");
-  EXPECT_EQ(settings.MailSpeed, 0.0f);
-  EXPECT_EQ(Caption("mnuMSpeed(5)"), "turbo - [ 0 ]");
-  EXPECT_TRUE(menus.Checked("mnuMSpeed(5)"));
-
-  Click("mnuMSpeed", 5, "1.5");
-  EXPECT_EQ(settings.MailSpeed, 0.0f);
-  Click("mnuMSpeed", 5, "0.25");
-  EXPECT_EQ(Caption("mnuMSpeed(5)"), "custom - [ 0.25 ]");
-  EXPECT_EQ(Stored("MailSpeed"), "0.25");
-
-  Click("mnuFSpeed(2)", 0, "");
-  EXPECT_EQ(Caption("mnuFindSpeed"), "speed - [ 0.3567 ]");
-  Click("mnuMSpeed", 3, "");
-  EXPECT_EQ(Caption("mnuMSpeed(5)"), "custom");
-  EXPECT_EQ(Stored("MailSpeed"), "0.6899");
-}
-
-TEST_F(SettingsMenuTest, FindsOffGreysOutRangeFinds) {
-  Click("mnuFEnable", 1, "off");
-  EXPECT_FALSE(settings.FindsEnable);
-  EXPECT_EQ(Caption("mnuFEnable(2)"), "enable x&&y - [ off ] ");
-  EXPECT_FALSE(menus.Enabled("mnuFEnable(2)"));
-  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuFEnable", 2));
-
-  Click("mnuFEnable", 1, "on");
-  EXPECT_TRUE(menus.Enabled("mnuFEnable(2)"));
-  EXPECT_FALSE(settings.FindsXYEnable);
-  Click("mnuFEnable", 2, "on");
-  EXPECT_TRUE(settings.FindsXYEnable);
-  EXPECT_EQ(Caption("mnuFEnable(2)"), "enable x&&y - [ on ] ");
-}
-
-TEST_F(SettingsMenuTest, MethodItemsAndDispatch) {
-  Click("mnuMMethod", 1, "");
-  EXPECT_FALSE(settings.MailMethod);
-  EXPECT_EQ(Caption("mnuMailMethod"), "method - [ regular ]");
-  EXPECT_TRUE(menus.Checked("mnuMMethod(1)"));
-
+TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   Click("mnuScrollMethod", 2, "");
   EXPECT_FALSE(settings.ScrollMethod);
   EXPECT_TRUE(menus.Checked("mnuScrollMethod(2)"));
   EXPECT_EQ(Stored("StatusMethod"), "False");
   EXPECT_EQ(Stored("ScrollMethod"), "<missing>");
-  EXPECT_TRUE(prompter.shown.empty());
+  EXPECT_TRUE(shown.empty());
 
+  Click("mnuFEnable", 1, "off");
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuFEnable", 2));  // greyed out
+  Click("mnuFEnable", 1, "on");
+  EXPECT_TRUE(ClickSettingsMenu(ctx, "mnuFEnable", 2));
+
+  shown.clear();
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed", 4));  // separator
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuLSend", 10));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMessages"));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "frmMessages.mnuHandle"));
-  EXPECT_TRUE(prompter.shown.empty());
+  EXPECT_TRUE(shown.empty());
 }
 
 }  // namespace
