@@ -11,7 +11,7 @@
 #include "client/client_context.h"
 #include "client/mailbox.h"
 #include "client/recording_api.h"
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"

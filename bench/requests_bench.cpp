@@ -9,10 +9,10 @@
 
 #include "model/label.h"
 #include "model/list_box.h"
+#include "ports/memory_registry.h"
 #include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
 #include "requests/request_parser.h"
-#include "settings/memory_registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -3,7 +3,7 @@
 # simulated chat room (extra arguments go to quorvex-sim).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-QUORVEX_WITH_GUI=0 scripts/setup.sh
+scripts/setup.sh
 cmake --preset default >/dev/null
 cmake --build --preset default -j2 --target quorvex-sim
 if (($#)); then

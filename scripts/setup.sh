@@ -5,9 +5,6 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           nlohmann-json3-dev libcli11-dev)
-if [[ "${QUORVEX_WITH_GUI:-0}" == 1 ]]; then
-  packages+=(qt6-base-dev)
-fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -11,10 +11,9 @@
 // printed with its line number.
 #include <fstream>
 #include <iostream>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 using nlohmann::json;
 
@@ -101,8 +100,8 @@ int main(int argc, char** argv) {
     for (const Expectation* x : pending_negatives)
       for (size_t i = from; i < to; ++i)
         if (Matches(x->pattern, events[i])) {
-          std::cerr << argv[2] << ":" << x->line << ": unwanted event found: "
-                    << events[i].dump() << "\n";
+          std::cerr << argv[2] << ":" << x->line
+                    << ": unwanted event found: " << events[i].dump() << "\n";
           return false;
         }
     pending_negatives.clear();
@@ -116,8 +115,8 @@ int main(int argc, char** argv) {
     size_t i = pos;
     while (i < events.size() && !Matches(w.pattern, events[i])) ++i;
     if (i == events.size()) {
-      std::cerr << argv[2] << ":" << w.line << ": not found after event "
-                << pos << ": " << w.pattern.dump() << "\n";
+      std::cerr << argv[2] << ":" << w.line << ": not found after event " << pos
+                << ": " << w.pattern.dump() << "\n";
       return 1;
     }
     if (!check_negatives(pos, i)) return 1;

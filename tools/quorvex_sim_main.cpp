@@ -40,7 +40,8 @@ int main(int argc, char** argv) {
   RunOptions options;
   // The demo is for reading: text unless a format was asked for.
   if (demo && cli.count("--format") == 0) format = "text";
-  options.format = format == "text" ? TranscriptFormat::kText : TranscriptFormat::kJsonl;
+  options.format =
+      format == "text" ? TranscriptFormat::kText : TranscriptFormat::kJsonl;
   std::string summary;
   if (demo) {
     options.on_final = [&summary, &scenario](const nlohmann::ordered_json& f) {

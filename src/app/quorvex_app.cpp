@@ -109,7 +109,7 @@ void QuorvexApp::Load() {
   const std::string ini = p.machine.AppPath() + "\\Quorvex.INI";
   frm_.pending.Load(PendingFile{p.profiles, p.machine.HostPath(ini),
                                 [&p, ini] { return p.machine.FileExists(ini); },
-                                [&p, ini] { p.machine.DeleteFile(ini); }},
+                                [&p, ini] { p.machine.RemoveFile(ini); }},
                     frm_.lblPending);
   Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
   Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +

@@ -16,7 +16,7 @@ namespace {
 Hwnd FindChatInput(WindowApi& api) {
   const Hwnd room = FindChatRoom(api);
   const Hwnd display = FindChild(api, room, "RICHCNTL");
-  return api.FindWindowEx(room, display, "RICHCNTL", nullptr);
+  return api.FindWindowExA(room, display, "RICHCNTL", nullptr);
 }
 
 }  // namespace
@@ -67,9 +67,9 @@ void ChatSend(const ClientContext& c, std::string_view text) {
 std::string GetChatInputText(WindowApi& api) {
   const Hwnd input = FindChatInput(api);
   if (!IsWindows2000(api)) return GetText(api, input);
-  const auto index = api.SendMessage(input, win::kEmLineIndex, 1, 0);
-  const auto length = api.SendMessage(input, win::kEmLineLength,
-                                      static_cast<std::uintptr_t>(index), 0);
+  const auto index = api.SendMessageA(input, win::kEmLineIndex, 1, 0);
+  const auto length = api.SendMessageA(input, win::kEmLineLength,
+                                       static_cast<std::uintptr_t>(index), 0);
   std::string text;
   const auto copied = api.SendMessageGetText(
       input, win::kEmGetLine, 1, &text,
@@ -80,7 +80,7 @@ std::string GetChatInputText(WindowApi& api) {
 }
 
 bool IsWindows2000(WindowApi& api) {
-  const OsVersion version = api.GetVersionEx();
+  const OsVersion version = api.GetVersionExA();
   return version.platform_id == 2 && version.major == 5;
 }
 
@@ -92,9 +92,9 @@ void GetRoomPeople(WindowApi& api, ListBox& list, bool unique) {
       api.OpenProcess(win::kProcessVmReadStd, false, process_id);
   if (process == 0) return;
 
-  const auto count = api.SendMessage(people, win::kLbGetCount, 0, 0);
+  const auto count = api.SendMessageA(people, win::kLbGetCount, 0, 0);
   for (std::intptr_t i = 0; i < count; ++i) {
-    const auto item = static_cast<std::uint32_t>(api.SendMessage(
+    const auto item = static_cast<std::uint32_t>(api.SendMessageA(
         people, win::kLbGetItemData, static_cast<std::uintptr_t>(i), 0));
     // A failed read leaves zeros: at worst an empty name, never added.
     unsigned char pointer[4] = {0, 0, 0, 0};

@@ -10,8 +10,8 @@ class ChatRoomTest : public ClientTest {
  protected:
   Hwnd Input() {
     const Hwnd room = FindChatRoom(api);
-    return api.FindWindowEx(room, FindChild(api, room, "RICHCNTL"), "RICHCNTL",
-                            nullptr);
+    return api.FindWindowExA(room, FindChild(api, room, "RICHCNTL"), "RICHCNTL",
+                             nullptr);
   }
 };
 

@@ -32,8 +32,8 @@
 #include <utility>
 #include <vector>
 
-#include "client/window_api.h"
-#include "platform/host.h"
+#include "ports/host.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "client/window_api.h"
-#include "platform/host.h"
+#include "ports/host.h"
+#include "ports/window_api.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -19,22 +19,22 @@ void RunClientMenu(WindowApi& api, int submenu, int item) {
   const Hwnd frame = FindFrame(api);
   const std::uint32_t id =
       api.GetMenuItemID(api.GetSubMenu(api.GetMenu(frame), submenu), item);
-  api.SendMessage(frame, win::kWmCommand, id, 0);
+  api.SendMessageA(frame, win::kWmCommand, id, 0);
 }
 
 void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
-  const Hwnd frame = c.api.FindWindowEx(0, 0, "AOL Frame25", nullptr);
+  const Hwnd frame = c.api.FindWindowExA(0, 0, "AOL Frame25", nullptr);
   const Hwnd first =
       FindChild(c.api, FindToolbarRow(c.api, frame), "_AOL_Icon");
   PostClickIcon(c.api, NextSibling(c.api, first, icon_number - 1));
 
   Hwnd menu = 0;
   WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowEx(0, 0, "#32768", nullptr);
+    menu = c.api.FindWindowExA(0, 0, "#32768", nullptr);
     return menu != 0 && c.api.IsWindowVisible(menu);
   });
   Pause(c.host, 0.5);
-  c.api.PostMessage(menu, win::kWmChar, static_cast<unsigned char>(letter), 0);
+  c.api.PostMessageA(menu, win::kWmChar, static_cast<unsigned char>(letter), 0);
 }
 
 void OpenOfflineMailbox(const ClientContext& c) {
@@ -48,13 +48,13 @@ void OpenOfflineMailbox(const ClientContext& c) {
 
   Hwnd menu = 0;
   WaitUntil(c.host, [&] {
-    menu = c.api.FindWindow("#32768", nullptr);
+    menu = c.api.FindWindowA("#32768", nullptr);
     return menu != 0 && c.api.IsWindowVisible(menu);
   });
   // Up twice, Right into the submenu, Return. The second Up has no key up;
   // the menu does not mind and it has always been sent so.
   PostKey(c.api, menu, win::kVkUp);
-  c.api.PostMessage(menu, win::kWmKeyDown, win::kVkUp, 0);
+  c.api.PostMessageA(menu, win::kWmKeyDown, win::kVkUp, 0);
   PostKey(c.api, menu, win::kVkRight);
   PostKey(c.api, menu, win::kVkReturn);
   c.api.SetCursorPos(saved.x, saved.y);
@@ -65,8 +65,8 @@ void Keyword(WindowApi& api, std::string_view address) {
   const Hwnd edit =
       FindChild(api, FindChild(api, row, "_AOL_Combobox"), "Edit");
   SetText(api, edit, address);
-  api.SendMessage(edit, win::kWmChar, win::kVkSpace, 0);
-  api.SendMessage(edit, win::kWmChar, win::kVkReturn, 0);
+  api.SendMessageA(edit, win::kWmChar, win::kVkSpace, 0);
+  api.SendMessageA(edit, win::kWmChar, win::kVkReturn, 0);
 }
 
 }  // namespace quorvex

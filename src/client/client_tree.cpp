@@ -7,7 +7,7 @@
 namespace quorvex {
 
 Hwnd FindFrame(WindowApi& api) {
-  return api.FindWindow("AOL Frame25", nullptr);
+  return api.FindWindowA("AOL Frame25", nullptr);
 }
 
 Hwnd FindMdiClient(WindowApi& api) {
@@ -15,7 +15,7 @@ Hwnd FindMdiClient(WindowApi& api) {
 }
 
 Hwnd FindDocument(WindowApi& api, const char* caption) {
-  return api.FindWindowEx(FindMdiClient(api), 0, "AOL Child", caption);
+  return api.FindWindowExA(FindMdiClient(api), 0, "AOL Child", caption);
 }
 
 Hwnd FindToolbarIcon(WindowApi& api, int n) {
@@ -27,7 +27,7 @@ Hwnd FindToolbarIcon(WindowApi& api, int n) {
 Hwnd FindClientChild(WindowApi& api, std::string_view caption) {
   const Hwnd mdi = FindMdiClient(api);
   const std::string wanted(caption);
-  if (Hwnd exact = api.FindWindowEx(mdi, 0, "AOL Child", wanted.c_str()))
+  if (Hwnd exact = api.FindWindowExA(mdi, 0, "AOL Child", wanted.c_str()))
     return exact;
   const Hwnd top = FindChild(api, mdi, "AOL Child");
   return GetCaption(api, top).find(wanted) != std::string::npos ? top : 0;
@@ -56,7 +56,7 @@ Hwnd FindClientChildWhere(WindowApi& api,
                           const std::function<bool(Hwnd)>& test) {
   const Hwnd mdi = FindMdiClient(api);
   for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
-       child = api.FindWindowEx(mdi, child, "AOL Child", nullptr)) {
+       child = api.FindWindowExA(mdi, child, "AOL Child", nullptr)) {
     if (test(child)) return child;
   }
   return 0;
@@ -72,7 +72,7 @@ Hwnd FindChatRoom(WindowApi& api) {
 Hwnd FindOpenMail(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
     const Hwnd rich = FindChild(api, w, "RICHCNTL");
-    return rich && !api.FindWindowEx(w, rich, "RICHCNTL", nullptr) &&
+    return rich && !api.FindWindowExA(w, rich, "RICHCNTL", nullptr) &&
            !FindChild(api, w, "_AOL_Combobox") &&
            !FindChild(api, w, "_AOL_FontCombo");
   });
@@ -96,7 +96,7 @@ Hwnd FindTabbedMailbox(WindowApi& api) {
 std::string GetUserSN(WindowApi& api) {
   const Hwnd mdi = FindMdiClient(api);
   for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
-       child = api.FindWindowEx(mdi, child, "AOL Child", nullptr)) {
+       child = api.FindWindowExA(mdi, child, "AOL Child", nullptr)) {
     const std::string caption = GetCaption(api, child);
     if (!StartsWith(caption, "Welcome, ")) continue;
     // Without the "!" the old runtime failed on a negative length; the

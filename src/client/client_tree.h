@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "client/client_context.h"
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 
@@ -17,7 +17,7 @@ inline constexpr const char* kMailWaiting = "Mail Waiting to be Sent";
 inline constexpr const char* kWriteMail = "Write Mail";
 inline constexpr const char* kSendIm = "Send Instant Message";
 
-// FindWindow("AOL Frame25", none).
+// FindWindowA("AOL Frame25", none).
 Hwnd FindFrame(WindowApi& api);
 // The frame's "MDIClient".
 Hwnd FindMdiClient(WindowApi& api);

@@ -6,20 +6,20 @@
 namespace quorvex {
 
 Hwnd FindDialog(WindowApi& api, const char* caption) {
-  return api.FindWindow("#32770", caption);
+  return api.FindWindowA("#32770", caption);
 }
 
 Hwnd FindClientBox(WindowApi& api, std::string_view static_text) {
   const std::string text(static_text);
-  for (Hwnd box = api.FindWindowEx(0, 0, "#32770", kClientBoxCaption); box;
-       box = api.FindWindowEx(0, box, "#32770", kClientBoxCaption)) {
-    if (api.FindWindowEx(box, 0, "Static", text.c_str())) return box;
+  for (Hwnd box = api.FindWindowExA(0, 0, "#32770", kClientBoxCaption); box;
+       box = api.FindWindowExA(0, box, "#32770", kClientBoxCaption)) {
+    if (api.FindWindowExA(box, 0, "Static", text.c_str())) return box;
   }
   return 0;
 }
 
 Hwnd FindDialogButton(WindowApi& api, Hwnd box, const char* caption) {
-  return api.FindWindowEx(box, 0, "Button", caption);
+  return api.FindWindowExA(box, 0, "Button", caption);
 }
 
 Hwnd FindErrorWindow(WindowApi& api) { return FindDocument(api, "Error"); }
@@ -33,17 +33,17 @@ void DismissErrorWindow(WindowApi& api, Hwnd error_window) {
 }
 
 Hwnd FindModalButton(WindowApi& api, const char* caption) {
-  for (Hwnd modal = api.FindWindowEx(0, 0, "_AOL_Modal", nullptr); modal;
-       modal = api.FindWindowEx(0, modal, "_AOL_Modal", nullptr)) {
-    if (Hwnd button = api.FindWindowEx(modal, 0, "_AOL_Button", caption))
+  for (Hwnd modal = api.FindWindowExA(0, 0, "_AOL_Modal", nullptr); modal;
+       modal = api.FindWindowExA(0, modal, "_AOL_Modal", nullptr)) {
+    if (Hwnd button = api.FindWindowExA(modal, 0, "_AOL_Button", caption))
       return button;
   }
   return 0;
 }
 
 void PressButton(WindowApi& api, Hwnd button) {
-  api.SendMessage(button, win::kWmKeyDown, win::kVkSpace, 0);
-  api.SendMessage(button, win::kWmKeyUp, win::kVkSpace, 0);
+  api.SendMessageA(button, win::kWmKeyDown, win::kVkSpace, 0);
+  api.SendMessageA(button, win::kWmKeyUp, win::kVkSpace, 0);
 }
 
 }  // namespace quorvex

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 

@@ -31,13 +31,13 @@ void SendIM(const ClientContext& c, std::string_view recipient,
 
   Hwnd box = 0;
   WaitUntil(c.host, [&] {
-    box = api.FindWindow("#32770", "America Online");
+    box = api.FindWindowA("#32770", "America Online");
     window = FindDocument(api, kSendIm);
     return box || !window;
   });
   if (!box) return;  // sent without an answer box
   PostKey(api, FindChild(api, box, "Button"), win::kVkSpace);
-  api.PostMessage(window, win::kWmClose, 0, 0);
+  api.PostMessageA(window, win::kWmClose, 0, 0);
 }
 
 void IMsOff(const ClientContext& c) { SendIM(c, "$IM_OFF", "=)"); }

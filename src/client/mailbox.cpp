@@ -19,12 +19,12 @@ Hwnd FindIncomingMail(WindowApi& api) {
 }
 
 int ListCount(WindowApi& api, Hwnd list) {
-  return static_cast<int>(api.SendMessage(list, win::kLbGetCount, 0, 0));
+  return static_cast<int>(api.SendMessageA(list, win::kLbGetCount, 0, 0));
 }
 
 std::string ListText(WindowApi& api, Hwnd list, int index) {
   const auto at = static_cast<std::uintptr_t>(index);
-  const auto length = api.SendMessage(list, win::kLbGetTextLen, at, 0);
+  const auto length = api.SendMessageA(list, win::kLbGetTextLen, at, 0);
   const auto buffer =
       static_cast<std::size_t>(std::max<std::intptr_t>(length, 0) + 1);
   std::string text;
@@ -114,8 +114,8 @@ void OpenMail(const ClientContext& c, int position) {
   const Hwnd tree = FindChild(api, FindIncomingMail(api), "_AOL_Tree");
   if (ListCount(api, tree) < position || !IsSignedOn(api)) return;
   DoEvents(c.host, 2);
-  api.SendMessage(tree, win::kLbSetCurSel,
-                  static_cast<std::uintptr_t>(position), 0);
+  api.SendMessageA(tree, win::kLbSetCurSel,
+                   static_cast<std::uintptr_t>(position), 0);
   PostKey(api, tree, win::kVkReturn);
 }
 

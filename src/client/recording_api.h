@@ -61,32 +61,32 @@ class RecordingApi : public WindowApi, public SimObserver {
   }
 
   // WindowApi.
-  Hwnd FindWindow(const char* c, const char* t) override {
-    return sim_.FindWindow(c, t);
+  Hwnd FindWindowA(const char* c, const char* t) override {
+    return sim_.FindWindowA(c, t);
   }
-  Hwnd FindWindowEx(Hwnd p, Hwnd a, const char* c, const char* t) override {
-    return sim_.FindWindowEx(p, a, c, t);
+  Hwnd FindWindowExA(Hwnd p, Hwnd a, const char* c, const char* t) override {
+    return sim_.FindWindowExA(p, a, c, t);
   }
   Hwnd GetWindow(Hwnd h, unsigned cmd) override {
     return sim_.GetWindow(h, cmd);
   }
-  std::string GetClassName(Hwnd h, int n) override {
-    return sim_.GetClassName(h, n);
+  std::string GetClassNameA(Hwnd h, int n) override {
+    return sim_.GetClassNameA(h, n);
   }
-  int GetWindowTextLength(Hwnd h) override {
-    return sim_.GetWindowTextLength(h);
+  int GetWindowTextLengthA(Hwnd h) override {
+    return sim_.GetWindowTextLengthA(h);
   }
-  std::string GetWindowText(Hwnd h, int n) override {
-    return sim_.GetWindowText(h, n);
+  std::string GetWindowTextA(Hwnd h, int n) override {
+    return sim_.GetWindowTextA(h, n);
   }
   bool IsWindow(Hwnd h) override { return sim_.IsWindow(h); }
   bool IsWindowVisible(Hwnd h) override { return sim_.IsWindowVisible(h); }
-  std::intptr_t SendMessage(Hwnd h, unsigned msg, std::uintptr_t w,
-                            std::intptr_t l) override {
+  std::intptr_t SendMessageA(Hwnd h, unsigned msg, std::uintptr_t w,
+                             std::intptr_t l) override {
     messages.push_back({h, msg, w, false});
     if (IsClearedDisplay(h) && msg == win::kWmGetTextLength)
       return static_cast<std::intptr_t>(DisplayText().size());
-    return sim_.SendMessage(h, msg, w, l);
+    return sim_.SendMessageA(h, msg, w, l);
   }
   std::intptr_t SendMessageGetText(Hwnd h, unsigned msg, std::uintptr_t w,
                                    std::string* out,
@@ -107,10 +107,10 @@ class RecordingApi : public WindowApi, public SimObserver {
     }
     return sim_.SendMessageSetText(h, msg, w, text);
   }
-  bool PostMessage(Hwnd h, unsigned msg, std::uintptr_t w,
-                   std::intptr_t l) override {
+  bool PostMessageA(Hwnd h, unsigned msg, std::uintptr_t w,
+                    std::intptr_t l) override {
     messages.push_back({h, msg, w, true});
-    return sim_.PostMessage(h, msg, w, l);
+    return sim_.PostMessageA(h, msg, w, l);
   }
   Hmenu GetMenu(Hwnd h) override { return sim_.GetMenu(h); }
   Hmenu GetSubMenu(Hmenu m, int p) override { return sim_.GetSubMenu(m, p); }
@@ -138,7 +138,7 @@ class RecordingApi : public WindowApi, public SimObserver {
     return sim_.ReadProcessMemory(p, address, buffer, size, read);
   }
   void CloseHandle(ProcessHandle p) override { sim_.CloseHandle(p); }
-  OsVersion GetVersionEx() override { return sim_.GetVersionEx(); }
+  OsVersion GetVersionExA() override { return sim_.GetVersionExA(); }
 
  private:
   bool IsClearedDisplay(Hwnd h) {

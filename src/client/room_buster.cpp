@@ -17,7 +17,7 @@ constexpr const char* kRoomAddress = "aol://2719:2-2-";
 
 // The client's message box: here, the refusal of a full room.
 Hwnd FindClientMessageBox(WindowApi& api) {
-  return api.FindWindow("#32770", kClientBoxCaption);
+  return api.FindWindowA("#32770", kClientBoxCaption);
 }
 
 // Whether the client's current room is the wanted one. The client's

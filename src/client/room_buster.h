@@ -11,7 +11,7 @@
 #include "client/client_context.h"
 #include "model/controls.h"
 #include "model/label.h"
-#include "platform/host.h"
+#include "ports/host.h"
 
 namespace quorvex {
 

@@ -38,7 +38,7 @@ TEST_F(RoomBusterTest, BustsAFullRoomThenClosesFresh) {
   Run(30);
   EXPECT_EQ(sim.current_room(), "Private Room");
   ExpectIdle();
-  EXPECT_EQ(api.FindWindow("#32770", nullptr), 0u);  // refusals dismissed
+  EXPECT_EQ(api.FindWindowA("#32770", nullptr), 0u);  // refusals dismissed
   EXPECT_EQ(restarts, 0);
 
   // The exit stops a bust under way without a word; the window opens fresh.

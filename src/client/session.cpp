@@ -55,7 +55,7 @@ void CloseComposeWindows(const SessionContext& s) {
   WaitUntil(s.client.host, [&] { return FindComposeWindow(api) == 0; },
             {.every = 1, .repeat = [&] {
                const Hwnd compose = FindComposeWindow(api);
-               api.SendMessage(compose, win::kWmDestroy, 0, 0);
+               api.SendMessageA(compose, win::kWmDestroy, 0, 0);
                CloseWindow(api, compose);
              }});
 }
@@ -64,11 +64,11 @@ void CloseClient(const SessionContext& s) {
   WindowApi& api = s.client.api;
   if (FindFrame(api) == 0) return;
   SetStatus(s, "status: closing aol");
-  api.PostMessage(FindFrame(api), win::kWmClose, 0, 0);
+  api.PostMessageA(FindFrame(api), win::kWmClose, 0, 0);
   // A frame still there after 100 pauses is asked again.
   WaitUntil(s.client.host, [&] { return FindFrame(api) == 0; },
             {.speed = kCloseWait, .every = kCloseRounds, .repeat = [&] {
-               api.PostMessage(FindFrame(api), win::kWmClose, 0, 0);
+               api.PostMessageA(FindFrame(api), win::kWmClose, 0, 0);
              }});
 }
 
@@ -101,7 +101,7 @@ void SignOn(const SessionContext& s) {
 
     // The progress modal names its step while signing on; any other text
     // is an error to dismiss before trying again.
-    const Hwnd modal = api.FindWindow("_AOL_Modal", nullptr);
+    const Hwnd modal = api.FindWindowA("_AOL_Modal", nullptr);
     const std::string text =
         LCase(GetText(api, FindChild(api, modal, "_AOL_Static")));
     bool in_progress = false;
@@ -121,7 +121,7 @@ void CloseSignOnWindows(const SessionContext& s) {
   SetStatus(s, "status: closing windows");
   for (int i = 0; i < 10; ++i)
     CloseWindow(api,
-                api.FindWindowEx(FindMdiClient(api), 0, "aol child", nullptr));
+                api.FindWindowExA(FindMdiClient(api), 0, "aol child", nullptr));
 }
 
 void OpenFlashmail(const SessionContext& s) {
@@ -230,15 +230,15 @@ void SetMailPreferences(const ClientContext& c) {
 
   // Its "Mail" tab opens the page, a modal of check boxes.
   auto click_mail_tab = [&] {
-    ClickIcon(api, api.FindWindowEx(FindDocument(api, "Preferences"), 0,
-                                    "_AOL_Icon", "Mail"));
+    ClickIcon(api, api.FindWindowExA(FindDocument(api, "Preferences"), 0,
+                                     "_AOL_Icon", "Mail"));
   };
   click_mail_tab();
   Hwnd page = 0;
   if (WaitUntil(c.host,
                 [&] {
-                  return (page = api.FindWindow("_AOL_Modal",
-                                                "Mail Preferences")) != 0;
+                  return (page = api.FindWindowA("_AOL_Modal",
+                                                 "Mail Preferences")) != 0;
                 },
                 {.give_up = signed_off,
                  .every = kAskAgainRounds,
@@ -247,12 +247,12 @@ void SetMailPreferences(const ClientContext& c) {
 
   // A click toggles a box: only those not yet as wanted are clicked.
   for (const MailPreference& p : kMailPreferences) {
-    const Hwnd box = api.FindWindowEx(page, 0, "_AOL_Checkbox", p.label);
-    if (box != 0 && api.SendMessage(box, kBmGetCheck, 0, 0) != p.checked)
+    const Hwnd box = api.FindWindowExA(page, 0, "_AOL_Checkbox", p.label);
+    if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }
   auto click_ok = [&] {
-    ClickIcon(api, api.FindWindowEx(page, 0, "_AOL_icon", "OK"));
+    ClickIcon(api, api.FindWindowExA(page, 0, "_AOL_icon", "OK"));
   };
   click_ok();
   WaitUntil(

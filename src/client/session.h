@@ -9,8 +9,8 @@
 #include "client/client_context.h"
 #include "client/room_buster.h"
 #include "model/label.h"
-#include "platform/machine.h"
-#include "settings/profile_file.h"
+#include "ports/machine.h"
+#include "ports/profile_file.h"
 
 namespace quorvex {
 

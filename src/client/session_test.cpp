@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "client/test_client.h"
-#include "platform/folder_machine.h"
-#include "settings/ini_profile_file.h"
+#include "sim/folder_machine.h"
+#include "sim/ini_profile_file.h"
 
 namespace quorvex {
 namespace {
@@ -55,8 +55,8 @@ class SessionTest : public ClientTest {
     std::set<Hwnd> icons;
     bool watching = true;
     std::function<void()> watch = [&] {
-      if (Hwnd m = sim.FindWindow("_AOL_Modal", "Sign On"))
-        icons.insert(sim.FindWindowEx(m, 0, "_AOL_Icon", nullptr));
+      if (Hwnd m = sim.FindWindowA("_AOL_Modal", "Sign On"))
+        icons.insert(sim.FindWindowExA(m, 0, "_AOL_Icon", nullptr));
       if (watching) host.Schedule(0.1, watch);
     };
     host.Schedule(0.1, watch);
@@ -117,10 +117,10 @@ TEST_F(SessionTest, RestartsASignedOffClientBackIntoItsFullRoom) {
   for (const MailPreference& p : kMailPreferences)
     EXPECT_EQ(sim.Preference(p.label), p.checked) << p.label;
   EXPECT_EQ(sim.Preference("Show addresses as hyperlinks"), 0);
-  EXPECT_EQ(api.FindWindow("_AOL_Modal", nullptr), 0u);
+  EXPECT_EQ(api.FindWindowA("_AOL_Modal", nullptr), 0u);
   EXPECT_EQ(FindDocument(api, "Preferences"), 0u);
   EXPECT_EQ(FindDocument(api, "Buddy List Window"), 0u);
-  EXPECT_EQ(api.FindWindow("#32770", nullptr), 0u);
+  EXPECT_EQ(api.FindWindowA("#32770", nullptr), 0u);
 
   // Signed off, the keyword opens nothing: the preferences step gives up.
   sim.SignOff();

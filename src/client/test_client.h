@@ -17,7 +17,7 @@
 #include "client/recording_api.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"

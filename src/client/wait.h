@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/host.h"
+#include "ports/host.h"
 
 namespace quorvex {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 
 namespace quorvex {
 namespace {

@@ -27,12 +27,12 @@ Hwnd FindChildWhere(WindowApi& api, Hwnd parent, std::string_view wanted,
 Hwnd FindChildByClass(WindowApi& api, Hwnd parent,
                       std::string_view class_name) {
   return FindChildWhere(api, parent, class_name,
-                        [&](Hwnd h) { return api.GetClassName(h, 250); });
+                        [&](Hwnd h) { return api.GetClassNameA(h, 250); });
 }
 
 Hwnd FindChildByTitle(WindowApi& api, Hwnd parent, std::string_view text) {
   return FindChildWhere(api, parent, text, [&](Hwnd h) {
-    return api.GetWindowText(h, api.GetWindowTextLength(h) + 1);
+    return api.GetWindowTextA(h, api.GetWindowTextLengthA(h) + 1);
   });
 }
 
@@ -44,7 +44,7 @@ Hwnd FindNthChildAfter(WindowApi& api, Hwnd parent, Hwnd after,
                        const char* class_name, int n) {
   Hwnd found = after;
   for (int i = 0; i < n; ++i)
-    found = api.FindWindowEx(parent, found, class_name, nullptr);
+    found = api.FindWindowExA(parent, found, class_name, nullptr);
   return found;
 }
 
@@ -54,16 +54,16 @@ Hwnd NextSibling(WindowApi& api, Hwnd hwnd, int steps) {
 }
 
 Hwnd FindChild(WindowApi& api, Hwnd parent, const char* class_name) {
-  return api.FindWindowEx(parent, 0, class_name, nullptr);
+  return api.FindWindowExA(parent, 0, class_name, nullptr);
 }
 
 std::string GetCaption(WindowApi& api, Hwnd hwnd) {
-  const int length = api.GetWindowTextLength(hwnd);
-  return api.GetWindowText(hwnd, std::max(length, 0) + 1);
+  const int length = api.GetWindowTextLengthA(hwnd);
+  return api.GetWindowTextA(hwnd, std::max(length, 0) + 1);
 }
 
 std::string GetText(WindowApi& api, Hwnd hwnd) {
-  const auto length = api.SendMessage(hwnd, win::kWmGetTextLength, 0, 0);
+  const auto length = api.SendMessageA(hwnd, win::kWmGetTextLength, 0, 0);
   const auto buffer =
       static_cast<std::size_t>(std::max<std::intptr_t>(length, 0) + 1);
   std::string text;
@@ -76,29 +76,29 @@ void SetText(WindowApi& api, Hwnd hwnd, std::string_view text) {
 }
 
 void CloseWindow(WindowApi& api, Hwnd hwnd) {
-  api.SendMessage(hwnd, win::kWmClose, 0, 0);
+  api.SendMessageA(hwnd, win::kWmClose, 0, 0);
 }
 
 void ClickIcon(WindowApi& api, Hwnd icon) {
-  api.SendMessage(icon, win::kWmLButtonDown, 0, 0);
-  api.SendMessage(icon, win::kWmLButtonUp, 0, 0);
+  api.SendMessageA(icon, win::kWmLButtonDown, 0, 0);
+  api.SendMessageA(icon, win::kWmLButtonUp, 0, 0);
 }
 
 void PostClickIcon(WindowApi& api, Hwnd icon) {
-  api.PostMessage(icon, win::kWmLButtonDown, 0, 0);
-  api.PostMessage(icon, win::kWmLButtonUp, 0, 0);
+  api.PostMessageA(icon, win::kWmLButtonDown, 0, 0);
+  api.PostMessageA(icon, win::kWmLButtonUp, 0, 0);
 }
 
 void SendChar(WindowApi& api, Hwnd hwnd, int char_code) {
   if (api.IsWindow(hwnd))
-    api.SendMessage(hwnd, win::kWmChar, static_cast<std::uintptr_t>(char_code),
-                    0);
+    api.SendMessageA(hwnd, win::kWmChar, static_cast<std::uintptr_t>(char_code),
+                     0);
 }
 
 void PostKey(WindowApi& api, Hwnd hwnd, int virtual_key) {
   const auto key = static_cast<std::uintptr_t>(virtual_key);
-  api.PostMessage(hwnd, win::kWmKeyDown, key, 0);
-  api.PostMessage(hwnd, win::kWmKeyUp, key, 0);
+  api.PostMessageA(hwnd, win::kWmKeyDown, key, 0);
+  api.PostMessageA(hwnd, win::kWmKeyUp, key, 0);
 }
 
 void HideWindow(WindowApi& api, Hwnd hwnd) {

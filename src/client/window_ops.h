@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 
@@ -16,8 +16,8 @@ Hwnd FindChildByClass(WindowApi& api, Hwnd parent, std::string_view class_name);
 // The same walk over captions.
 Hwnd FindChildByTitle(WindowApi& api, Hwnd parent, std::string_view text);
 
-// The n-th child (from 1) of a class: FindWindowEx again with the previous
-// match as "after", n - 1 times. As with FindWindowEx, a step that finds
+// The n-th child (from 1) of a class: FindWindowExA again with the previous
+// match as "after", n - 1 times. As with FindWindowExA, a step that finds
 // nothing makes the next one start from the first child again.
 Hwnd FindNthChild(WindowApi& api, Hwnd parent, const char* class_name, int n);
 // The n-th child of a class counted on after `after` (n = 1: the next one).
@@ -25,10 +25,10 @@ Hwnd FindNthChildAfter(WindowApi& api, Hwnd parent, Hwnd after,
                        const char* class_name, int n);
 // `steps` times GetWindow(GW_HWNDNEXT).
 Hwnd NextSibling(WindowApi& api, Hwnd hwnd, int steps = 1);
-// FindWindowEx(parent, none, class, none).
+// FindWindowExA(parent, none, class, none).
 Hwnd FindChild(WindowApi& api, Hwnd parent, const char* class_name);
 
-// GetWindowTextLength, then GetWindowText with length + 1.
+// GetWindowTextLengthA, then GetWindowTextA with length + 1.
 std::string GetCaption(WindowApi& api, Hwnd hwnd);
 // WM_GETTEXTLENGTH, then WM_GETTEXT with length + 1.
 std::string GetText(WindowApi& api, Hwnd hwnd);

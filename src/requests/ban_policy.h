@@ -8,8 +8,8 @@
 #include "model/controls.h"
 #include "model/label.h"
 #include "model/list_box.h"
+#include "ports/registry.h"
 #include "requests/pending_queue.h"
-#include "settings/registry.h"
 
 namespace quorvex {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

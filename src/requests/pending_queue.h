@@ -23,9 +23,9 @@
 
 #include "model/label.h"
 #include "model/list_box.h"
-#include "platform/prompter.h"
+#include "ports/profile_file.h"
+#include "ports/prompter.h"
 #include "requests/serve_counters.h"
-#include "settings/profile_file.h"
 
 namespace quorvex {
 

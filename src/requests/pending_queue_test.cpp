@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/scripted_prompter.h"
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
+#include "ports/scripted_prompter.h"
 
 namespace quorvex {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "model/label.h"
-#include "settings/registry.h"
+#include "ports/registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -185,7 +185,7 @@ TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
   EXPECT_EQ(frm.lstLists.Items(), (Lines{"1 121", "2 122", "3 123"}));
   EXPECT_EQ(frm.lblMails.caption(), "mails: 123");
   EXPECT_EQ(statuses.front(), "status: making/sending list #1");
-  EXPECT_EQ(sim.FindWindow("_AOL_Modal", "Automatic AOL"), 0u);
+  EXPECT_EQ(sim.FindWindowA("_AOL_Modal", "Automatic AOL"), 0u);
 }
 
 TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {

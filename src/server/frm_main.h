@@ -11,21 +11,21 @@
 #include <vector>
 
 #include "client/room_buster.h"
-#include "client/window_api.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "model/menu.h"
-#include "platform/host.h"
-#include "platform/machine.h"
-#include "platform/prompter.h"
+#include "ports/host.h"
+#include "ports/machine.h"
+#include "ports/profile_file.h"
+#include "ports/prompter.h"
+#include "ports/registry.h"
+#include "ports/window_api.h"
 #include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
 #include "requests/room_view.h"
 #include "requests/serve_counters.h"
 #include "server/pausing_form.h"
 #include "settings/messages.h"
-#include "settings/profile_file.h"
-#include "settings/registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -109,7 +109,7 @@ void RunAutomaticAol(const ClientContext& c) {
   if (WaitUntil(
           c.host,
           [&] {
-            session = api.FindWindow("_AOL_Modal", kSessionCaption);
+            session = api.FindWindowA("_AOL_Modal", kSessionCaption);
             return session != 0;
           },
           {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=

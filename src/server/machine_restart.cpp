@@ -120,7 +120,7 @@ void CPURestart(FrmMain& frm, const ClientContext& c) {
   // The client may ignore a close; it is asked again every 40 seconds.
   while (Hwnd frame = FindFrame(c.api)) {
     frm.SetStatus("status: closing aol");
-    c.api.PostMessage(frame, win::kWmClose, 0, 0);
+    c.api.PostMessageA(frame, win::kWmClose, 0, 0);
     WaitUntil(c.host, [&c] { return FindFrame(c.api) == 0; },
               {.speed = 0.4f, .rounds = kClosePolls});
   }
@@ -130,7 +130,7 @@ void CPURestart(FrmMain& frm, const ClientContext& c) {
 
   const std::string copying = "status: copying quorvex(be patient)";
   frm.SetStatus(copying);
-  p.machine.CopyFile(
+  p.machine.CopyFileBytes(
       ProgramPath(p.machine), kRestartCopy,
       [&frm, &copying](std::int64_t done, std::int64_t total) {
         if (total <= 0) return;
@@ -170,7 +170,7 @@ void ResumeServing(ServeEngine& engine, FrmMain& frm, const ClientContext& c) {
 
   // One file on Windows under either spelling.
   for (const char* file : {kRestartCopy, "C:\\Windows\\RestartSettings.ini"})
-    if (p.machine.FileExists(file)) p.machine.DeleteFile(file);
+    if (p.machine.FileExists(file)) p.machine.RemoveFile(file);
   p.profiles.WriteString(p.machine.HostPath(kWinIni), "Windows", "load",
                          std::string());
 

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "client/client_context.h"
-#include "platform/host.h"
-#include "platform/machine.h"
+#include "ports/host.h"
+#include "ports/machine.h"
+#include "ports/profile_file.h"
 #include "server/frm_main.h"
-#include "settings/profile_file.h"
 
 namespace quorvex {
 

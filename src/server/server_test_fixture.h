@@ -13,12 +13,12 @@
 #include <vector>
 
 #include "client/client_context.h"
-#include "platform/folder_machine.h"
-#include "platform/scripted_prompter.h"
-#include "platform/virtual_host.h"
+#include "ports/memory_registry.h"
+#include "ports/scripted_prompter.h"
+#include "ports/virtual_host.h"
 #include "server/frm_main.h"
-#include "settings/ini_profile_file.h"
-#include "settings/memory_registry.h"
+#include "sim/folder_machine.h"
+#include "sim/ini_profile_file.h"
 #include "sim/sim_client.h"
 #include "sim/sim_recorder.h"
 #include "sim/sim_world.h"

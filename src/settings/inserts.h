@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/host.h"
+#include "ports/host.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "ports/registry.h"
 #include "settings/messages.h"
-#include "settings/registry.h"
 
 namespace quorvex {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
 #include "settings/messages.h"
 #include "settings/settings.h"
 

@@ -8,7 +8,7 @@
 
 #include "model/controls.h"
 #include "model/list_box.h"
-#include "settings/registry.h"
+#include "ports/registry.h"
 
 namespace quorvex {
 

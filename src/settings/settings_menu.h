@@ -7,8 +7,8 @@
 #include <string>
 
 #include "model/menu.h"
-#include "platform/prompter.h"
-#include "settings/registry.h"
+#include "ports/prompter.h"
+#include "ports/registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "model/label.h"
-#include "platform/scripted_prompter.h"
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
+#include "ports/scripted_prompter.h"
 #include "settings/menu_tree.h"
 #include "settings/settings_store.h"
 

@@ -5,7 +5,7 @@
 
 #include "model/label.h"
 #include "model/menu.h"
-#include "settings/registry.h"
+#include "ports/registry.h"
 #include "settings/settings.h"
 
 namespace quorvex {

@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 

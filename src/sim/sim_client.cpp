@@ -306,12 +306,12 @@ void SimClient::OnDestroyed(const SimWindow& w) {
 
 // --- WindowApi: windows ---
 
-Hwnd SimClient::FindWindow(const char* class_name, const char* caption) {
+Hwnd SimClient::FindWindowA(const char* class_name, const char* caption) {
   return tree_.Find(0, 0, class_name, caption);
 }
 
-Hwnd SimClient::FindWindowEx(Hwnd parent, Hwnd child_after,
-                             const char* class_name, const char* caption) {
+Hwnd SimClient::FindWindowExA(Hwnd parent, Hwnd child_after,
+                              const char* class_name, const char* caption) {
   return tree_.Find(parent, child_after, class_name, caption);
 }
 
@@ -319,18 +319,18 @@ Hwnd SimClient::GetWindow(Hwnd hwnd, unsigned cmd) {
   return tree_.Walk(hwnd, cmd);
 }
 
-std::string SimClient::GetClassName(Hwnd hwnd, int max_chars) {
+std::string SimClient::GetClassNameA(Hwnd hwnd, int max_chars) {
   const SimWindow* w = tree_.Get(hwnd);
   if (!w || max_chars <= 0) return "";
   return w->class_name.substr(0, static_cast<std::size_t>(max_chars - 1));
 }
 
-int SimClient::GetWindowTextLength(Hwnd hwnd) {
+int SimClient::GetWindowTextLengthA(Hwnd hwnd) {
   const SimWindow* w = tree_.Get(hwnd);
   return w ? static_cast<int>(w->text.size()) : 0;
 }
 
-std::string SimClient::GetWindowText(Hwnd hwnd, int max_chars) {
+std::string SimClient::GetWindowTextA(Hwnd hwnd, int max_chars) {
   const SimWindow* w = tree_.Get(hwnd);
   if (!w || max_chars <= 0) return "";
   return w->text.substr(0, static_cast<std::size_t>(max_chars - 1));
@@ -468,9 +468,9 @@ void SimClient::RunFrameCommand(std::uint32_t id) {
 
 // --- WindowApi: messages ---
 
-std::intptr_t SimClient::SendMessage(Hwnd hwnd, unsigned msg,
-                                     std::uintptr_t wparam,
-                                     std::intptr_t lparam) {
+std::intptr_t SimClient::SendMessageA(Hwnd hwnd, unsigned msg,
+                                      std::uintptr_t wparam,
+                                      std::intptr_t lparam) {
   return Dispatch(hwnd, msg, wparam, lparam);
 }
 
@@ -530,8 +530,8 @@ std::intptr_t SimClient::SendMessageSetText(Hwnd hwnd, unsigned msg,
   return 1;
 }
 
-bool SimClient::PostMessage(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
-                            std::intptr_t lparam) {
+bool SimClient::PostMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
+                             std::intptr_t lparam) {
   if (!tree_.Exists(hwnd)) return false;
   Later(
       0,

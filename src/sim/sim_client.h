@@ -24,8 +24,8 @@
 #include <string_view>
 #include <vector>
 
-#include "client/window_api.h"
-#include "platform/host.h"
+#include "ports/host.h"
+#include "ports/window_api.h"
 #include "sim/popup_menu.h"
 #include "sim/sim_knobs.h"
 #include "sim/sim_memory.h"
@@ -122,25 +122,25 @@ class SimClient : public WindowApi {
   Point WindowSize(Hwnd hwnd) const;
 
   // --- WindowApi ---
-  Hwnd FindWindow(const char* class_name, const char* caption) override;
-  Hwnd FindWindowEx(Hwnd parent, Hwnd child_after, const char* class_name,
-                    const char* caption) override;
+  Hwnd FindWindowA(const char* class_name, const char* caption) override;
+  Hwnd FindWindowExA(Hwnd parent, Hwnd child_after, const char* class_name,
+                     const char* caption) override;
   Hwnd GetWindow(Hwnd hwnd, unsigned cmd) override;
-  std::string GetClassName(Hwnd hwnd, int max_chars) override;
-  int GetWindowTextLength(Hwnd hwnd) override;
-  std::string GetWindowText(Hwnd hwnd, int max_chars) override;
+  std::string GetClassNameA(Hwnd hwnd, int max_chars) override;
+  int GetWindowTextLengthA(Hwnd hwnd) override;
+  std::string GetWindowTextA(Hwnd hwnd, int max_chars) override;
   bool IsWindow(Hwnd hwnd) override;
   bool IsWindowVisible(Hwnd hwnd) override;
-  std::intptr_t SendMessage(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
-                            std::intptr_t lparam) override;
+  std::intptr_t SendMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
+                             std::intptr_t lparam) override;
   std::intptr_t SendMessageGetText(Hwnd hwnd, unsigned msg,
                                    std::uintptr_t wparam, std::string* out,
                                    std::size_t buffer_chars) override;
   std::intptr_t SendMessageSetText(Hwnd hwnd, unsigned msg,
                                    std::uintptr_t wparam,
                                    std::string_view text) override;
-  bool PostMessage(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
-                   std::intptr_t lparam) override;
+  bool PostMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
+                    std::intptr_t lparam) override;
   Hmenu GetMenu(Hwnd hwnd) override;
   Hmenu GetSubMenu(Hmenu menu, int position) override;
   std::uint32_t GetMenuItemID(Hmenu menu, int position) override;
@@ -159,7 +159,7 @@ class SimClient : public WindowApi {
                          void* buffer, std::size_t size,
                          std::size_t* bytes_read) override;
   void CloseHandle(ProcessHandle handle) override;
-  OsVersion GetVersionEx() override { return knobs_.os; }
+  OsVersion GetVersionExA() override { return knobs_.os; }
 
  private:
   // What a document or top-level window is.

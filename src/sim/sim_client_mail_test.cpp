@@ -23,11 +23,11 @@ class SimMailTest : public ::testing::Test {
   Hwnd OpenOfflineMailbox() {
     rig_.PostClick(rig_.ToolbarIcon(3));
     Hwnd menu = 0;
-    while (!(menu = api_.FindWindow("#32768", nullptr)) ||
+    while (!(menu = api_.FindWindowA("#32768", nullptr)) ||
            !api_.IsWindowVisible(menu))
       rig_.host.DoEvents();
     rig_.PostKey(menu, win::kVkUp);
-    api_.PostMessage(menu, win::kWmKeyDown, win::kVkUp, 0);
+    api_.PostMessageA(menu, win::kWmKeyDown, win::kVkUp, 0);
     rig_.PostKey(menu, win::kVkRight);
     rig_.PostKey(menu, win::kVkReturn);
     rig_.Run(0.2);
@@ -36,30 +36,30 @@ class SimMailTest : public ::testing::Test {
   void RunToolbarMenu(char letter) {
     rig_.PostClick(rig_.ToolbarIcon(3));
     rig_.Run(0.2);
-    api_.PostMessage(api_.FindWindow("#32768", nullptr), win::kWmChar,
-                     static_cast<unsigned char>(letter), 0);
+    api_.PostMessageA(api_.FindWindowA("#32768", nullptr), win::kWmChar,
+                      static_cast<unsigned char>(letter), 0);
     rig_.Run(0.2);
   }
   std::string Item(Hwnd tree, int i) {
-    auto n = api_.SendMessage(tree, win::kLbGetTextLen, i, 0);
+    auto n = api_.SendMessageA(tree, win::kLbGetTextLen, i, 0);
     std::string s;
     api_.SendMessageGetText(tree, win::kLbGetText, i, &s,
                             static_cast<std::size_t>(n) + 1);
     return s;
   }
   std::intptr_t Count(Hwnd tree) {
-    return api_.SendMessage(tree, win::kLbGetCount, 0, 0);
+    return api_.SendMessageA(tree, win::kLbGetCount, 0, 0);
   }
   Hwnd FindByChildren(bool compose) {
-    for (Hwnd w = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr); w;
-         w = api_.FindWindowEx(rig_.Mdi(), w, "AOL Child", nullptr)) {
-      Hwnd rich = api_.FindWindowEx(w, 0, "RICHCNTL", nullptr);
-      bool combo = api_.FindWindowEx(w, 0, "_AOL_Combobox", nullptr) != 0;
-      bool font = api_.FindWindowEx(w, 0, "_AOL_Fontcombo", nullptr) != 0;
-      bool stat = api_.FindWindowEx(w, 0, "_AOL_Static", nullptr) != 0;
+    for (Hwnd w = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr); w;
+         w = api_.FindWindowExA(rig_.Mdi(), w, "AOL Child", nullptr)) {
+      Hwnd rich = api_.FindWindowExA(w, 0, "RICHCNTL", nullptr);
+      bool combo = api_.FindWindowExA(w, 0, "_AOL_Combobox", nullptr) != 0;
+      bool font = api_.FindWindowExA(w, 0, "_AOL_Fontcombo", nullptr) != 0;
+      bool stat = api_.FindWindowExA(w, 0, "_AOL_Static", nullptr) != 0;
       if (compose && rich && combo && font && stat) return w;
       if (!compose && rich &&
-          !api_.FindWindowEx(w, rich, "RICHCNTL", nullptr) && !combo && !font)
+          !api_.FindWindowExA(w, rich, "RICHCNTL", nullptr) && !combo && !font)
         return w;
     }
     return 0;
@@ -67,8 +67,8 @@ class SimMailTest : public ::testing::Test {
   // Opens mail `index` (0-based) and its forward window, complete.
   Hwnd OpenForward(int index) {
     Hwnd tree =
-        api_.FindWindowEx(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
-    api_.SendMessage(tree, win::kLbSetCurSel, index, 0);
+        api_.FindWindowExA(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
+    api_.SendMessageA(tree, win::kLbSetCurSel, index, 0);
     rig_.PostKey(tree, win::kVkReturn);
     rig_.Run(0.2);
     Hwnd mail = FindByChildren(false);
@@ -91,12 +91,12 @@ class SimMailTest : public ::testing::Test {
 TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
   Hwnd box = OpenOfflineMailbox();
   ASSERT_NE(box, 0u);
-  EXPECT_EQ(api_.FindWindow("#32768", nullptr), 0u);  // the menu is gone
-  Hwnd tree = api_.FindWindowEx(box, 0, "_AOL_Tree", nullptr);
+  EXPECT_EQ(api_.FindWindowA("#32768", nullptr), 0u);  // the menu is gone
+  Hwnd tree = api_.FindWindowExA(box, 0, "_AOL_Tree", nullptr);
   EXPECT_EQ(Count(tree), 3);
   EXPECT_EQ(Item(tree, 0), "01/01/2000\tZed\tcats");
   EXPECT_EQ(Item(tree, 1), "01/01/2000\tHost\tdogs");
-  EXPECT_EQ(api_.SendMessage(tree, win::kLbGetTextLen, 3, 0), -1);
+  EXPECT_EQ(api_.SendMessageA(tree, win::kLbGetTextLen, 3, 0), -1);
   std::string cut;
   api_.SendMessageGetText(tree, win::kLbGetText, 2, &cut, 5);
   EXPECT_EQ(cut, "01/0");
@@ -109,7 +109,7 @@ TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
 TEST_F(SimMailTest, ForwardSendNowReachesEveryRecipient) {
   Hwnd fwd = OpenForward(0);
   ASSERT_NE(fwd, 0u);
-  EXPECT_EQ(api_.GetWindowText(fwd, 100), "Fwd: cats");
+  EXPECT_EQ(api_.GetWindowTextA(fwd, 100), "Fwd: cats");
   Hwnd open_mail = FindByChildren(false);
   EXPECT_EQ(rig_.Text(rig_.Nth(fwd, "_AOL_Icon", 15)), "Send Later");
 
@@ -137,9 +137,9 @@ TEST_F(SimMailTest, ForwardSendNowReachesEveryRecipient) {
 }
 
 TEST_F(SimMailTest, ForwardWindowIsIncompleteAtFirst) {
-  Hwnd tree = api_.FindWindowEx(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
+  Hwnd tree = api_.FindWindowExA(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
   api_.SetLatency(1);
-  api_.SendMessage(tree, win::kLbSetCurSel, 1, 0);
+  api_.SendMessageA(tree, win::kLbSetCurSel, 1, 0);
   rig_.PostKey(tree, win::kVkReturn);
   rig_.Run(1.1);
   rig_.Click(rig_.Nth(FindByChildren(false), "_AOL_Icon", 8));
@@ -165,7 +165,7 @@ TEST_F(SimMailTest, SendLaterQueuesTheMailAndDeleteRemovesOnePerClick) {
   RunToolbarMenu('b');
   Hwnd waiting = rig_.Doc("Mail Waiting to be Sent");
   ASSERT_NE(waiting, 0u);
-  Hwnd tree = api_.FindWindowEx(waiting, 0, "_AOL_Tree", nullptr);
+  Hwnd tree = api_.FindWindowExA(waiting, 0, "_AOL_Tree", nullptr);
   EXPECT_EQ(Count(tree), 2);
   rig_.Click(rig_.Nth(waiting, "_AOL_Icon", 2));
   ASSERT_EQ(Count(tree), 1);
@@ -173,9 +173,9 @@ TEST_F(SimMailTest, SendLaterQueuesTheMailAndDeleteRemovesOnePerClick) {
 
   // The automatic session sends what waits.
   RunToolbarMenu('a');
-  Hwnd session = api_.FindWindow("_AOL_Modal", "Automatic AOL");
+  Hwnd session = api_.FindWindowA("_AOL_Modal", "Automatic AOL");
   ASSERT_NE(session, 0u);
-  Hwnd view = api_.FindWindowEx(session, 0, "_AOL_View", nullptr);
+  Hwnd view = api_.FindWindowExA(session, 0, "_AOL_View", nullptr);
   rig_.Run(2);
   EXPECT_EQ(rig_.Text(view), "AOL session is complete.");
   EXPECT_EQ(api_.Mailboxes()["Bob Smith"].size(), 1u);
@@ -190,11 +190,11 @@ TEST_F(SimMailTest, FullMailboxShowsTheErrorWindowAndOthersStillGetIt) {
   rig_.Run(1);
   Hwnd error = rig_.Doc("Error");
   ASSERT_NE(error, 0u);
-  Hwnd view = api_.FindWindowEx(error, 0, "_AOL_View", nullptr);
+  Hwnd view = api_.FindWindowExA(error, 0, "_AOL_View", nullptr);
   EXPECT_EQ(rig_.Text(view), "bobsmith - Mailbox is full");
   EXPECT_EQ(api_.Mailboxes()["Ann"].size(), 1u);
   EXPECT_TRUE(api_.Mailboxes()["Bob Smith"].empty());
-  rig_.Click(api_.FindWindowEx(error, 0, "_AOL_Icon", nullptr));
+  rig_.Click(api_.FindWindowExA(error, 0, "_AOL_Icon", nullptr));
   EXPECT_FALSE(api_.IsWindow(error));
 }
 
@@ -205,16 +205,16 @@ TEST_F(SimMailTest, DeadAndOverlongMailsAreRefusedWithTheClientsBox) {
   Hwnd send_now = rig_.Nth(fwd, "_AOL_Icon", 14);
   rig_.Click(send_now);
   rig_.Click(send_now);  // held by the box: no second one
-  Hwnd box = api_.FindWindow("#32770", "America Online");
+  Hwnd box = api_.FindWindowA("#32770", "America Online");
   ASSERT_NE(box, 0u);
-  EXPECT_NE(api_.FindWindowEx(box, 0, "Static", kDeadMailText), 0u);
-  EXPECT_EQ(api_.FindWindowEx(0, box, "#32770", nullptr), 0u);
-  Hwnd ok = api_.FindWindowEx(box, 0, "Button", "OK");
-  api_.SendMessage(ok, win::kWmKeyDown, win::kVkSpace, 0);
-  api_.SendMessage(ok, win::kWmKeyUp, win::kVkSpace, 0);
+  EXPECT_NE(api_.FindWindowExA(box, 0, "Static", kDeadMailText), 0u);
+  EXPECT_EQ(api_.FindWindowExA(0, box, "#32770", nullptr), 0u);
+  Hwnd ok = api_.FindWindowExA(box, 0, "Button", "OK");
+  api_.SendMessageA(ok, win::kWmKeyDown, win::kVkSpace, 0);
+  api_.SendMessageA(ok, win::kWmKeyUp, win::kVkSpace, 0);
   EXPECT_FALSE(api_.IsWindow(box));
   EXPECT_TRUE(rig_.events.mails.empty());
-  api_.SendMessage(fwd, win::kWmClose, 0, 0);
+  api_.SendMessageA(fwd, win::kWmClose, 0, 0);
   EXPECT_EQ(FindByChildren(false), 0u);  // the open mail went too
 
   // An over-long body is refused until it fits.
@@ -223,9 +223,9 @@ TEST_F(SimMailTest, DeadAndOverlongMailsAreRefusedWithTheClientsBox) {
   rig_.SetText(rig_.Nth(fwd, "_AOL_Edit", 1), "ann");
   rig_.SetText(rig_.Nth(fwd, "RICHCNTL", 1), "eleven char");
   rig_.Click(rig_.Nth(fwd, "_AOL_Icon", 14));
-  box = api_.FindWindow("#32770", "America Online");
-  EXPECT_NE(api_.FindWindowEx(box, 0, "Static", kTooLongText), 0u);
-  api_.SendMessage(box, win::kWmClose, 0, 0);
+  box = api_.FindWindowA("#32770", "America Online");
+  EXPECT_NE(api_.FindWindowExA(box, 0, "Static", kTooLongText), 0u);
+  api_.SendMessageA(box, win::kWmClose, 0, 0);
   rig_.SetText(rig_.Nth(fwd, "RICHCNTL", 1), "ten chars!");
   rig_.Click(rig_.Nth(fwd, "_AOL_Icon", 14));
   rig_.Run(1);
@@ -233,7 +233,7 @@ TEST_F(SimMailTest, DeadAndOverlongMailsAreRefusedWithTheClientsBox) {
 
   // With nobody to send to, nothing goes.
   Forward(1, "", 14);
-  EXPECT_NE(api_.FindWindow("#32770", "America Online"), 0u);
+  EXPECT_NE(api_.FindWindowA("#32770", "America Online"), 0u);
 }
 
 }  // namespace

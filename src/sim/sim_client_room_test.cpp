@@ -17,7 +17,9 @@ class SimRoomTest : public ::testing::Test {
     rig_.client.SetRoomName("Lobby");
     rig_.client.Launch();
   }
-  Hwnd Room() { return api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", "Lobby"); }
+  Hwnd Room() {
+    return api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", "Lobby");
+  }
   Hwnd Display() { return rig_.Nth(Room(), "RICHCNTL", 1); }
   Hwnd Input() { return rig_.Nth(Room(), "RICHCNTL", 2); }
   Hwnd OpenIm(const std::string& to) {
@@ -28,15 +30,15 @@ class SimRoomTest : public ::testing::Test {
 
   // The people list read the way the program reads it.
   std::vector<std::string> ReadPeople(std::uint32_t access = 0xF0010) {
-    Hwnd list = api_.FindWindowEx(Room(), 0, "_AOL_Listbox", nullptr);
+    Hwnd list = api_.FindWindowExA(Room(), 0, "_AOL_Listbox", nullptr);
     std::uint32_t pid = 0;
     api_.GetWindowThreadProcessId(list, &pid);
     ProcessHandle p = api_.OpenProcess(access, false, pid);
     if (!p) return {"<no process>"};
     std::vector<std::string> names;
-    auto count = api_.SendMessage(list, win::kLbGetCount, 0, 0);
+    auto count = api_.SendMessageA(list, win::kLbGetCount, 0, 0);
     for (std::intptr_t i = 0; i < count; ++i) {
-      auto item = static_cast<std::uint32_t>(api_.SendMessage(
+      auto item = static_cast<std::uint32_t>(api_.SendMessageA(
           list, win::kLbGetItemData, static_cast<std::uintptr_t>(i), 0));
       unsigned char ptr[4] = {};
       std::size_t read = 0;
@@ -58,7 +60,7 @@ class SimRoomTest : public ::testing::Test {
 
 TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
   rig_.SetText(Input(), "hello all");
-  api_.SendMessage(Input(), win::kWmChar, 13, 0);
+  api_.SendMessageA(Input(), win::kWmChar, 13, 0);
   EXPECT_EQ(rig_.Text(Input()), "");
   ASSERT_EQ(rig_.events.chats.size(), 1u);
   EXPECT_EQ(rig_.events.chats[0].sn, "Host");
@@ -66,20 +68,20 @@ TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
   // Posted, the line goes when the program yields; a key down works too;
   // an empty input says nothing.
   rig_.SetText(Input(), "<b>two</b>");
-  api_.PostMessage(Input(), win::kWmChar, 13, 0);
+  api_.PostMessageA(Input(), win::kWmChar, 13, 0);
   EXPECT_EQ(rig_.Text(Input()), "<b>two</b>");
   rig_.Run(0.01);
   rig_.SetText(Input(), "three");
   rig_.PostKey(Input(), win::kVkReturn);
   rig_.Run(0.01);
-  api_.SendMessage(Input(), win::kWmChar, 13, 0);
+  api_.SendMessageA(Input(), win::kWmChar, 13, 0);
   EXPECT_EQ(rig_.Text(Display()),
             "Host:\thello all\r\nHost:\t<b>two</b>\r\nHost:\tthree");
 
   // The hidden input still takes typing.
   api_.ShowWindow(Input(), win::kSwHide);
   for (char c : std::string("ok\r"))
-    api_.SendMessage(Input(), win::kWmChar, c, 0);
+    api_.SendMessageA(Input(), win::kWmChar, c, 0);
   EXPECT_EQ(api_.DisplayLines().back(), "Host:\tok");
 }
 
@@ -107,9 +109,9 @@ TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
   EXPECT_EQ(api_.OpenProcess(0xF0010, false, api_.process_id() + 1), 0u);
 
   // A stale item address reads nothing once its person has left.
-  Hwnd list = api_.FindWindowEx(Room(), 0, "_AOL_Listbox", nullptr);
+  Hwnd list = api_.FindWindowExA(Room(), 0, "_AOL_Listbox", nullptr);
   auto ann_item = static_cast<std::uint32_t>(
-      api_.SendMessage(list, win::kLbGetItemData, 1, 0));
+      api_.SendMessageA(list, win::kLbGetItemData, 1, 0));
   api_.Leave("ANN");
   EXPECT_EQ(rig_.Text(count), "3");
   ProcessHandle p = api_.OpenProcess(0xF0010, false, api_.process_id());
@@ -122,11 +124,11 @@ TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
 TEST_F(SimRoomTest, AnInstantMessageToAPersonClosesItsWindow) {
   // No box answers, unlike for the reserved names the program sends to.
   Hwnd im = OpenIm("Ann");
-  Hwnd field = api_.FindWindowEx(im, 0, "RICHCNTL", nullptr);
+  Hwnd field = api_.FindWindowExA(im, 0, "RICHCNTL", nullptr);
   rig_.SetText(field, "psst");
   rig_.Click(rig_.Nth(im, "_AOL_Icon", 9, field));
   EXPECT_FALSE(api_.IsWindow(im));
-  EXPECT_EQ(api_.FindWindow("#32770", nullptr), 0u);
+  EXPECT_EQ(api_.FindWindowA("#32770", nullptr), 0u);
   EXPECT_EQ(rig_.events.ims.back().to, "Ann");
 }
 

@@ -16,7 +16,7 @@ class SimSessionTest : public ::testing::Test {
   bool SignedOnAsSeen() {
     for (Hwnd w = api_.GetWindow(rig_.Mdi(), win::kGwChild); w;
          w = api_.GetWindow(w, win::kGwHwndNext))
-      if (api_.GetWindowText(w, 100).rfind("Welcome, ", 0) == 0) return true;
+      if (api_.GetWindowTextA(w, 100).rfind("Welcome, ", 0) == 0) return true;
     return false;
   }
 
@@ -27,7 +27,7 @@ class SimSessionTest : public ::testing::Test {
 TEST_F(SimSessionTest, SignOffClosesTheOnlineWindowsAndKeywordsWait) {
   api_.Launch();
   // The welcome window only goes down to an icon.
-  api_.SendMessage(rig_.Doc("Welcome, Host!"), win::kWmClose, 0, 0);
+  api_.SendMessageA(rig_.Doc("Welcome, Host!"), win::kWmClose, 0, 0);
   EXPECT_TRUE(SignedOnAsSeen());
 
   api_.SignOffAfter(5);
@@ -78,24 +78,24 @@ TEST_F(SimSessionTest, PreferencePagesRememberTheirCheckBoxes) {
   auto open_mail_page = [&] {
     rig_.Click(rig_.Nth(prefs, "_AOL_Icon", 3));  // Mail
     rig_.Run(0.2);
-    page = api_.FindWindow("_aol_modal", "Mail Preferences");
-    box = api_.FindWindowEx(page, 0, "_aol_checkbox", confirm);
+    page = api_.FindWindowA("_aol_modal", "Mail Preferences");
+    box = api_.FindWindowExA(page, 0, "_aol_checkbox", confirm);
   };
   open_mail_page();
   ASSERT_NE(box, 0u);
-  EXPECT_EQ(api_.SendMessage(box, kBmGetCheck, 0, 0), 1);
+  EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 1);
   rig_.Click(box);  // a click toggles
-  EXPECT_EQ(api_.SendMessage(box, kBmGetCheck, 0, 0), 0);
+  EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 0);
   // Cancel forgets, OK keeps.
   rig_.Click(rig_.Nth(page, "_AOL_Icon", 2));
   EXPECT_EQ(api_.Preference(confirm), 1);
   open_mail_page();
-  api_.SendMessage(box, kBmSetCheck, 0, 0);
+  api_.SendMessageA(box, kBmSetCheck, 0, 0);
   rig_.Click(rig_.Nth(page, "_AOL_icon", 1));
   EXPECT_FALSE(api_.IsWindow(page));
   EXPECT_EQ(api_.Preference(confirm), 0);
   open_mail_page();
-  EXPECT_EQ(api_.SendMessage(box, kBmGetCheck, 0, 0), 0);
+  EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 0);
 }
 
 }  // namespace

@@ -19,30 +19,30 @@ class SimWindowsTest : public ::testing::Test {
 };
 
 TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
-  Hwnd frame = api_.FindWindow("AOL Frame25", nullptr);
+  Hwnd frame = api_.FindWindowA("AOL Frame25", nullptr);
   // Class names ignore case: both spellings the program uses work.
-  EXPECT_EQ(api_.FindWindowEx(frame, 0, "MDICLIENT", nullptr), rig_.Mdi());
-  Hwnd strip = api_.FindWindowEx(frame, 0, "AOL ToolBar", nullptr);
-  Hwnd row = api_.FindWindowEx(strip, 0, "_AOL_ToolBar", nullptr);
-  // The 3rd icon by FindWindowEx and by sibling steps agree.
-  Hwnd first = api_.FindWindowEx(row, 0, "_aol_icon", nullptr);
+  EXPECT_EQ(api_.FindWindowExA(frame, 0, "MDICLIENT", nullptr), rig_.Mdi());
+  Hwnd strip = api_.FindWindowExA(frame, 0, "AOL ToolBar", nullptr);
+  Hwnd row = api_.FindWindowExA(strip, 0, "_AOL_ToolBar", nullptr);
+  // The 3rd icon by FindWindowExA and by sibling steps agree.
+  Hwnd first = api_.FindWindowExA(row, 0, "_aol_icon", nullptr);
   EXPECT_EQ(
       api_.GetWindow(api_.GetWindow(first, win::kGwHwndNext), win::kGwHwndNext),
       rig_.ToolbarIcon(3));
   EXPECT_EQ(rig_.Text(rig_.ToolbarIcon(2)), "Write");
 
   // Signed on: the welcome window holds the name; the room is on top.
-  Hwnd top = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
-  EXPECT_EQ(api_.GetWindowText(top, 100), "Lobby 12");
+  Hwnd top = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr);
+  EXPECT_EQ(api_.GetWindowTextA(top, 100), "Lobby 12");
   Hwnd welcome = rig_.Doc("Welcome, Joe Smith!");
-  EXPECT_EQ(api_.GetWindowTextLength(welcome), 19);
-  EXPECT_EQ(api_.GetWindowText(welcome, 10), "Welcome, ");  // cut to 9
-  EXPECT_EQ(rig_.Text(api_.FindWindowEx(top, 0, "_AOL_Static", nullptr)),
+  EXPECT_EQ(api_.GetWindowTextLengthA(welcome), 19);
+  EXPECT_EQ(api_.GetWindowTextA(welcome, 10), "Welcome, ");  // cut to 9
+  EXPECT_EQ(rig_.Text(api_.FindWindowExA(top, 0, "_AOL_Static", nullptr)),
             "Lobby 12");
   // The room holds no style combos, so it is never taken for a mail
   // being written.
-  EXPECT_EQ(api_.FindWindowEx(top, 0, "_AOL_Combobox", nullptr), 0u);
-  EXPECT_EQ(api_.GetClassName(top, 4), "AOL");
+  EXPECT_EQ(api_.FindWindowExA(top, 0, "_AOL_Combobox", nullptr), 0u);
+  EXPECT_EQ(api_.GetClassNameA(top, 4), "AOL");
 }
 
 TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
@@ -54,16 +54,16 @@ TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
   Hwnd write = rig_.Doc("Write Mail");
   ASSERT_NE(write, 0u);
   // A new document window is the first "AOL Child".
-  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr), write);
 
-  api_.SendMessage(write, win::kWmClose, 0, 0);
+  api_.SendMessageA(write, win::kWmClose, 0, 0);
   rig_.Click(rig_.ToolbarIcon(2));
   rig_.Run(0.6);
   Hwnd again = rig_.Doc("Write Mail");
   EXPECT_NE(again, write);
   // A message posted to a window that is gone is refused.
-  EXPECT_FALSE(api_.PostMessage(write, win::kWmClose, 0, 0));
-  EXPECT_TRUE(api_.PostMessage(again, win::kWmClose, 0, 0));
+  EXPECT_FALSE(api_.PostMessageA(write, win::kWmClose, 0, 0));
+  EXPECT_TRUE(api_.PostMessageA(again, win::kWmClose, 0, 0));
   EXPECT_TRUE(api_.IsWindow(again));  // until the program yields
   rig_.Run(0.01);
   EXPECT_FALSE(api_.IsWindow(again));
@@ -86,11 +86,11 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
   EXPECT_NE(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
 
   api_.knobs().lost_click_chance = 0;
-  api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonUp, 0, 0);
-  api_.SendMessage(rig_.ToolbarIcon(2), win::kWmLButtonDown, 0, 0);
+  api_.SendMessageA(rig_.ToolbarIcon(2), win::kWmLButtonUp, 0, 0);
+  api_.SendMessageA(rig_.ToolbarIcon(2), win::kWmLButtonDown, 0, 0);
   rig_.Run(1);
   Hwnd write = rig_.Doc("Write Mail");
-  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), write, "AOL Child", "Write Mail"),
+  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), write, "AOL Child", "Write Mail"),
             0u);
 }
 
@@ -128,9 +128,9 @@ TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   // Shrinking without SWP_NOZORDER raises it; then its size is kept.
   api_.SetWindowPos(rig_.Doc("Buddy List Window"), 0, 0, 0, 0, 0, 3);
   api_.SetWindowPos(write, 0, 0, 0, 1, 1, win::kSwpNoMove);
-  EXPECT_EQ(api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr), write);
-  api_.SendMessage(frame, win::kWmCommand, remember, 0);
-  api_.SendMessage(write, win::kWmClose, 0, 0);
+  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+  api_.SendMessageA(frame, win::kWmCommand, remember, 0);
+  api_.SendMessageA(write, win::kWmClose, 0, 0);
   rig_.Click(rig_.ToolbarIcon(2));
   rig_.Run(0.2);
   EXPECT_EQ(api_.WindowSize(rig_.Doc("Write Mail")).y, 1);
@@ -138,13 +138,13 @@ TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   EXPECT_GT(api_.WindowSize(rig_.Doc("Buddy List Window")).y, 1);
 
   // Sign Off is in the menu too.
-  api_.SendMessage(frame, win::kWmCommand,
-                   api_.GetMenuItemID(api_.GetSubMenu(bar, 3), 0), 0);
+  api_.SendMessageA(frame, win::kWmCommand,
+                    api_.GetMenuItemID(api_.GetSubMenu(bar, 3), 0), 0);
   EXPECT_FALSE(api_.signed_on());
 }
 
 TEST_F(SimWindowsTest, HiddenParentsHideAndThePointerStopsInTheCorner) {
-  Hwnd room = api_.FindWindowEx(rig_.Mdi(), 0, "AOL Child", nullptr);
+  Hwnd room = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr);
   Hwnd input = rig_.Nth(room, "RICHCNTL", 2);
   api_.ShowWindow(room, win::kSwHide);
   EXPECT_FALSE(api_.IsWindowVisible(input));

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 
@@ -38,7 +38,7 @@ struct SimKnobs {
   bool room_style_controls = false;
   // Sent mails the online mailbox lists per `latency` as it fills.
   int sent_fill_step = 25;
-  // What GetVersionEx reports.
+  // What GetVersionExA reports.
   OsVersion os;
   // The screen in pixels; ScreenSize() reports it in twips.
   int screen_width = 1024;

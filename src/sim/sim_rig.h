@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 #include "sim/sim_client.h"
 #include "sim/sim_recorder.h"
 #include "sim/sim_world.h"
@@ -19,24 +19,24 @@ struct SimRig {
   // Lets `seconds` of virtual time pass, running what falls due.
   void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
 
-  Hwnd Frame() { return client.FindWindow("AOL Frame25", nullptr); }
-  Hwnd Mdi() { return client.FindWindowEx(Frame(), 0, "MDIClient", nullptr); }
+  Hwnd Frame() { return client.FindWindowA("AOL Frame25", nullptr); }
+  Hwnd Mdi() { return client.FindWindowExA(Frame(), 0, "MDIClient", nullptr); }
   Hwnd Doc(const char* caption) {
-    return client.FindWindowEx(Mdi(), 0, "AOL Child", caption);
+    return client.FindWindowExA(Mdi(), 0, "AOL Child", caption);
   }
   Hwnd Nth(Hwnd parent, const char* class_name, int n, Hwnd after = 0) {
     Hwnd h = after;
     for (int i = 0; i < n; ++i)
-      h = client.FindWindowEx(parent, h, class_name, nullptr);
+      h = client.FindWindowExA(parent, h, class_name, nullptr);
     return h;
   }
   Hwnd ToolbarIcon(int n) {
-    Hwnd strip = client.FindWindowEx(Frame(), 0, "AOL Toolbar", nullptr);
-    Hwnd row = client.FindWindowEx(strip, 0, "_AOL_Toolbar", nullptr);
+    Hwnd strip = client.FindWindowExA(Frame(), 0, "AOL Toolbar", nullptr);
+    Hwnd row = client.FindWindowExA(strip, 0, "_AOL_Toolbar", nullptr);
     return Nth(row, "_AOL_Icon", n);
   }
   std::string Text(Hwnd h) {
-    auto n = client.SendMessage(h, win::kWmGetTextLength, 0, 0);
+    auto n = client.SendMessageA(h, win::kWmGetTextLength, 0, 0);
     std::string out;
     client.SendMessageGetText(h, win::kWmGetText,
                               static_cast<std::size_t>(n) + 1, &out,
@@ -47,26 +47,26 @@ struct SimRig {
     client.SendMessageSetText(h, win::kWmSetText, 0, text);
   }
   void Click(Hwnd h) {
-    client.SendMessage(h, win::kWmLButtonDown, 0, 0);
-    client.SendMessage(h, win::kWmLButtonUp, 0, 0);
+    client.SendMessageA(h, win::kWmLButtonDown, 0, 0);
+    client.SendMessageA(h, win::kWmLButtonUp, 0, 0);
   }
   void PostClick(Hwnd h) {
-    client.PostMessage(h, win::kWmLButtonDown, 0, 0);
-    client.PostMessage(h, win::kWmLButtonUp, 0, 0);
+    client.PostMessageA(h, win::kWmLButtonDown, 0, 0);
+    client.PostMessageA(h, win::kWmLButtonUp, 0, 0);
   }
   void PostKey(Hwnd h, int vk) {
-    client.PostMessage(h, win::kWmKeyDown, static_cast<std::uintptr_t>(vk), 0);
-    client.PostMessage(h, win::kWmKeyUp, static_cast<std::uintptr_t>(vk), 0);
+    client.PostMessageA(h, win::kWmKeyDown, static_cast<std::uintptr_t>(vk), 0);
+    client.PostMessageA(h, win::kWmKeyUp, static_cast<std::uintptr_t>(vk), 0);
   }
   // Runs an address through the keyword box, as the program does.
   void Keyword(const std::string& address) {
-    Hwnd strip = client.FindWindowEx(Frame(), 0, "AOL Toolbar", nullptr);
-    Hwnd row = client.FindWindowEx(strip, 0, "_AOL_Toolbar", nullptr);
-    Hwnd combo = client.FindWindowEx(row, 0, "_AOL_Combobox", nullptr);
-    Hwnd edit = client.FindWindowEx(combo, 0, "Edit", nullptr);
+    Hwnd strip = client.FindWindowExA(Frame(), 0, "AOL Toolbar", nullptr);
+    Hwnd row = client.FindWindowExA(strip, 0, "_AOL_Toolbar", nullptr);
+    Hwnd combo = client.FindWindowExA(row, 0, "_AOL_Combobox", nullptr);
+    Hwnd edit = client.FindWindowExA(combo, 0, "Edit", nullptr);
     SetText(edit, address);
-    client.SendMessage(edit, win::kWmChar, ' ', 0);
-    client.SendMessage(edit, win::kWmChar, '\r', 0);
+    client.SendMessageA(edit, win::kWmChar, ' ', 0);
+    client.SendMessageA(edit, win::kWmChar, '\r', 0);
   }
 
   VirtualHost host;

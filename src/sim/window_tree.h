@@ -1,5 +1,5 @@
 // The simulated client's windows: handles, classes, texts, parents and the
-// sibling order (Z order), with the lookups of user32 (FindWindowEx,
+// sibling order (Z order), with the lookups of user32 (FindWindowExA,
 // GetWindow). Behaviour lives in SimClient; this is the tree alone.
 #pragma once
 
@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 
 namespace quorvex {
 
@@ -57,7 +57,7 @@ class WindowTree {
 
   // Children of `parent` (0: the top-level windows), top first.
   const std::vector<Hwnd>& Children(Hwnd parent) const;
-  // FindWindowEx: the first child of `parent` after `after` (0: from the
+  // FindWindowExA: the first child of `parent` after `after` (0: from the
   // first) whose class matches ignoring case and whose text matches
   // exactly; a null class or caption matches anything.
   Hwnd Find(Hwnd parent, Hwnd after, const char* class_name,

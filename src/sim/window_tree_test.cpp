@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "client/window_api.h"
+#include "ports/window_api.h"
 #include "sim/popup_menu.h"
 #include "sim/sim_memory.h"
 #include "sim/sim_world.h"

@@ -14,13 +14,13 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
-#include "platform/folder_machine.h"
-#include "platform/scripted_prompter.h"
-#include "platform/virtual_host.h"
+#include "ports/scripted_prompter.h"
+#include "ports/virtual_host.h"
 #include "server/machine_restart.h"
 #include "server/serve_engine.h"
-#include "settings/file_registry.h"
-#include "settings/ini_profile_file.h"
+#include "sim/file_registry.h"
+#include "sim/folder_machine.h"
+#include "sim/ini_profile_file.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
@@ -99,28 +99,29 @@ class TranscriptObserver : public SimObserver {
 };
 
 void WatchList(const ListBox& list, Transcript& t) {
-  const_cast<ListBox&>(list).Subscribe([&t](const ListBox& l, const ListChange& c) {
-    ordered_json f{{"name", l.name()}};
-    switch (c.op) {
-      case ListChange::Op::kAdd:
-        f["op"] = "add";
-        f["item"] = c.item;
-        break;
-      case ListChange::Op::kRemove:
-        f["op"] = "remove";
-        f["item"] = c.item;
-        break;
-      case ListChange::Op::kClear:
-        f["op"] = "clear";
-        break;
-    }
-    t.Write("list", f);
-  });
+  const_cast<ListBox&>(list).Subscribe(
+      [&t](const ListBox& l, const ListChange& c) {
+        ordered_json f{{"name", l.name()}};
+        switch (c.op) {
+          case ListChange::Op::kAdd:
+            f["op"] = "add";
+            f["item"] = c.item;
+            break;
+          case ListChange::Op::kRemove:
+            f["op"] = "remove";
+            f["item"] = c.item;
+            break;
+          case ListChange::Op::kClear:
+            f["op"] = "clear";
+            break;
+        }
+        t.Write("list", f);
+      });
 }
 
 ordered_json FinalState(QuorvexApp& app, const Registry& registry,
-                        const ProfileFile& profiles, const FolderMachine& machine,
-                        const SimClient& client) {
+                        const ProfileFile& profiles,
+                        const FolderMachine& machine, const SimClient& client) {
   FrmMain& frm = app.frm();
   ordered_json lists = ordered_json::object();
   for (const ListBox* l : app.OpenLists()) lists[l->name()] = l->Items();
@@ -157,7 +158,8 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
   for (const auto& [sn, mails] : client.Mailboxes()) {
     ordered_json box = ordered_json::array();
     for (const ReceivedMail& m : mails)
-      box.push_back({{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+      box.push_back(
+          {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
     mailboxes[sn] = box;
   }
   return ordered_json{{"lists", lists},
@@ -226,7 +228,8 @@ ControlCatalogue Controls() {
     void DeleteApp(const std::string&) override {}
     Registry::Sections Dump(const std::string&) const override { return {}; }
     std::string GetString(const std::string&, const std::string&,
-                          const std::string&, const std::string& d) const override {
+                          const std::string&,
+                          const std::string& d) const override {
       return d;
     }
     void WriteString(const std::string&, const std::string&, const std::string&,
@@ -246,7 +249,8 @@ ControlCatalogue Controls() {
   return c;
 }
 
-int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out) {
+int RunScenario(const Scenario& sc, const RunOptions& options,
+                std::ostream& out) {
   RootFolder root(options.root);
   CivilTime start{sc.year, sc.month, sc.day, sc.hour, sc.minute, sc.second, 0};
   VirtualHost host(start);
@@ -273,8 +277,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
   for (const SetupValue& v : sc.registry)
     registry.Save(kApp, v.section, v.key, v.value);
   for (const SetupValue& v : sc.ini)
-    profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)), v.section,
-                         v.key, v.value);
+    profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)),
+                         v.section, v.key, v.value);
   InstallClient(machine, profiles, sc);
   client.SetUserName(sc.user);
   client.SetRoomName(sc.room);
@@ -285,7 +289,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options, std::ostream& out
   client.SetLatency(sc.latency_ms / 1000.0);
   client.SetSignedOffAtStart(sc.signed_off);
   client.knobs().signon_failures = sc.signon_failures;
-  for (const auto& [room, tries] : sc.full_rooms) client.RefuseRoom(room, tries);
+  for (const auto& [room, tries] : sc.full_rooms)
+    client.RefuseRoom(room, tries);
   client.Launch();
   client.SetObserver(&observer);
 

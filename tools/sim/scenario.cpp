@@ -20,8 +20,8 @@ class LineParser {
   double Seconds(const std::string& word, const char* what) const {
     double v = 0;
     auto [p, ec] = std::from_chars(word.data(), word.data() + word.size(), v);
-    if (ec != std::errc() || p != word.data() + word.size() || !std::isfinite(v) ||
-        v < 0)
+    if (ec != std::errc() || p != word.data() + word.size() ||
+        !std::isfinite(v) || v < 0)
       Fail(std::string("expected ") + what + " (seconds, not negative), got '" +
            word + "'");
     return v;
@@ -33,8 +33,8 @@ class LineParser {
     auto [p, ec] = std::from_chars(word.data(), word.data() + word.size(), v);
     if (ec != std::errc() || p != word.data() + word.size() || v < lo || v > hi)
       Fail(std::string("expected ") + what + " (a whole number from " +
-           std::to_string(lo) + " to " + std::to_string(hi) + "), got '" + word +
-           "'");
+           std::to_string(lo) + " to " + std::to_string(hi) + "), got '" +
+           word + "'");
     return v;
   }
 
@@ -111,7 +111,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       t.verb = TakeWord(rest);
       if (t.verb == "say") {
         size_t colon = rest.find(": ");
-        if (colon == std::string_view::npos) p.Fail("expected 'say NAME: TEXT'");
+        if (colon == std::string_view::npos)
+          p.Fail("expected 'say NAME: TEXT'");
         t.name = std::string(rest.substr(0, colon));
         t.text = std::string(rest.substr(colon + 2));
         if (TrimBlanks(t.name).empty()) p.Fail("the speaker's name is empty");
@@ -119,16 +120,21 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
         t.name = TakeWord(rest);
         std::string idx = TakeWord(rest);
         if (t.name.empty()) p.Fail("expected 'press CONTROL [INDEX]'");
-        if (!idx.empty()) t.index = static_cast<int>(p.Whole(idx, "an item index", 1, 99));
-        if (!TrimBlanks(rest).empty()) p.Fail("unexpected text after the index");
+        if (!idx.empty())
+          t.index = static_cast<int>(p.Whole(idx, "an item index", 1, 99));
+        if (!TrimBlanks(rest).empty())
+          p.Fail("unexpected text after the index");
         if (controls.pressable && !controls.pressable(t.name, t.index))
           p.Fail("unknown control to press: '" + t.name +
-                 (t.index ? " " + std::to_string(t.index) : std::string()) + "'");
+                 (t.index ? " " + std::to_string(t.index) : std::string()) +
+                 "'");
       } else if (t.verb == "select") {
         t.name = TakeWord(rest);
         std::string idx = TakeWord(rest);
-        if (t.name.empty() || idx.empty()) p.Fail("expected 'select LIST INDEX'");
-        t.index = static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
+        if (t.name.empty() || idx.empty())
+          p.Fail("expected 'select LIST INDEX'");
+        t.index =
+            static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
         if (controls.selectable && !controls.selectable(t.name))
           p.Fail("unknown list to select in: '" + t.name + "'");
       } else if (t.verb == "set") {
@@ -139,7 +145,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
           eq = rest.size() - 2;
           eq_end = rest.size();
         }
-        if (eq == std::string_view::npos) p.Fail("expected 'set CONTROL = VALUE'");
+        if (eq == std::string_view::npos)
+          p.Fail("expected 'set CONTROL = VALUE'");
         t.name = TrimBlanks(rest.substr(0, eq));
         t.text = std::string(rest.substr(eq_end));
         if (controls.settable && !controls.settable(t.name))
@@ -150,7 +157,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
         if (!TrimBlanks(rest).empty()) p.Fail("'signoff' takes nothing");
       } else if (t.verb == "join" || t.verb == "leave") {
         t.name = std::string(rest);
-        if (TrimBlanks(t.name).empty()) p.Fail("expected '" + t.verb + " NAME'");
+        if (TrimBlanks(t.name).empty())
+          p.Fail("expected '" + t.verb + " NAME'");
       } else if (t.verb.empty()) {
         p.Fail("expected a directive after the time");
       } else {
@@ -162,7 +170,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
 
     if (verb == "run") {
       double t = p.Seconds(TakeWord(rest), "the end time after 'run'");
-      if (!TrimBlanks(rest).empty()) p.Fail("unexpected text after the run time");
+      if (!TrimBlanks(rest).empty())
+        p.Fail("unexpected text after the run time");
       if (t < last_time) p.Fail("the run ends before the last timed line");
       sc.run_until = t;
       have_run = true;
@@ -183,8 +192,9 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       if (!ymd.empty()) {
         int y, mo, d;
         std::istringstream dt(ymd);
-        if (!(dt >> y >> c1 >> mo >> c2 >> d) || c1 != '-' || c2 != '-' || y < 1601 ||
-            y > 9999 || mo < 1 || mo > 12 || d < 1 || d > 31 || !dt.eof())
+        if (!(dt >> y >> c1 >> mo >> c2 >> d) || c1 != '-' || c2 != '-' ||
+            y < 1601 || y > 9999 || mo < 1 || mo > 12 || d < 1 || d > 31 ||
+            !dt.eof())
           p.Fail("expected the date as YYYY-MM-DD");
         sc.year = y, sc.month = mo, sc.day = d;
       }
@@ -213,7 +223,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       sc.registry.push_back(KeyValue(rest, p));
     } else if (verb == "ini") {
       std::string file = TakeWord(rest);
-      static const char* kFiles[] = {"Quorvex.INI", "RestartSettings.INI", "Win.INI"};
+      static const char* kFiles[] = {"Quorvex.INI", "RestartSettings.INI",
+                                     "Win.INI"};
       bool known = false;
       for (const char* f : kFiles) known = known || file == f;
       if (!known)
@@ -223,15 +234,16 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       v.file = file;
       sc.ini.push_back(v);
     } else if (verb == "dead-mail") {
-      sc.dead_mails.push_back(
-          static_cast<int>(p.Whole(TakeWord(rest), "a mail number", 1, 1000000)));
+      sc.dead_mails.push_back(static_cast<int>(
+          p.Whole(TakeWord(rest), "a mail number", 1, 1000000)));
     } else if (verb == "latency") {
-      sc.latency_ms = static_cast<int>(p.Whole(TakeWord(rest), "milliseconds", 0, 600000));
+      sc.latency_ms =
+          static_cast<int>(p.Whole(TakeWord(rest), "milliseconds", 0, 600000));
     } else if (verb == "signed-off") {
       sc.signed_off = true;
     } else if (verb == "signon-fails") {
-      sc.signon_failures =
-          static_cast<int>(p.Whole(TakeWord(rest), "a number of sign-ons", 0, 1000));
+      sc.signon_failures = static_cast<int>(
+          p.Whole(TakeWord(rest), "a number of sign-ons", 0, 1000));
     } else if (verb == "room-full") {
       // ROOM may hold blanks: the number is the last word.
       std::string line = TrimBlanks(rest);
@@ -245,9 +257,10 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
     } else {
       p.Fail("unknown directive '" + verb + "'");
     }
-    if (verb == "seed" || verb == "dead-mail" || verb == "latency" || verb == "clock" ||
-        verb == "signed-off" || verb == "signon-fails") {
-      if (!TrimBlanks(rest).empty()) p.Fail("unexpected text after '" + verb + "'");
+    if (verb == "seed" || verb == "dead-mail" || verb == "latency" ||
+        verb == "clock" || verb == "signed-off" || verb == "signon-fails") {
+      if (!TrimBlanks(rest).empty())
+        p.Fail("unexpected text after '" + verb + "'");
     }
   }
   if (!have_run)
@@ -256,7 +269,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
   return sc;
 }
 
-Scenario LoadScenario(const std::string& path, const ControlCatalogue& controls) {
+Scenario LoadScenario(const std::string& path,
+                      const ControlCatalogue& controls) {
   std::ifstream in(path, std::ios::binary);
   if (!in) throw ScenarioError(path + ":0: cannot read the file");
   std::ostringstream all;

@@ -17,7 +17,8 @@ struct ScenarioError : std::runtime_error {
 };
 
 struct SetupValue {
-  std::string file;  // ini only: "Quorvex.INI", "RestartSettings.INI", "Win.INI"
+  std::string
+      file;  // ini only: "Quorvex.INI", "RestartSettings.INI", "Win.INI"
   std::string section;
   std::string key;
   std::string value;
@@ -26,7 +27,8 @@ struct SetupValue {
 struct TimedLine {
   int line = 0;  // line number in the file
   double at = 0;
-  std::string verb;  // say, press, select, set, answer, signoff, join, leave, ...
+  std::string
+      verb;  // say, press, select, set, answer, signoff, join, leave, ...
   std::string name;  // speaker, control, list, person
   std::string text;  // said text, answer, value
   int index = 0;     // press: preset item (0 none); select: item
@@ -64,6 +66,7 @@ struct ControlCatalogue {
 
 Scenario ParseScenario(const std::string& file_name, const std::string& text,
                        const ControlCatalogue& controls);
-Scenario LoadScenario(const std::string& path, const ControlCatalogue& controls);
+Scenario LoadScenario(const std::string& path,
+                      const ControlCatalogue& controls);
 
 }  // namespace quorvex::sim

@@ -6,7 +6,8 @@
 namespace quorvex::sim {
 
 std::string JsonDump(const nlohmann::ordered_json& j, int indent) {
-  return j.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return j.dump(indent, ' ', false,
+                nlohmann::ordered_json::error_handler_t::replace);
 }
 
 namespace {
@@ -56,7 +57,8 @@ std::string Transcript::TextLine(const std::string& ev,
   return "[" + ev + "] " + JsonDump(f);
 }
 
-void Transcript::Write(const std::string& ev, const nlohmann::ordered_json& fields) {
+void Transcript::Write(const std::string& ev,
+                       const nlohmann::ordered_json& fields) {
   ++events_;
   if (format_ == TranscriptFormat::kText) {
     out_ << ClockText(clock_()) << "  " << TextLine(ev, fields) << '\n';
@@ -64,7 +66,8 @@ void Transcript::Write(const std::string& ev, const nlohmann::ordered_json& fiel
   }
   nlohmann::ordered_json j;
   j["ev"] = ev;
-  for (auto it = fields.begin(); it != fields.end(); ++it) j[it.key()] = it.value();
+  for (auto it = fields.begin(); it != fields.end(); ++it)
+    j[it.key()] = it.value();
   std::string body = JsonDump(j);
   // "t" leads, with exactly three decimals.
   out_ << "{\"t\":" << Fixed3(elapsed_()) << "," << body.substr(1) << '\n';

@@ -3,10 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
-
-#include <nlohmann/json.hpp>
 
 namespace quorvex::sim {
 
@@ -18,7 +17,9 @@ class Transcript {
   // day in seconds since midnight (for the text format).
   Transcript(std::ostream& out, TranscriptFormat format,
              std::function<double()> elapsed, std::function<double()> clock)
-      : out_(out), format_(format), elapsed_(std::move(elapsed)),
+      : out_(out),
+        format_(format),
+        elapsed_(std::move(elapsed)),
         clock_(std::move(clock)) {}
 
   // Writes one event; `fields` holds everything but "t" and "ev", in the
@@ -28,7 +29,8 @@ class Transcript {
   int events() const { return events_; }
 
  private:
-  std::string TextLine(const std::string& ev, const nlohmann::ordered_json& f) const;
+  std::string TextLine(const std::string& ev,
+                       const nlohmann::ordered_json& f) const;
 
   std::ostream& out_;
   TranscriptFormat format_;

@@ -28,11 +28,11 @@ class Machine {
   virtual std::string HostPath(std::string_view windows_path) const = 0;
 
   virtual bool FileExists(std::string_view windows_path) const = 0;
-  virtual void DeleteFile(std::string_view windows_path) = 0;
+  virtual void RemoveFile(std::string_view windows_path) = 0;
   virtual std::int64_t FileLength(std::string_view windows_path) const = 0;
   // Copies a file; `progress(bytes_done, bytes_total)` is called as it goes.
   // False when the source cannot be read or the target written.
-  virtual bool CopyFile(
+  virtual bool CopyFileBytes(
       std::string_view from, std::string_view to,
       const std::function<void(std::int64_t, std::int64_t)>& progress) = 0;
 

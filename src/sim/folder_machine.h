@@ -17,13 +17,13 @@
 #include <string>
 #include <string_view>
 
-#include "platform/machine.h"
+#include "ports/machine.h"
 
 namespace quorvex {
 
 class FolderMachine : public Machine {
  public:
-  // Bytes copied between two progress calls of CopyFile.
+  // Bytes copied between two progress calls of CopyFileBytes.
   static constexpr std::int64_t kCopyChunk = 64 * 1024;
 
   explicit FolderMachine(std::filesystem::path root);
@@ -45,14 +45,14 @@ class FolderMachine : public Machine {
   // A file (not a folder) is there; an empty path never is.
   bool FileExists(std::string_view windows_path) const override;
   // Removes a file; a missing file is no error.
-  void DeleteFile(std::string_view windows_path) override;
+  void RemoveFile(std::string_view windows_path) override;
   // -1 when there is no such file.
   std::int64_t FileLength(std::string_view windows_path) const override;
   // Copies in chunks of kCopyChunk, calling `progress` after each (once
   // with 0, 0 for an empty file). Creates the target's missing folders.
   // False when the source is missing, both name the same file, or the
   // target cannot be written.
-  bool CopyFile(
+  bool CopyFileBytes(
       std::string_view from, std::string_view to,
       const std::function<void(std::int64_t, std::int64_t)>& progress) override;
 

@@ -1,4 +1,4 @@
-#include "platform/folder_machine.h"
+#include "sim/folder_machine.h"
 
 #include <gtest/gtest.h>
 
@@ -59,10 +59,10 @@ TEST_F(FolderMachineTest, ResolvesWindowsPathsIgnoringCaseOfWhatExists) {
   EXPECT_EQ(m.FileLength("C:\\WINDOWS\\RESTARTSETTINGS.INI"), 1);
   EXPECT_EQ(m.FileLength("C:\\Windows\\none"), -1);
 
-  m.DeleteFile("C:\\Windows\\restartsettings.ini");
+  m.RemoveFile("C:\\Windows\\restartsettings.ini");
   EXPECT_FALSE(m.FileExists("C:\\Windows\\RestartSettings.INI"));
-  m.DeleteFile("C:\\Windows\\restartsettings.ini");  // gone: no error
-  m.DeleteFile("C:\\Windows");                       // never a folder
+  m.RemoveFile("C:\\Windows\\restartsettings.ini");  // gone: no error
+  m.RemoveFile("C:\\Windows");                       // never a folder
   EXPECT_TRUE(fs::is_directory(root_ / "c" / "WINDOWS"));
 }
 
@@ -76,8 +76,8 @@ TEST_F(FolderMachineTest, CopiesInChunksWithProgress) {
   auto progress = [&](std::int64_t done, std::int64_t total) {
     calls.emplace_back(done, total);
   };
-  ASSERT_TRUE(m.CopyFile("C:\\Program Files\\Quorvex\\QUORVEX.exe",
-                         "C:\\Windows\\z.exe", progress));
+  ASSERT_TRUE(m.CopyFileBytes("C:\\Program Files\\Quorvex\\QUORVEX.exe",
+                              "C:\\Windows\\z.exe", progress));
   const auto total = static_cast<std::int64_t>(data.size());
   const auto chunk = FolderMachine::kCopyChunk;
   EXPECT_EQ(calls, (Calls{{chunk, total}, {2 * chunk, total}, {total, total}}));
@@ -85,20 +85,20 @@ TEST_F(FolderMachineTest, CopiesInChunksWithProgress) {
 
   // Copying over an existing file replaces it.
   WriteFile("C/Windows/small.txt", "abc");
-  ASSERT_TRUE(
-      m.CopyFile("C:\\Windows\\small.txt", "C:\\Windows\\Z.EXE", progress));
+  ASSERT_TRUE(m.CopyFileBytes("C:\\Windows\\small.txt", "C:\\Windows\\Z.EXE",
+                              progress));
   EXPECT_EQ(ReadFile(root_ / "C" / "Windows" / "z.exe"), "abc");
 
   WriteFile("C/empty", "");
   calls.clear();
-  EXPECT_TRUE(m.CopyFile("C:\\empty", "C:\\empty2", progress));
+  EXPECT_TRUE(m.CopyFileBytes("C:\\empty", "C:\\empty2", progress));
   EXPECT_EQ(calls, (Calls{{0, 0}}));
 
-  EXPECT_FALSE(m.CopyFile("C:\\missing", "C:\\x", progress));
+  EXPECT_FALSE(m.CopyFileBytes("C:\\missing", "C:\\x", progress));
   EXPECT_FALSE(m.FileExists("C:\\x"));
   // Onto itself (under another spelling): refused, the file kept whole.
-  EXPECT_FALSE(
-      m.CopyFile("C:\\Windows\\small.txt", "c:\\windows\\SMALL.TXT", progress));
+  EXPECT_FALSE(m.CopyFileBytes("C:\\Windows\\small.txt",
+                               "c:\\windows\\SMALL.TXT", progress));
   EXPECT_EQ(ReadFile(root_ / "C" / "Windows" / "small.txt"), "abc");
 }
 

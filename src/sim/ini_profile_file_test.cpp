@@ -1,4 +1,4 @@
-#include "settings/ini_profile_file.h"
+#include "sim/ini_profile_file.h"
 
 #include <gtest/gtest.h>
 

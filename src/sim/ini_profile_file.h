@@ -19,7 +19,7 @@
 #include <optional>
 #include <string>
 
-#include "settings/profile_file.h"
+#include "ports/profile_file.h"
 
 namespace quorvex {
 

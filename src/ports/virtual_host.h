@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "platform/host.h"
+#include "ports/host.h"
 
 namespace quorvex {
 

@@ -1,4 +1,4 @@
-#include "settings/file_registry.h"
+#include "sim/file_registry.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <type_traits>
 
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
 
 namespace quorvex {
 namespace {

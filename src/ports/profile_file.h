@@ -32,7 +32,8 @@ class ProfileFile {
   virtual void WriteStrings(
       const std::string& file, const std::string& section,
       const std::vector<std::pair<std::string, std::string>>& values) {
-    for (const auto& [key, value] : values) WriteString(file, section, key, value);
+    for (const auto& [key, value] : values)
+      WriteString(file, section, key, value);
   }
   // Every section and key of a file as read back (empty when missing).
   virtual Sections Dump(const std::string& file) const = 0;

@@ -1,4 +1,4 @@
-#include "settings/replace_file.h"
+#include "sim/replace_file.h"
 
 #include <fstream>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 
 #include <algorithm>
 #include <cmath>

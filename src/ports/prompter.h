@@ -15,8 +15,7 @@ class Prompter {
                                const std::string& default_text) = 0;
   // A yes/no box: true for yes.
   virtual bool YesNo(const std::string& prompt, const std::string& title) = 0;
-  virtual void MessageBox(const std::string& prompt,
-                          const std::string& title) = 0;
+  virtual void MsgBox(const std::string& prompt, const std::string& title) = 0;
 };
 
 // What a prompt showed and how it was answered (for transcripts).

@@ -3,7 +3,7 @@
 // Everything runs on one thread. DoEvents lets timers, chat events and
 // clicks run inside a long operation; a timer never re-enters its own
 // handler. Two implementations: virtual time (tests, quorvex-sim) and the
-// Qt event loop (the desktop program).
+// Win32 message loop (the desktop program).
 #pragma once
 
 #include <cstdint>

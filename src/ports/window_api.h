@@ -77,23 +77,23 @@ class WindowApi {
 
   // FindWindowA / FindWindowExA; a null class or caption matches any.
   // Class names match ignoring case; captions match exactly.
-  virtual Hwnd FindWindow(const char* class_name, const char* caption) = 0;
-  virtual Hwnd FindWindowEx(Hwnd parent, Hwnd child_after,
-                            const char* class_name, const char* caption) = 0;
+  virtual Hwnd FindWindowA(const char* class_name, const char* caption) = 0;
+  virtual Hwnd FindWindowExA(Hwnd parent, Hwnd child_after,
+                             const char* class_name, const char* caption) = 0;
   virtual Hwnd GetWindow(Hwnd hwnd, unsigned cmd) = 0;
   // GetClassNameA into a buffer of `max_chars` (the text is cut to
   // max_chars - 1).
-  virtual std::string GetClassName(Hwnd hwnd, int max_chars) = 0;
-  virtual int GetWindowTextLength(Hwnd hwnd) = 0;
+  virtual std::string GetClassNameA(Hwnd hwnd, int max_chars) = 0;
+  virtual int GetWindowTextLengthA(Hwnd hwnd) = 0;
   // GetWindowTextA with a buffer of `max_chars` (cut to max_chars - 1).
-  virtual std::string GetWindowText(Hwnd hwnd, int max_chars) = 0;
+  virtual std::string GetWindowTextA(Hwnd hwnd, int max_chars) = 0;
   virtual bool IsWindow(Hwnd hwnd) = 0;
   virtual bool IsWindowVisible(Hwnd hwnd) = 0;
 
   // SendMessageA with plain numbers.
-  virtual std::intptr_t SendMessage(Hwnd hwnd, unsigned msg,
-                                    std::uintptr_t wparam,
-                                    std::intptr_t lparam) = 0;
+  virtual std::intptr_t SendMessageA(Hwnd hwnd, unsigned msg,
+                                     std::uintptr_t wparam,
+                                     std::intptr_t lparam) = 0;
   // SendMessageA whose lParam is a buffer the window fills (WM_GETTEXT,
   // LB_GETTEXT, EM_GETLINE): `buffer_chars` is the buffer's size; the
   // result is the message's result and `*out` the text written.
@@ -106,8 +106,8 @@ class WindowApi {
                                            std::uintptr_t wparam,
                                            std::string_view text) = 0;
   // PostMessageA: queued; delivered when the program next yields.
-  virtual bool PostMessage(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
-                           std::intptr_t lparam) = 0;
+  virtual bool PostMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
+                            std::intptr_t lparam) = 0;
 
   virtual Hmenu GetMenu(Hwnd hwnd) = 0;
   virtual Hmenu GetSubMenu(Hmenu menu, int position) = 0;
@@ -133,7 +133,7 @@ class WindowApi {
   virtual void CloseHandle(ProcessHandle handle) = 0;
 
   // GetVersionExA.
-  virtual OsVersion GetVersionEx() = 0;
+  virtual OsVersion GetVersionExA() = 0;
 };
 
 }  // namespace quorvex

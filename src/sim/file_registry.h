@@ -11,8 +11,8 @@
 #include <optional>
 #include <string>
 
-#include "settings/memory_registry.h"
-#include "settings/registry.h"
+#include "ports/memory_registry.h"
+#include "ports/registry.h"
 
 namespace quorvex {
 

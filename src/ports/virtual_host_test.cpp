@@ -1,4 +1,4 @@
-#include "platform/virtual_host.h"
+#include "ports/virtual_host.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/scripted_prompter.h"
+#include "ports/scripted_prompter.h"
 
 namespace quorvex {
 namespace {
@@ -147,7 +147,7 @@ TEST(ScriptedPrompterTest, AnswersInOrderAndReportsEveryBox) {
   });
   for (const char* a : {"srv", " YES ", "maybe"}) p.QueueAnswer(a);
   EXPECT_EQ(p.InputBox("enter a handle", "handle", "old"), "srv");
-  p.MessageBox("done", "quorvex");  // takes no answer
+  p.MsgBox("done", "quorvex");  // takes no answer
   EXPECT_TRUE(p.YesNo("lists?", "lists"));
   EXPECT_FALSE(p.YesNo("again?", "lists"));  // not "yes": no
   // Nothing queued: the input box is cancelled, the yes/no box says no.

@@ -1,4 +1,4 @@
-#include "platform/scripted_prompter.h"
+#include "ports/scripted_prompter.h"
 
 #include "model/text_util.h"
 
@@ -27,8 +27,8 @@ bool ScriptedPrompter::YesNo(const std::string& prompt,
   return yes;
 }
 
-void ScriptedPrompter::MessageBox(const std::string& prompt,
-                                  const std::string& title) {
+void ScriptedPrompter::MsgBox(const std::string& prompt,
+                              const std::string& title) {
   Report({"message", title, prompt, "", ""});
 }
 

@@ -10,7 +10,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/prompter.h"
+#include "ports/prompter.h"
 
 namespace quorvex {
 
@@ -29,7 +29,7 @@ class ScriptedPrompter : public Prompter {
   std::string InputBox(const std::string& prompt, const std::string& title,
                        const std::string& default_text) override;
   bool YesNo(const std::string& prompt, const std::string& title) override;
-  void MessageBox(const std::string& prompt, const std::string& title) override;
+  void MsgBox(const std::string& prompt, const std::string& title) override;
 
  private:
   void Report(const PromptRecord& record) {

@@ -1,4 +1,4 @@
-#include "platform/folder_machine.h"
+#include "sim/folder_machine.h"
 
 #include <fstream>
 #include <string>
@@ -107,7 +107,7 @@ bool FolderMachine::FileExists(std::string_view windows_path) const {
   return fs::is_regular_file(Resolve(windows_path), ec);
 }
 
-void FolderMachine::DeleteFile(std::string_view windows_path) {
+void FolderMachine::RemoveFile(std::string_view windows_path) {
   if (windows_path.empty()) return;
   fs::path p = Resolve(windows_path);
   std::error_code ec;
@@ -123,7 +123,7 @@ std::int64_t FolderMachine::FileLength(std::string_view windows_path) const {
   return ec ? -1 : static_cast<std::int64_t>(size);
 }
 
-bool FolderMachine::CopyFile(
+bool FolderMachine::CopyFileBytes(
     std::string_view from, std::string_view to,
     const std::function<void(std::int64_t, std::int64_t)>& progress) {
   if (from.empty() || to.empty()) return false;

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
-#include "settings/profile_file.h"
-#include "settings/registry.h"
+#include "ports/profile_file.h"
+#include "ports/registry.h"
 
 namespace quorvex {
 

@@ -1,4 +1,4 @@
-#include "settings/ini_profile_file.h"
+#include "sim/ini_profile_file.h"
 
 #include <filesystem>
 #include <fstream>
@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "model/text_util.h"
-#include "settings/profile_text.h"
-#include "settings/replace_file.h"
+#include "ports/profile_text.h"
+#include "sim/replace_file.h"
 
 namespace quorvex {
 

@@ -1,4 +1,4 @@
-#include "settings/file_registry.h"
+#include "sim/file_registry.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "model/text_util.h"
-#include "settings/replace_file.h"
+#include "sim/replace_file.h"
 
 namespace quorvex {
 

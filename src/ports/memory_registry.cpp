@@ -1,7 +1,7 @@
-#include "settings/memory_registry.h"
+#include "ports/memory_registry.h"
 
 #include "model/text_util.h"
-#include "settings/profile_text.h"
+#include "ports/profile_text.h"
 
 namespace quorvex {
 
