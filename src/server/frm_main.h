@@ -116,7 +116,6 @@ struct FrmMain {
   // The room people window, opened by a right click on lstBanned; it reads
   // the room when it opens.
   RoomForm frmRoom;
-  bool frmRoom_open = false;
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }
