@@ -1,6 +1,6 @@
 #include "client/chatroom_window.h"
 
-#include "client/test_client.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

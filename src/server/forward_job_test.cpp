@@ -11,7 +11,7 @@
 #include "client/window_ops.h"
 #include "server/error_sweep.h"
 #include "server/lists_finds.h"
-#include "server/server_test_fixture.h"
+#include "testing/server_test_fixture.h"
 
 namespace quorvex {
 namespace {
