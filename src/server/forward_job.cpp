@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "server/error_sweep.h"
 #include "server/server_common.h"
 #include "settings/random_number.h"
@@ -22,15 +23,15 @@ constexpr float kAfterLine = 0.45f;
 // Rounds of waiting between two nudges of a client that lost the request
 // (the same rhythm as the client's other waits).
 constexpr std::int64_t kNudgeRounds = 200;
-constexpr int kForwardIcon = 8;
 
 // The open mail whose caption is the title: another mail window left open
 // must not be forwarded in its place.
 Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) == title && FindChild(api, w, "RICHCNTL") &&
-           !FindChild(api, w, "_AOL_Combobox") &&
-           !FindChild(api, w, "_AOL_FontCombo");
+    return GetCaption(api, w) == title &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           !FindChild(api, w, aol::kComboClass) &&
+           !FindChild(api, w, aol::kFontComboClass);
   });
 }
 
@@ -71,10 +72,11 @@ std::string ForwardBody(const FrmMain& frm, const std::string& second_line) {
 
 Hwnd FindForwardWindow(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) != kWriteMail && FindChild(api, w, "RICHCNTL") &&
-           FindChild(api, w, "_AOL_Static") &&
-           FindChild(api, w, "_AOL_Combobox") &&
-           FindChild(api, w, "_AOL_FontCombo");
+    return GetCaption(api, w) != kWriteMail &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           FindChild(api, w, aol::kStaticClass) &&
+           FindChild(api, w, aol::kComboClass) &&
+           FindChild(api, w, aol::kFontComboClass);
   });
 }
 
@@ -112,7 +114,8 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
 
   frm.SetStatus(steps.forwarding);
   auto click_forward = [&] {
-    ClickIcon(api, FindNthChild(api, mail, "_AOL_Icon", kForwardIcon));
+    ClickIcon(api, FindNthChild(api, mail, aol::kIconClass,
+                                aol::kOpenMailForwardIcon));
   };
   click_forward();
   Hwnd forward = 0;
