@@ -4,6 +4,7 @@
 
 #include "client/chat_room.h"
 #include "client/wait.h"
+#include "model/text_util.h"
 
 namespace quorvex {
 
@@ -20,7 +21,7 @@ FrmChatroom::FrmChatroom(const ClientContext& c,
   Timer1->SetInterval(kChatroomPeopleInterval);
   // The change handler of txtChat keeps the newest line in view.
   chat_watch_ = txtChat.Subscribe(
-      [this](const TextBox& box) { chat_caret_ = box.text.size(); });
+      [this](const TextBox& box) { chat_caret_ = Len(box.text); });
 }
 
 FrmChatroom::~FrmChatroom() {
@@ -59,14 +60,14 @@ void FrmChatroom::Form_Unload() {
 void FrmChatroom::Chat1_ChatLine(const std::string& sn,
                                  const std::string& text) {
   txtChat.Set(txtChat.text + sn + ":" + text + "\r\n");
-  chat_caret_ = txtChat.text.size();
+  chat_caret_ = Len(txtChat.text);
 }
 
 void FrmChatroom::Timer1_Timer() {
   lstPeople.Clear();
   GetRoomPeople(c_.api, lstPeople, kChatroomPeopleUnique);
   lblPeople.Set("people: " + std::to_string(lstPeople.Count()));
-  if (txtChat.text.size() >= kChatroomMirrorLimit) txtChat.Set("");
+  if (Len(txtChat.text) >= kChatroomMirrorLimit) txtChat.Set("");
 }
 
 void FrmChatroom::txtSend_KeyPress(int key) {

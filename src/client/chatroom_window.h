@@ -59,7 +59,7 @@ class FrmChatroom {
   // A key typed in txtSend; Return (13) says its text.
   void txtSend_KeyPress(int key);
 
-  // The caret of txtChat: at the end after every change.
+  // The caret of txtChat, in characters: at the end after every change.
   std::size_t txtChat_SelStart() const { return chat_caret_; }
 
  private:

@@ -28,6 +28,12 @@ TEST_F(ChatroomTest, MirrorIsEmptiedAtSixHundredCharacters) {
   window.Timer1_Timer();
   EXPECT_EQ(window.txtChat.text.size(), 599u);
 
+  // Characters count, not bytes: 599 of them in 600 bytes stay.
+  window.txtChat.Set(std::string(598, 'b') + "\xC2\xB7");
+  EXPECT_EQ(window.txtChat_SelStart(), 599u);
+  window.Timer1_Timer();
+  EXPECT_EQ(window.txtChat.text.size(), 600u);
+
   window.txtChat.Set(std::string(600, 'b'));
   window.Timer1_Timer();
   EXPECT_EQ(window.txtChat.text, "");
