@@ -62,11 +62,13 @@ Hwnd FindClientChildWhere(WindowApi& api,
   return 0;
 }
 
+bool IsChatRoom(WindowApi& api, Hwnd w) {
+  return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Listbox") &&
+         FindChild(api, w, "_AOL_Icon") && FindChild(api, w, "_AOL_Static");
+}
+
 Hwnd FindChatRoom(WindowApi& api) {
-  return FindClientChildWhere(api, [&](Hwnd w) {
-    return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Listbox") &&
-           FindChild(api, w, "_AOL_Icon") && FindChild(api, w, "_AOL_Static");
-  });
+  return FindClientChildWhere(api, [&](Hwnd w) { return IsChatRoom(api, w); });
 }
 
 Hwnd FindOpenMail(WindowApi& api) {
@@ -74,7 +76,7 @@ Hwnd FindOpenMail(WindowApi& api) {
     const Hwnd rich = FindChild(api, w, "RICHCNTL");
     return rich && !api.FindWindowExA(w, rich, "RICHCNTL", nullptr) &&
            !FindChild(api, w, "_AOL_Combobox") &&
-           !FindChild(api, w, "_AOL_FontCombo");
+           !FindChild(api, w, "_AOL_FontCombo") && !IsChatRoom(api, w);
   });
 }
 
@@ -82,8 +84,18 @@ Hwnd FindComposeWindow(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
     return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Static") &&
            FindChild(api, w, "_AOL_Combobox") &&
-           FindChild(api, w, "_AOL_FontCombo");
+           FindChild(api, w, "_AOL_FontCombo") && !IsChatRoom(api, w);
   });
+}
+
+Hwnd FindWriteMail(WindowApi& api) {
+  const Hwnd mdi = FindMdiClient(api);
+  if (!mdi) return 0;
+  for (Hwnd w = api.FindWindowExA(mdi, 0, "AOL Child", kWriteMail); w != 0;
+       w = api.FindWindowExA(mdi, w, "AOL Child", kWriteMail)) {
+    if (!IsChatRoom(api, w)) return w;
+  }
+  return 0;
 }
 
 Hwnd FindTabbedMailbox(WindowApi& api) {

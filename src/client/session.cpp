@@ -20,8 +20,6 @@ constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
 constexpr int kCloseRounds = 100;
 constexpr float kCloseWait = 0.4f;
-// Rounds of waiting for a preferences window before asking again.
-constexpr int kAskAgainRounds = 30000;
 constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
@@ -221,11 +219,11 @@ void SetMailPreferences(const ClientContext& c) {
 
   // The "Preferences" window, by its keyword.
   Keyword(api, "Preferences");
-  if (WaitUntil(
-          c.host, [&] { return FindDocument(api, "Preferences") != 0; },
-          {.give_up = signed_off, .every = kAskAgainRounds, .repeat = [&] {
-             Keyword(api, "Preferences");
-           }}) != WaitEnd::kMet)
+  if (WaitUntil(c.host, [&] { return FindDocument(api, "Preferences") != 0; },
+                {.give_up = signed_off,
+                 .repeat = [&] { Keyword(api, "Preferences"); },
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
@@ -241,8 +239,9 @@ void SetMailPreferences(const ClientContext& c) {
                                                  "Mail Preferences")) != 0;
                 },
                 {.give_up = signed_off,
-                 .every = kAskAgainRounds,
-                 .repeat = click_mail_tab}) != WaitEnd::kMet)
+                 .repeat = click_mail_tab,
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // A click toggles a box: only those not yet as wanted are clicked.
@@ -255,9 +254,11 @@ void SetMailPreferences(const ClientContext& c) {
     ClickIcon(api, api.FindWindowExA(page, 0, "_AOL_icon", "OK"));
   };
   click_ok();
-  WaitUntil(
-      c.host, [&] { return !api.IsWindow(page); },
-      {.give_up = signed_off, .every = kAskAgainRounds, .repeat = click_ok});
+  WaitUntil(c.host, [&] { return !api.IsWindow(page); },
+            {.give_up = signed_off,
+             .repeat = click_ok,
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
   CloseWindow(api, FindDocument(api, "Preferences"));
 }
 

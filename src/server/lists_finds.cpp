@@ -19,7 +19,6 @@ namespace {
 
 constexpr const char* kCrLf = "\r\n";
 constexpr double kBetweenLists = 2;
-constexpr std::int64_t kNudgeRounds = 200;
 constexpr const char* kSessionCaption = "Automatic AOL";
 constexpr const char* kSessionText = "AOL session is";
 constexpr int kMailMenuIcon = 3;
@@ -95,8 +94,10 @@ void BuildLists(FrmMain& frm, const ClientContext& c) {
   // The lists are in the mailbox now; read it again so that they are
   // served this session, as they would be after the next start.
   frm.lstMails.Clear();
+  frm.mail_positions.clear();
   frm.lstLists.Clear();
-  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status);
+  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status,
+              &frm.mail_positions);
   frm.lblMails.Set("mails: " + Str(frm.lstMails.Count()));
   CollectLists(frm);
 }
@@ -106,14 +107,15 @@ void RunAutomaticAol(const ClientContext& c) {
   auto open = [&] { RunToolbarMenu(c, kMailMenuIcon, 'a'); };
   open();
   Hwnd session = 0;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            session = api.FindWindowA("_AOL_Modal", kSessionCaption);
-            return session != 0;
-          },
-          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
-      WaitEnd::kMet)
+  if (WaitUntil(c.host,
+                [&] {
+                  session = api.FindWindowA("_AOL_Modal", kSessionCaption);
+                  return session != 0;
+                },
+                {.give_up = SignedOff(api),
+                 .repeat = open,
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // "AOL session is in progress." until every waiting mail went out.
@@ -130,9 +132,11 @@ void RunAutomaticAol(const ClientContext& c) {
 
   auto close = [&] { ClickIcon(api, FindChild(api, session, "_AOL_Icon")); };
   close();
-  WaitUntil(
-      c.host, [&] { return !api.IsWindow(session); },
-      {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = close});
+  WaitUntil(c.host, [&] { return !api.IsWindow(session); },
+            {.give_up = SignedOff(api),
+             .repeat = close,
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
 }
 
 void RunListJob(FrmMain& frm, const ClientContext& c) {

@@ -11,6 +11,7 @@
 #include "app/quorvex_app.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
+#include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
@@ -162,6 +163,10 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
           {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
     mailboxes[sn] = box;
   }
+  // The client's mail preferences as saved: what the program set, or left.
+  ordered_json preferences = ordered_json::object();
+  for (const auto& [label, checked] : client.MailPreferences())
+    preferences[label] = checked;
   return ordered_json{{"lists", lists},
                       {"ReplyQueue", frm.ReplyQueue.Items()},
                       {"MistakeList", frm.MistakeList.Items()},
@@ -172,7 +177,8 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                       {"disabled", disabled},
                       {"registry", reg},
                       {"files", files},
-                      {"mailboxes", mailboxes}};
+                      {"mailboxes", mailboxes},
+                      {"preferences", preferences}};
 }
 
 // Thrown by the machine's reboot: the running program stops where it
@@ -291,6 +297,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.knobs().signon_failures = sc.signon_failures;
   for (const auto& [room, tries] : sc.full_rooms)
     client.RefuseRoom(room, tries);
+  for (const auto& [name, value] : sc.knobs)
+    SetKnob(&client.knobs(), name, value);
   client.Launch();
   client.SetObserver(&observer);
 
@@ -381,7 +389,13 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   // The mailbox's titles stand in lstMails from the start, as if read,
   // so that requests can be made before the server is started; starting
   // reads the mailbox again.
-  for (const std::string& m : sc.mails) app->frm().lstMails.Add(m);
+  // As the start reads it: other servers' list mails left out, and each
+  // title's place in the mailbox kept.
+  for (std::size_t i = 0; i < sc.mails.size(); ++i) {
+    if (IsForeignListTitle(sc.mails[i])) continue;
+    app->frm().lstMails.Add(sc.mails[i]);
+    app->frm().mail_positions.push_back(static_cast<int>(i));
+  }
   app->frm().lblMails.Set("mails: " +
                           std::to_string(app->frm().lstMails.Count()));
 
