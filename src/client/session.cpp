@@ -92,8 +92,13 @@ void SignOn(const SessionContext& s) {
   SetStatus(s, "status: signing online");
   while (true) {
     host.DoEvents();
+    // The sign-on may end while the round looks at its progress: the
+    // "Sign On" window is then gone for good, and signed on is the end.
     Hwnd button = 0;
-    WaitUntil(host, [&] { return (button = FindSignOnButton(api)) != 0; });
+    WaitUntil(host, [&] {
+      return (button = FindSignOnButton(api)) != 0 || IsSignedOn(api);
+    });
+    if (IsSignedOn(api)) return;
     ClickIcon(api, button);
     Pause(host, 5);
 
