@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "server/error_sweep.h"
 #include "server/server_common.h"
 #include "settings/random_number.h"
@@ -19,7 +20,6 @@ namespace {
 
 constexpr float kBeforeLine = 0.55f;
 constexpr float kAfterLine = 0.45f;
-constexpr int kForwardIcon = 8;
 constexpr int kSendNow = 14, kSendLater = 15;  // of a forward window
 // How long the mail's window and its forward window may take to come.
 constexpr double kMailWindowSeconds = 60;
@@ -28,9 +28,10 @@ constexpr double kMailWindowSeconds = 60;
 // must not be forwarded in its place.
 Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) == title && FindChild(api, w, "RICHCNTL") &&
-           !FindChild(api, w, "_AOL_Combobox") &&
-           !FindChild(api, w, "_AOL_FontCombo") && !IsChatRoom(api, w);
+    return GetCaption(api, w) == title &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           !FindChild(api, w, aol::kComboClass) &&
+           !FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
 }
 
@@ -54,13 +55,18 @@ std::string DeadMailLine(std::string_view sn, std::string_view number) {
          "</U> is a dead mail";
 }
 
-void GiveUpDeadMail(FrmMain& frm, const ClientContext& c) {
+namespace {
+
+// A mail whose window never came: said dead, and not opened again.
+void GiveUpDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   PauseSeconds(c.host, kBeforeLine);
-  Say(frm, c, DeadMailLine(frm.forward_sn, frm.forward_number));
+  Say(frm, c, DeadMailLine(f.sn, f.number));
   PauseSeconds(c.host, kAfterLine);
-  frm.dead_mails.push_back(frm.forward_number);
-  frm.forward_error = true;
+  if (!IsDeadMail(frm, f.number)) frm.dead_mails.push_back(f.number);
+  f.error = true;
 }
+
+}  // namespace
 
 std::string FirstRequester(std::string_view requesters) {
   const auto open = requesters.find('(');
@@ -79,10 +85,11 @@ std::string ForwardBody(const FrmMain& frm, const std::string& second_line) {
 
 Hwnd FindForwardWindow(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) != kWriteMail && FindChild(api, w, "RICHCNTL") &&
-           FindChild(api, w, "_AOL_Static") &&
-           FindChild(api, w, "_AOL_Combobox") &&
-           FindChild(api, w, "_AOL_FontCombo") && !IsChatRoom(api, w);
+    return GetCaption(api, w) != kWriteMail &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           FindChild(api, w, aol::kStaticClass) &&
+           FindChild(api, w, aol::kComboClass) &&
+           FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
 }
 
@@ -96,7 +103,7 @@ int MailboxPosition(const FrmMain& frm, int number) {
 
 bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
                        std::string_view recipients, std::string_view body,
-                       const ForwardSteps& steps) {
+                       const ForwardSteps& steps, ForwardScratch& f) {
   WindowApi& api = c.api;
   // The parser checks numbers against the mailbox; a mailbox that shrank
   // since would leave the job waiting for a mail that never opens.
@@ -126,7 +133,7 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
     return how;
   };
   auto give_up = [&](WaitEnd end) {
-    if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(frm, c);
+    if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(frm, c, f);
     return false;
   };
 
@@ -143,7 +150,8 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
 
   frm.SetStatus(steps.forwarding);
   auto click_forward = [&] {
-    ClickIcon(api, FindNthChild(api, mail, "_AOL_Icon", kForwardIcon));
+    ClickIcon(api, FindNthChild(api, mail, aol::kIconClass,
+                                aol::kOpenMailForwardIcon));
   };
   click_forward();
   Hwnd forward = 0;
@@ -168,7 +176,7 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   // on a busy client: its send is clicked again, at a pace (a window that
   // is sending takes no more clicks).
   const Hwnd send_again =
-      FindNthChild(api, forward, "_AOL_Icon",
+      FindNthChild(api, forward, aol::kIconClass,
                    frm.settings.MailMethod ? kSendLater : kSendNow);
   const WaitOptions poll{.speed = steps.speed,
                          .give_up = SignedOff(api),
@@ -188,15 +196,15 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   return true;
 }
 
-void RunMailJob(FrmMain& frm, const ClientContext& c) {
+void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   const TakenGroup group = frm.pending.TakeNextMail(
       /*lists=*/false, frm.lblPending, MakeCounterView(frm));
   if (group.requesters.empty() || group.wanted == "list") return;
 
   const std::string sn = FirstRequester(group.requesters);
   const std::string& number = group.wanted;
-  frm.forward_sn = sn;
-  frm.forward_number = number;
+  f.sn = sn;
+  f.number = number;
   const std::string notify = NotifyText(frm);
 
   if (IsDeadMail(frm, number)) {
@@ -217,13 +225,13 @@ void RunMailJob(FrmMain& frm, const ClientContext& c) {
   ForwardSteps steps{"status: opening mail", "status: forwarding mail",
                      "status: sending mail", "status: sent mail",
                      frm.settings.MailSpeed};
-  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps))
+  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps, f))
     return;
 
-  ForwardErrorSweep(frm, c);
-  if (frm.settings.MailNotify && !frm.forward_error)
+  ForwardErrorSweep(frm, c, f);
+  if (frm.settings.MailNotify && !f.error)
     Say(frm, c, sn + " mail <U>" + number + "</U> " + notify);
-  frm.forward_error = false;
+  f.error = false;
   frm.SetStatus("status: scanning chat");
 }
 

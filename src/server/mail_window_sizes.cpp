@@ -5,6 +5,7 @@
 #include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -15,8 +16,6 @@ constexpr int kWindowMenu = 2;
 constexpr int kForgetSize = 6;
 // How long each window may take to come before the clean-up gives up.
 constexpr double kWindowSeconds = 60;
-constexpr int kForwardIcon = 8;
-constexpr int kWriteIcon = 2;
 
 // Closes every window the finder finds.
 void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
@@ -65,7 +64,8 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
 
-  const Hwnd forward_icon = FindNthChild(api, mail, "_AOL_Icon", kForwardIcon);
+  const Hwnd forward_icon =
+      FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   WaitOptions click_again = nudged;
   click_again.repeat = [&] { ClickIcon(api, forward_icon); };
@@ -76,7 +76,7 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   CloseAll(c, FindComposeWindow);
   CloseAll(c, FindOpenMail);
 
-  const Hwnd write_icon = FindToolbarIcon(api, kWriteIcon);
+  const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
   click_again.repeat = [&] { PostClickIcon(api, write_icon); };
   end = WaitUntil(

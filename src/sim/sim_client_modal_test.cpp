@@ -2,7 +2,7 @@
 // preferences change how mail is sent.
 #include <gtest/gtest.h>
 
-#include "sim/sim_rig.h"
+#include "testing/sim_rig.h"
 
 namespace quorvex {
 namespace {
