@@ -44,6 +44,10 @@ struct FrmMain {
 
   // Lists and the program's collections.
   ListBox lstMails{"lstMails"};
+  // Where each title of lstMails stands in the mailbox (zero-based, as
+  // OpenMail takes it): the list leaves out other servers' list mails, so
+  // that mail number n is not always the n-th mail of the mailbox.
+  std::vector<int> mail_positions;
   ListBox lstBanned{"lstBanned"};
   PendingQueue pending;  // its list box is `lstPending`
   ListBox ReplyQueue{"ReplyQueue"};

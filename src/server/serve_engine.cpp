@@ -74,8 +74,9 @@ void ServeEngine::cmdStart_Click() {
 void ServeEngine::Start() {
   const Settings& s = frm_.settings;
   frm_.lstMails.Clear();
+  frm_.mail_positions.clear();
   frm_.lstLists.Clear();
-  LoadMailbox(c_, frm_.lstMails, true, frm_.status);
+  LoadMailbox(c_, frm_.lstMails, true, frm_.status, &frm_.mail_positions);
   int lists = jobs_.collect_lists ? jobs_.collect_lists(frm_) : 0;
   frm_.SetStatus("status: found #" + std::to_string(lists) + " lists");
   if (lists == 0) {
