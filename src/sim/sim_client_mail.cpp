@@ -365,10 +365,10 @@ Hwnd SimClient::ShowBox(BoxKind kind, const std::string& text, Hwnd holds) {
 
 Hwnd SimClient::ShowNote(const std::string& caption, const std::string& text,
                          Hwnd holds) {
-  Hwnd note = NewTopLevel(Kind::kBox, "_AOL_Modal", caption);
+  Hwnd note = NewTopLevel(Kind::kBox, aol::kModalClass, caption);
   docs_[note].box_for = holds;
-  Add(note, "_AOL_View", text);
-  Add(note, "_AOL_Button", "OK", kRoleButton);
+  Add(note, aol::kViewClass, text);
+  Add(note, aol::kButtonClass, "OK", kRoleButton);
   auto held = docs_.find(holds);
   if (held != docs_.end()) held->second.blocker = note;
   return note;
