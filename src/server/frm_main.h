@@ -16,6 +16,7 @@
 #include "model/menu.h"
 #include "ports/host.h"
 #include "ports/machine.h"
+#include "ports/ports.h"
 #include "ports/profile_file.h"
 #include "ports/prompter.h"
 #include "ports/registry.h"
@@ -29,17 +30,6 @@
 #include "settings/settings.h"
 
 namespace quorvex {
-
-// The doors to the outside, shared by everything on the main window.
-struct Ports {
-  Host& host;
-  WindowApi& api;
-  Registry& registry;
-  ProfileFile& profiles;
-  Prompter& prompter;
-  Machine& machine;
-  std::uint64_t seed = 1;  // of every random choice
-};
 
 struct FrmMain {
   explicit FrmMain(Ports p) : ports(p) {}
