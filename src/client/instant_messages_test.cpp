@@ -30,10 +30,10 @@ TEST_F(InstantMessagesTest, RunsTheKeywordAgainWhileTheWindowDoesNotCome) {
   Launch();
   host.SetEnd(1000);
   EXPECT_THROW(SendIM(c, "Ann", "hi"), RunEnded);
-  // Again after 3 s, then ever more slowly, up to one every 24 s: about
-  // 43 in 1000 s, never one on every poll.
-  EXPECT_GE(Count(win::kWmSetText), 40);
-  EXPECT_LE(Count(win::kWmSetText), 46);
+  // Again after 10 s, then ever more slowly, up to one every 40 s: 26 in
+  // 1000 s (at 10, 30, 70, 110, ...), never one on every poll.
+  EXPECT_GE(Count(win::kWmSetText), 24);
+  EXPECT_LE(Count(win::kWmSetText), 28);
   EXPECT_TRUE(ims.empty());
 }
 

@@ -103,11 +103,24 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
 // A "Write Mail" window still open is the previous mail going out: a new
 // one asked for now would be found as that one and written into, and the
 // previous mail lost. Waits until it has gone, clicking its Send Now again
-// at a pace in case every click was lost; one still there after a minute
-// (no recipient, a person's draft) is closed. False when signed off.
+// at a pace in case every click was lost. One without recipients is no
+// mail going out (a slow client answered a repeated click late) and is
+// closed at once; one still there after a minute (a person's draft) too.
+// False when signed off.
 bool WaitForPreviousWrite(const ClientContext& c) {
   WindowApi& api = c.api;
-  const WaitEnd end = WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
+  auto none_left = [&] {
+    Hwnd w = FindWriteMail(api);
+    while (w != 0 &&
+           GetText(api, FindNthChild(api, w, aol::kEditClass, 1)).empty()) {
+      CloseWindow(api, w);
+      const Hwnd next = FindWriteMail(api);
+      if (next == w) break;  // it would not close
+      w = next;
+    }
+    return w == 0;
+  };
+  const WaitEnd end = WaitUntil(c.host, none_left,
                                 {.give_up = SignedOff(api),
                                  .repeat =
                                      [&] {
@@ -140,9 +153,11 @@ void Write(const ClientContext& c, std::string_view recipients,
   PostClickIcon(api, write_icon);
 
   MailControls mail;
+  Hwnd window = 0;
   if (WaitUntil(c.host,
                 [&] {
-                  mail.Find(api, FindWriteMail(api), kWriteSendNow, true);
+                  window = FindWriteMail(api);
+                  mail.Find(api, window, kWriteSendNow, true);
                   return !GetText(api, mail.send_now).empty() &&
                          (!later || !GetText(api, mail.send_later).empty());
                 },
@@ -179,7 +194,9 @@ void Write(const ClientContext& c, std::string_view recipients,
                   PauseSeconds(c.host, 0.6f);
                   ClickIcon(api, mail.send_now);
                   DoEvents(c.host, 2);
-                  return FindWriteMail(api) == 0;
+                  // Its own window: one more, empty, that a slow client
+                  // opened late is not this mail.
+                  return !api.IsWindow(window);
                 },
                 {.give_up = SignedOff(api)});
       break;

@@ -43,8 +43,8 @@ enum class WaitEnd { kMet, kGaveUp, kOutOfRounds, kOutOfTime };
 // more slowly. The client opens a window within a few seconds even when
 // slow, so that a request is rarely repeated while the first is still
 // under way.
-inline constexpr double kAskAgainSeconds = 3;
-inline constexpr double kAskAgainMaxSeconds = 24;
+inline constexpr double kAskAgainSeconds = 10;
+inline constexpr double kAskAgainMaxSeconds = 40;
 
 // Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
 // yield (DoEvents); pause; repeat action. There is no time limit of its

@@ -66,6 +66,15 @@ void GiveUpDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   f.error = true;
 }
 
+// Where mail `number` (1-based in lstMails) stands in the mailbox.
+int MailboxPosition(const FrmMain& frm, int number) {
+  // Without positions (a list filled by other means) numbers are positions.
+  if (frm.mail_positions.size() !=
+      static_cast<std::size_t>(frm.lstMails.Count()))
+    return number - 1;
+  return frm.mail_positions[static_cast<std::size_t>(number - 1)];
+}
+
 }  // namespace
 
 std::string FirstRequester(std::string_view requesters) {
@@ -91,14 +100,6 @@ Hwnd FindForwardWindow(WindowApi& api) {
            FindChild(api, w, aol::kComboClass) &&
            FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
-}
-
-int MailboxPosition(const FrmMain& frm, int number) {
-  // Without positions (a list filled by other means) numbers are positions.
-  if (frm.mail_positions.size() !=
-      static_cast<std::size_t>(frm.lstMails.Count()))
-    return number - 1;
-  return frm.mail_positions[static_cast<std::size_t>(number - 1)];
 }
 
 bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
