@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "settings/inserts.h"
+#include "settings/setting_table.h"
 
 namespace quorvex {
 
@@ -21,65 +22,79 @@ void AddSpeedGroup(MenuModel& menus, const std::string& group,
   AddGroup(menus, group, parent, {"fast", "medium", "slow", "-", "custom"});
 }
 
+// A setting's entry, captioned with the setting's name until LoadSettings
+// shows its value.
+void AddSetting(MenuModel& menus, const std::string& name,
+                const std::string& parent) {
+  for (const SettingRow& row : SettingRows()) {
+    if (row.entry && row.caption && ShownIn(row) == name) {
+      menus.Add(name, parent, row.caption);
+      return;
+    }
+  }
+  menus.Add(name, parent, name);  // not a setting: shows up in any test
+}
+
 }  // namespace
 
 void BuildMainMenu(MenuModel& menus) {
   menus.Add("mnuSettings", "", "settings");
 
   menus.Add("mnuPreferences", "mnuSettings", "preferences");
-  menus.Add("mnuHandle", "mnuPreferences", "handle");
-  menus.Add("mnuLAscii", "mnuPreferences", "left ascii");
-  menus.Add("mnuRAscii", "mnuPreferences", "right ascii");
-  menus.Add("mnuChatFont", "mnuPreferences", "chat font");
+  AddSetting(menus, "mnuHandle", "mnuPreferences");
+  AddSetting(menus, "mnuLAscii", "mnuPreferences");
+  AddSetting(menus, "mnuRAscii", "mnuPreferences");
+  AddSetting(menus, "mnuChatFont", "mnuPreferences");
 
   menus.Add("mnuLine1", "mnuSettings", "-");
 
   menus.Add("mnuMailOptions", "mnuSettings", "mail options");
-  menus.Add("mnuMailNotify", "mnuMailOptions", "notify");
-  menus.Add("mnuMailResize", "mnuMailOptions", "resize");
-  menus.Add("mnuMailSpeed", "mnuMailOptions", "speed");
+  AddSetting(menus, "mnuMailNotify", "mnuMailOptions");
+  AddSetting(menus, "mnuMailResize", "mnuMailOptions");
+  AddSetting(menus, "mnuMailSpeed", "mnuMailOptions");
   AddSpeedGroup(menus, "mnuMSpeed", "mnuMailSpeed");
-  menus.Add("mnuMailMethod", "mnuMailOptions", "method");
+  AddSetting(menus, "mnuMailMethod", "mnuMailOptions");
   AddGroup(menus, "mnuMMethod", "mnuMailMethod", {"regular", "send later"});
 
   menus.Add("mnuListOptions", "mnuSettings", "list options");
-  menus.Add("mnuListNotify", "mnuListOptions", "notify");
-  menus.Add("mnuMPList", "mnuListOptions", "list size");
-  menus.Add("mnuListSpeed", "mnuListOptions", "speed");
+  AddSetting(menus, "mnuListNotify", "mnuListOptions");
+  AddSetting(menus, "mnuMPList", "mnuListOptions");
+  AddSetting(menus, "mnuListSpeed", "mnuListOptions");
   AddSpeedGroup(menus, "mnuLSpeed", "mnuListSpeed");
-  menus.Add("mnuListSend", "mnuListOptions", "send");
+  AddSetting(menus, "mnuListSend", "mnuListOptions");
   AddGroup(menus, "mnuLSend", "mnuListSend",
            {"every 10 secs", "every 30 secs", "every 45 secs", "every 60 secs",
             "-", "custom", "-", "upon request", "if no requests pending"});
 
   menus.Add("mnuFindOptions", "mnuSettings", "find options");
-  menus.Add("mnuFMax", "mnuFindOptions", "max");
-  menus.Add("mnuFMininum", "mnuFindOptions", "mininum");
-  AddGroup(menus, "mnuFEnable", "mnuFindOptions", {"enable x", "enable x&&y"});
-  menus.Add("mnuFindSpeed", "mnuFindOptions", "speed");
+  AddSetting(menus, "mnuFMax", "mnuFindOptions");
+  AddSetting(menus, "mnuFMininum", "mnuFindOptions");
+  AddSetting(menus, "mnuFEnable(1)", "mnuFindOptions");
+  AddSetting(menus, "mnuFEnable(2)", "mnuFindOptions");
+  AddSetting(menus, "mnuFindSpeed", "mnuFindOptions");
   AddSpeedGroup(menus, "mnuFSpeed", "mnuFindSpeed");
 
   menus.Add("mnuBlockOptions", "mnuSettings", "block options");
-  menus.Add("mnuBEnableXY", "mnuBlockOptions", "enable x-y");
-  menus.Add("mnuBMax", "mnuBlockOptions", "max");
+  AddSetting(menus, "mnuBEnableXY", "mnuBlockOptions");
+  AddSetting(menus, "mnuBMax", "mnuBlockOptions");
 
   menus.Add("mnuBotOptions", "mnuSettings", "bot options");
-  menus.Add("mnuBotScroll", "mnuBotOptions", "scroll");
+  AddSetting(menus, "mnuBotScroll", "mnuBotOptions");
   AddGroup(menus, "mnuBScroll", "mnuBotScroll",
            {"now", "-", "every 10 secs", "every 30 secs", "every 45 secs",
             "every 60 secs", "-", "custom"});
 
   menus.Add("mnuScrollOptions", "mnuSettings", "scroll options");
-  menus.Add("mnuSStatus", "mnuScrollOptions", "status");
-  menus.Add("mnuThankyou", "mnuScrollOptions", "thankyou");
+  AddSetting(menus, "mnuSStatus", "mnuScrollOptions");
+  AddSetting(menus, "mnuThankyou", "mnuScrollOptions");
   menus.Add("mnuLine2", "mnuScrollOptions", "-");
   menus.Add("mnuReply", "mnuScrollOptions", "reply the above by");
   AddGroup(menus, "mnuScrollMethod", "mnuReply", {"chat", "email"});
 
   menus.Add("mnuRestartOptions", "mnuSettings", "restart options");
-  menus.Add("mnuAOLRes", "mnuRestartOptions", "aol");
-  menus.Add("mnuCPURes", "mnuRestartOptions", "cpu");
-  menus.Add("mnuSentRes", "mnuRestartOptions", "del sent");
+  AddSetting(menus, "mnuAOLRes", "mnuRestartOptions");
+  AddSetting(menus, "mnuCPURes", "mnuRestartOptions");
+  AddSetting(menus, "mnuSentRes", "mnuRestartOptions");
 
   menus.Add("mnuLine3", "mnuSettings", "-");
   menus.Add("mnuMessages", "mnuSettings", "messages");

@@ -16,19 +16,6 @@ inline constexpr std::array<float, 3> kSpeedPresets = {0.1345f, 0.3567f,
 inline constexpr int kSpeedCustom = 5;
 inline constexpr int kSpeedItems = 5;
 
-// One speed setting with its menu.
-struct SpeedMenu {
-  const char* group;   // "mnuMSpeed"
-  const char* parent;  // "mnuMailSpeed"
-  float Settings::*value;
-  const char* title;  // of the custom input box
-};
-inline constexpr std::array<SpeedMenu, 3> kSpeedMenus = {{
-    {"mnuMSpeed", "mnuMailSpeed", &Settings::MailSpeed, "mail speed"},
-    {"mnuLSpeed", "mnuListSpeed", &Settings::ListSpeed, "list speed"},
-    {"mnuFSpeed", "mnuFindSpeed", &Settings::FindSpeed, "find speed"},
-}};
-
 // The preset item (1 to 3) whose value equals `value` as a single, else
 // the custom item.
 int SpeedItemFor(float value);
