@@ -16,6 +16,7 @@
 #include "model/menu.h"
 #include "ports/host.h"
 #include "ports/machine.h"
+#include "ports/ports.h"
 #include "ports/profile_file.h"
 #include "ports/prompter.h"
 #include "ports/registry.h"
@@ -30,17 +31,6 @@
 
 namespace quorvex {
 
-// The doors to the outside, shared by everything on the main window.
-struct Ports {
-  Host& host;
-  WindowApi& api;
-  Registry& registry;
-  ProfileFile& profiles;
-  Prompter& prompter;
-  Machine& machine;
-  std::uint64_t seed = 1;  // of every random choice
-};
-
 struct FrmMain {
   explicit FrmMain(Ports p) : ports(p) {}
   FrmMain(const FrmMain&) = delete;
@@ -54,6 +44,10 @@ struct FrmMain {
 
   // Lists and the program's collections.
   ListBox lstMails{"lstMails"};
+  // Where each title of lstMails stands in the mailbox (zero-based, as
+  // OpenMail takes it): the list leaves out other servers' list mails, so
+  // that mail number n is not always the n-th mail of the mailbox.
+  std::vector<int> mail_positions;
   ListBox lstBanned{"lstBanned"};
   PendingQueue pending;  // its list box is `lstPending`
   ListBox ReplyQueue{"ReplyQueue"};
@@ -92,16 +86,6 @@ struct FrmMain {
   // The program has ended (exit label, or a reboot).
   bool ended = false;
 
-  // The forwarding job (forward_job.h) and its error sweep (error_sweep.h):
-  // the first requester and the mail number last taken to forward, which
-  // the dead-mail notice names; set when the sweep finds a dead mail and
-  // cleared at the end of each forward; a sweep under way (Timer2 fires
-  // inside the sweep's own pauses and must not answer the same box twice).
-  std::string forward_sn;
-  std::string forward_number;
-  bool forward_error = false;
-  bool in_sweep = false;
-
   // Serving engine (serve_engine.h, machine_restart.h): the restart
   // options window, shown from the restart options but not consulted.
   PausingForm frmPausing;
@@ -116,7 +100,6 @@ struct FrmMain {
   // The room people window, opened by a right click on lstBanned; it reads
   // the room when it opens.
   RoomForm frmRoom;
-  bool frmRoom_open = false;
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }
