@@ -11,6 +11,9 @@
 int main(int argc, char** argv) {
   using namespace quorvex::sim;
   CLI::App cli{"Runs the Quorvex mail server on a simulated chat client"};
+  // Options are spelled the same everywhere: on Windows a path such as
+  // /work/x.scn must stay a path, not become an option.
+  cli.allow_windows_style_options(false);
   std::string scenario_path, out_path, format = "jsonl", root;
   bool realtime = false, demo = false;
   auto* scenario_option =

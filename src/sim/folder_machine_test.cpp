@@ -44,7 +44,8 @@ TEST_F(FolderMachineTest, ResolvesWindowsPathsIgnoringCaseOfWhatExists) {
       {"C:\\Windows\\..\\.\\\\Temp\\a", "C/Temp/a"},
       {"Quorvex.INI", "C/Program Files/Quorvex/Quorvex.INI"}};
   for (const auto& [windows, host] : fresh)
-    EXPECT_EQ(m.HostPath(windows), (root_ / host).string()) << windows;
+    EXPECT_EQ(m.HostPath(windows), (root_ / host).make_preferred().string())
+        << windows;
   m.SetAppPath("E:\\Bots");
   EXPECT_EQ(m.HostPath("q.ini"), (root_ / "E" / "Bots" / "q.ini").string());
 
