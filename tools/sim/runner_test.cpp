@@ -99,9 +99,12 @@ TEST(RunnerTest, DemoServesEveryKindOfRequest) {
 
   EXPECT_EQ(final_state["lists"]["lstBanned"], Json::array({"gina"}));
   const std::string summary = DemoSummary(final_state, sc.user);
-  EXPECT_NE(summary.find("lists sent:        6"), std::string::npos) << summary;
-  EXPECT_NE(summary.find("finds sent:        3"), std::string::npos) << summary;
-  EXPECT_NE(summary.find("people banned:     1"), std::string::npos) << summary;
+  EXPECT_NE(summary.find("| lists sent      | 6 "), std::string::npos)
+      << summary;
+  EXPECT_NE(summary.find("| finds sent      | 3 "), std::string::npos)
+      << summary;
+  EXPECT_NE(summary.find("| people banned   | 1 "), std::string::npos)
+      << summary;
   EXPECT_EQ(
       final_state["mailboxes"]["alice"].back()["subject"],
       "\xC2\xB7\xE2\x80\xA2[ quorvex session served ]\xE2\x80\xA2\xC2\xB7");
