@@ -8,6 +8,7 @@
 #include <thread>
 #include <utility>
 
+#include "app/program.h"
 #include "app/quorvex_app.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
@@ -176,10 +177,6 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                       {"mailboxes", mailboxes}};
 }
 
-// Thrown by the machine's reboot: the running program stops where it
-// stands, out of whatever tick it is in.
-struct MachineRebooted {};
-
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
 void WriteProgramFile(const FolderMachine& machine) {
@@ -293,18 +290,12 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
                                 {"answer", r.answer}});
   });
 
-  // The program, made anew when the machine restarts it. The old one is
-  // kept, ended, until then, so that the final state has a program to show.
-  std::unique_ptr<QuorvexApp> app;
-  auto make_app = [&] {
-    if (app) {
-      app->frm().ended = true;
-      app.reset();
-    }
-    app = std::make_unique<QuorvexApp>(
-        Ports{host, client, registry, profiles, prompter, machine, sc.seed});
-    FrmMain& frm = app->frm();
-    for (const Label* l : app->Labels())
+  // Every program made (one more after each machine restart) is watched
+  // from before its main window loads.
+  bool first_app = true;
+  auto watch_app = [&](QuorvexApp& app) {
+    FrmMain& frm = app.frm();
+    for (const Label* l : app.Labels())
       const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
         transcript.Write("label",
                          {{"name", label.name()}, {"text", label.caption()}});
@@ -317,15 +308,33 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     WatchList(frm.lstMails, transcript);
     WatchList(frm.ReplyQueue, transcript);
     WatchList(frm.MistakeList, transcript);
+    if (!std::exchange(first_app, false)) return;
+    // The mailbox's titles stand in lstMails from the start, as if read,
+    // so that requests can be made before the server is started; starting
+    // reads the mailbox again.
+    for (const std::string& m : sc.mails) frm.lstMails.Add(m);
+    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
   };
+  auto machine_event = [&transcript](const std::string& what) {
+    transcript.Write("machine", {{"what", what}});
+  };
+  // A program started by Windows runs from its own file.
+  auto become = [&machine](const std::string& path) {
+    const size_t slash = path.find_last_of('\\');
+    std::string name = path.substr(slash + 1);
+    if (EqualsIgnoreCase(name.substr(name.size() >= 4 ? name.size() - 4 : 0),
+                         ".exe"))
+      name.resize(name.size() - 4);
+    machine.SetAppPath(slash == std::string::npos ? "" : path.substr(0, slash));
+    machine.SetExeName(name);
+  };
+  QuorvexProgram program(
+      Ports{host, client, registry, profiles, prompter, machine, sc.seed},
+      {watch_app, machine_event, become});
 
   // The machine: the client's program starts the simulated client; any
   // other program is started by the boot loop below, once the program
   // that asked for it has ended.
-  std::string program_to_start;
-  auto machine_event = [&transcript](const std::string& what) {
-    transcript.Write("machine", {{"what", what}});
-  };
   machine.SetRunProgramHook([&](std::string_view path) {
     machine_event("starts " + std::string(path));
     std::string lower = LCase(path);
@@ -336,7 +345,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     if (ends_with("\\aol.exe") || ends_with("\\waol.exe")) {
       client.Start();
     } else {
-      program_to_start = std::string(path);
+      program.ProgramStarted(std::string(path));
     }
   });
   machine.SetRebootHook([] { throw MachineRebooted{}; });
@@ -358,80 +367,24 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        if (app) app->Press(line.name, line.index);
+        program.app().Press(line.name, line.index);
       } else if (line.verb == "select") {
-        if (app) app->Select(line.name, line.index);
+        program.app().Select(line.name, line.index);
       } else if (line.verb == "set") {
-        if (app) app->Set(line.name, line.text);
+        program.app().Set(line.name, line.text);
       }
     });
   }
 
-  make_app();
-  // The mailbox's titles stand in lstMails from the start, as if read,
-  // so that requests can be made before the server is started; starting
-  // reads the mailbox again.
-  for (const std::string& m : sc.mails) app->frm().lstMails.Add(m);
-  app->frm().lblMails.Set("mails: " +
-                          std::to_string(app->frm().lstMails.Count()));
-
-  // A machine restart: Windows closes the program through its unload,
-  // then at log-on starts what Win.INI's "load" names; a program started
-  // that way may start another one and end.
-  auto boot = [&] {
-    machine_event("reboots");
-    app->frm().ended = true;
-    app->Unload();
-    program_to_start =
-        profiles.GetString(machine.HostPath(kWinIni), "Windows", "load", "");
-    if (!program_to_start.empty()) machine_event("starts " + program_to_start);
-    while (!program_to_start.empty()) {
-      const std::string path = std::exchange(program_to_start, std::string());
-      if (!machine.FileExists(path)) {
-        machine_event("cannot find " + path);
-        break;
-      }
-      const size_t slash = path.find_last_of('\\');
-      std::string name = path.substr(slash + 1);
-      if (EqualsIgnoreCase(name.substr(name.size() >= 4 ? name.size() - 4 : 0),
-                           ".exe"))
-        name.resize(name.size() - 4);
-      machine.SetAppPath(slash == std::string::npos ? ""
-                                                    : path.substr(0, slash));
-      machine.SetExeName(name);
-      if (frmSplash_Load(machine, profiles, host) ==
-          StartupKind::kStartedInstalled) {
-        machine_event("ends " + path);
-        continue;
-      }
-      make_app();
-      app->Load();
-    }
-  };
-
   host.SetEnd(sc.run_until);
   try {
-    bool rebooted = false;
-    try {
-      app->Load();
-      host.RunUntil(sc.run_until);
-    } catch (const MachineRebooted&) {
-      rebooted = true;
-    }
-    while (rebooted) {
-      rebooted = false;
-      try {
-        boot();
-        host.RunUntil(sc.run_until);
-      } catch (const MachineRebooted&) {
-        rebooted = true;
-      }
-    }
+    // Time 0 is the main window's load: the splash's second is not run.
+    program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
   } catch (const RunEnded&) {
     // The power went off: the state stands as it is.
   }
   ordered_json final_state =
-      FinalState(*app, registry, profiles, machine, client);
+      FinalState(program.app(), registry, profiles, machine, client);
   if (options.on_final) options.on_final(final_state);
   transcript.Write("final", final_state);
   return transcript.events();
