@@ -11,6 +11,8 @@
 int main(int argc, char** argv) {
   using namespace quorvex::sim;
   CLI::App cli{"Runs the Quorvex mail server on a simulated chat client"};
+  // A scenario path such as /work/x.scn is a path, not a Windows option.
+  cli.allow_windows_style_options(false);
   std::string scenario_path, out_path, format = "jsonl", root;
   bool realtime = false, demo = false;
   auto* scenario_option =
