@@ -38,7 +38,7 @@ struct FrmAbout {
   void Form_Load();
   void lblExit_Click() { form.Close(); }
   std::vector<const Label*> Labels() const {
-    return {&picTitle, &lblName, &lblFor, &lblAuthor, &lblArt};
+    return {&lblName, &lblFor, &lblAuthor, &lblArt};
   }
 };
 
@@ -51,7 +51,7 @@ struct FrmCredits {
 
   void Form_Load();
   void lblExit_Click() { form.Close(); }
-  std::vector<const Label*> Labels() const { return {&picTitle, &lblCredits}; }
+  std::vector<const Label*> Labels() const { return {&lblCredits}; }
 };
 
 // mnuContactInfo: a message titled "contact info" with the author's names.

@@ -141,7 +141,7 @@ void BustRoom(const SessionContext& s) {
   // A bust under way (its tick found the client signed off and ran this
   // restart) goes on with its own room; pressing start would stop it.
   if (!buster.busting()) {
-    buster.txtRoom.text = s.room_name;
+    buster.txtRoom.Set(s.room_name);
     buster.cmdStart_Click();
   }
   // From inside the buster's tick its next tick cannot come before this

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "desktop/control_ids.h"
@@ -44,8 +42,14 @@ class DesktopTest : public ::testing::Test {
     si.cb = sizeof(si);
     ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE,
                                0, nullptr, nullptr, &si, &process_));
-    main_ = WaitWindow(kMainClass, nullptr, 60);
+    main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
     ASSERT_NE(main_, nullptr) << "the main window never showed";
+    // The main window's load has run once it marks the program running.
+    ASSERT_TRUE(WaitFor(
+        [&] {
+          return RegistryFile().find("\"Load\": \"True\"") != std::string::npos;
+        },
+        30));
   }
 
   void TearDown() override {
@@ -74,11 +78,22 @@ class DesktopTest : public ::testing::Test {
     EXPECT_EQ(DialogPrompt(box), "do you want to make new lists?");
     PressDialogButton(box, IDYES);
   }
+  // The simulated registry as the program last wrote it. Opened so that
+  // the program can still replace the file while it is read (it renames a
+  // new file over it on every change).
   std::string RegistryFile() const {
-    std::ifstream in(root_ / "registry.json");
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
+    HANDLE f =
+        CreateFileW((root_ / "registry.json").c_str(), GENERIC_READ,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (f == INVALID_HANDLE_VALUE) return "";
+    std::string text;
+    char buffer[4096];
+    DWORD got = 0;
+    while (ReadFile(f, buffer, sizeof buffer, &got, nullptr) && got > 0)
+      text.append(buffer, got);
+    CloseHandle(f);
+    return text;
   }
 
   fs::path root_;

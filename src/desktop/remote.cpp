@@ -21,16 +21,41 @@ bool WaitFor(const std::function<bool()>& done, double seconds) {
   }
 }
 
-HWND WaitWindow(const wchar_t* class_name, const wchar_t* title,
-                double seconds) {
-  HWND found = nullptr;
+namespace {
+
+struct Search {
+  const wchar_t* class_name;
+  const wchar_t* title;
+  DWORD process_id;
+  HWND found;
+};
+
+BOOL CALLBACK Visit(HWND w, LPARAM lp) {
+  auto* s = reinterpret_cast<Search*>(lp);
+  wchar_t cls[64];
+  GetClassNameW(w, cls, 64);
+  if (lstrcmpiW(cls, s->class_name) != 0 || !IsWindowVisible(w)) return TRUE;
+  if (s->title && Utf8(std::wstring(s->title)) != Text(w)) return TRUE;
+  DWORD pid = 0;
+  GetWindowThreadProcessId(w, &pid);
+  if (s->process_id && pid != s->process_id) return TRUE;
+  s->found = w;
+  return FALSE;
+}
+
+}  // namespace
+
+HWND WaitWindow(const wchar_t* class_name, const wchar_t* title, double seconds,
+                DWORD process_id) {
+  Search s{class_name, title, process_id, nullptr};
   WaitFor(
       [&] {
-        found = FindWindowW(class_name, title);
-        return found != nullptr && IsWindowVisible(found);
+        s.found = nullptr;
+        EnumWindows(Visit, reinterpret_cast<LPARAM>(&s));
+        return s.found != nullptr;
       },
       seconds);
-  return found && IsWindowVisible(found) ? found : nullptr;
+  return s.found;
 }
 
 bool Showing(const wchar_t* class_name) {

@@ -15,8 +15,10 @@ namespace quorvex::desktop::remote {
 bool WaitFor(const std::function<bool()>& done, double seconds);
 // The top-level window of `class_name` (and `title`, unless null), waited
 // for up to `seconds`; nullptr when it did not come.
-HWND WaitWindow(const wchar_t* class_name, const wchar_t* title,
-                double seconds);
+// With `process_id`, only a window of that process counts (a program
+// that is ending may still show its own).
+HWND WaitWindow(const wchar_t* class_name, const wchar_t* title, double seconds,
+                DWORD process_id = 0);
 // Whether a visible top-level window of `class_name` exists.
 bool Showing(const wchar_t* class_name);
 

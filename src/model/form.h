@@ -24,6 +24,10 @@ class Form {
   // Open and Close tell observers only of a real change.
   void Open() { Change(true); }
   void Close() { Change(false); }
+  // A minimised window stays open; a view restores it.
+  bool minimized() const { return minimized_; }
+  void Minimize() { SetMinimized(true); }
+  void Restore() { SetMinimized(false); }
 
   int Subscribe(Observer o) { return observers_.Add(std::move(o)); }
   void Unsubscribe(int id) { observers_.Remove(id); }
@@ -35,8 +39,15 @@ class Form {
     observers_.Notify(*this);
   }
 
+  void SetMinimized(bool on) {
+    if (on == minimized_) return;
+    minimized_ = on;
+    observers_.Notify(*this);
+  }
+
   std::string name_;
   bool open_ = false;
+  bool minimized_ = false;
   Observers<const Form&> observers_;
 };
 

@@ -144,15 +144,15 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   return true;
 }
 
-void RunMailJob(FrmMain& frm, const ClientContext& c) {
+void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   const TakenGroup group = frm.pending.TakeNextMail(
       /*lists=*/false, frm.lblPending, MakeCounterView(frm));
   if (group.requesters.empty() || group.wanted == "list") return;
 
   const std::string sn = FirstRequester(group.requesters);
   const std::string& number = group.wanted;
-  frm.forward_sn = sn;
-  frm.forward_number = number;
+  f.sn = sn;
+  f.number = number;
   const std::string notify = NotifyText(frm);
 
   if (IsDeadMail(frm, number)) {
@@ -176,10 +176,10 @@ void RunMailJob(FrmMain& frm, const ClientContext& c) {
   if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps))
     return;
 
-  ForwardErrorSweep(frm, c);
-  if (frm.settings.MailNotify && !frm.forward_error)
+  ForwardErrorSweep(frm, c, f);
+  if (frm.settings.MailNotify && !f.error)
     Say(frm, c, sn + " mail <U>" + number + "</U> " + notify);
-  frm.forward_error = false;
+  f.error = false;
   frm.SetStatus("status: scanning chat");
 }
 

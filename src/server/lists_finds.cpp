@@ -135,7 +135,7 @@ void RunAutomaticAol(const ClientContext& c) {
       {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = close});
 }
 
-void RunListJob(FrmMain& frm, const ClientContext& c) {
+void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   // The list step ran: the interval starts again, served or not.
   frm.ListSeconds = 0;
   const int lists = frm.lstLists.Count();
@@ -155,17 +155,17 @@ void RunListJob(FrmMain& frm, const ClientContext& c) {
     const ListMail list = ListMailAt(frm.lstLists, i);
     // A list mail the client refused once is not tried again.
     if (IsDeadMail(frm, list.position)) continue;
-    frm.forward_sn = sn;
-    frm.forward_number = list.position;
+    f.sn = sn;
+    f.number = list.position;
     const std::string body =
         ForwardBody(frm, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(frm, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps))
       return;
-    ForwardErrorSweep(frm, c);
-    if (s.ListNotify && !frm.forward_error)
+    ForwardErrorSweep(frm, c, f);
+    if (s.ListNotify && !f.error)
       Say(frm, c, sn + " list <U>" + list.k + "</U> " + NotifyText(frm));
-    frm.forward_error = false;
+    f.error = false;
   }
   if (!s.ListNotify) Say(frm, c, range + " were sent");
   frm.SetStatus("status: scanning chat");

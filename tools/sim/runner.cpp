@@ -121,6 +121,22 @@ void WatchList(const ListBox& list, Transcript& t) {
       });
 }
 
+// A window's opening, closing and minimising. The main window is open
+// from the start to the end, so only its minimising is written.
+void WatchForm(Form& form, Transcript& t, bool open_events) {
+  auto last =
+      std::make_shared<std::pair<bool, bool>>(form.open(), form.minimized());
+  form.Subscribe([&t, last, open_events](const Form& f) {
+    const char* what = nullptr;
+    if (open_events && f.open() != last->first)
+      what = f.open() ? "opens" : "closes";
+    else if (f.minimized() != last->second)
+      what = f.minimized() ? "minimises" : "restores";
+    *last = {f.open(), f.minimized()};
+    if (what) t.Write("window", {{"name", f.name()}, {"what", what}});
+  });
+}
+
 ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
@@ -164,17 +180,22 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
           {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
     mailboxes[sn] = box;
   }
-  return ordered_json{{"lists", lists},
-                      {"ReplyQueue", frm.ReplyQueue.Items()},
-                      {"MistakeList", frm.MistakeList.Items()},
-                      {"labels", labels},
-                      {"status", frm.status.text()},
-                      {"menus", menus},
-                      {"checked", checked},
-                      {"disabled", disabled},
-                      {"registry", reg},
-                      {"files", files},
-                      {"mailboxes", mailboxes}};
+  ordered_json state{{"lists", lists},
+                     {"ReplyQueue", frm.ReplyQueue.Items()},
+                     {"MistakeList", frm.MistakeList.Items()},
+                     {"labels", labels}};
+  // The text boxes of open windows that show the program's text.
+  ordered_json texts = ordered_json::object();
+  for (const auto& [name, box] : app.OpenTexts()) texts[name] = box->text;
+  if (!texts.empty()) state["texts"] = texts;
+  state["status"] = frm.status.text();
+  state["menus"] = menus;
+  state["checked"] = checked;
+  state["disabled"] = disabled;
+  state["registry"] = reg;
+  state["files"] = files;
+  state["mailboxes"] = mailboxes;
+  return state;
 }
 
 // The installed program's file: enough bytes for the restart copy to show
@@ -213,37 +234,10 @@ void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
 }  // namespace
 
 ControlCatalogue Controls() {
-  // A throwaway program answers what its controls are.
-  struct Null : Registry, ProfileFile {
-    std::optional<std::string> Get(const std::string&, const std::string&,
-                                   const std::string&) const override {
-      return std::nullopt;
-    }
-    void Save(const std::string&, const std::string&, const std::string&,
-              const std::string&) override {}
-    void DeleteKey(const std::string&, const std::string&,
-                   const std::string&) override {}
-    void DeleteApp(const std::string&) override {}
-    Registry::Sections Dump(const std::string&) const override { return {}; }
-    std::string GetString(const std::string&, const std::string&,
-                          const std::string&,
-                          const std::string& d) const override {
-      return d;
-    }
-    void WriteString(const std::string&, const std::string&, const std::string&,
-                     const std::optional<std::string>&) override {}
-  };
-  static VirtualHost host;
-  static SimWorld world;
-  static SimClient client(host, world);
-  static Null null;
-  static ScriptedPrompter prompter;
-  static FolderMachine machine(fs::temp_directory_path());
-  static QuorvexApp app(Ports{host, client, null, null, prompter, machine, 1});
   ControlCatalogue c;
-  c.pressable = [](const std::string& n, int i) { return app.CanPress(n, i); };
-  c.selectable = [](const std::string& n) { return app.CanSelect(n); };
-  c.settable = [](const std::string& n) { return app.CanSet(n); };
+  c.pressable = &QuorvexApp::CanPress;
+  c.selectable = &QuorvexApp::CanSelect;
+  c.settable = &QuorvexApp::CanSet;
   return c;
 }
 
@@ -282,7 +276,12 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.SetObserver(&observer);
 
   prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") return;
+    if (r.kind == "message") {
+      transcript.Write(
+          "prompt",
+          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
+      return;
+    }
     transcript.Write("prompt", {{"kind", r.kind},
                                 {"title", r.title},
                                 {"prompt", r.prompt},
@@ -295,7 +294,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
     FrmMain& frm = app.frm();
-    for (const Label* l : app.Labels())
+    for (const Label* l : app.AllLabels())
       const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
         transcript.Write("label",
                          {{"name", label.name()}, {"text", label.caption()}});
@@ -308,6 +307,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     WatchList(frm.lstMails, transcript);
     WatchList(frm.ReplyQueue, transcript);
     WatchList(frm.MistakeList, transcript);
+    WatchForm(app.frmMainForm(), transcript, false);
+    WatchForm(app.frmChatroom().form, transcript, true);
+    WatchForm(app.frmAbout().form, transcript, true);
+    WatchForm(app.frmCredits().form, transcript, true);
     if (!std::exchange(first_app, false)) return;
     // The mailbox's titles stand in lstMails from the start, as if read,
     // so that requests can be made before the server is started; starting

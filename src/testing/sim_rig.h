@@ -6,8 +6,8 @@
 
 #include "ports/virtual_host.h"
 #include "sim/sim_client.h"
-#include "sim/sim_recorder.h"
 #include "sim/sim_world.h"
+#include "testing/sim_recorder.h"
 
 namespace quorvex {
 

@@ -14,13 +14,13 @@
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/mailbox.h"
-#include "client/recording_api.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "ports/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
+#include "testing/recording_api.h"
 
 namespace quorvex {
 
