@@ -13,7 +13,6 @@
 #include "desktop/menu_popup.h"
 #include "desktop/messages_window.h"
 #include "desktop/room_window.h"
-#include "settings/inserts.h"
 
 namespace quorvex::desktop {
 
@@ -67,13 +66,21 @@ void Desktop::RunMenu(const std::string& name) {
       buster_->Open(at);
     });
   } else if (name == "mnuAbout") {
-    about_->Open(kAboutClass, "about", AboutText(), at);
+    Post([this, at] {
+      app_.Press("mnuAbout");
+      const FrmAbout& a = app_.frmAbout();
+      about_->Open(kAboutClass, "about",
+                   a.lblName.caption() + "\r\n" + a.lblFor.caption() +
+                       "\r\n\r\n" + a.lblAuthor.caption() + "\r\n" +
+                       a.lblArt.caption(),
+                   at);
+    });
   } else if (name == "mnuCredits") {
-    credits_->Open(kCreditsClass, "credits", CreditsText(), at);
-  } else if (name == "mnuContactInfo") {
-    Post([this] { prompter_.MsgBox(kContactInfo, "contact info"); });
-  } else if (name == "mnuWeb") {
-    Post([this] { prompter_.MsgBox(quorvex::kWebAddress, "quorvex website"); });
+    Post([this, at] {
+      app_.Press("mnuCredits");
+      credits_->Open(kCreditsClass, "credits",
+                     app_.frmCredits().lblCredits.caption(), at);
+    });
   } else if (!name.empty()) {
     // Settings entries, preset items and the pending menu.
     auto [control, index] = SplitGroupItem(name);

@@ -14,18 +14,6 @@ void InfoWindow::Open(const wchar_t* class_name, const std::string& caption,
   UpdateWindow(hwnd());
 }
 
-std::string AboutText() {
-  return std::string("quorvex mail server v") + kVersion +
-         "\r\ncoded for america online 5.0\r\n\r\ncode: kestrin\r\n"
-         "art: mira vale";
-}
-
-std::string CreditsText() {
-  return "artists: mira vale, o. brandt\r\n"
-         "testers: jun, tessa, the lobby regulars\r\n\r\n"
-         "thanks to everyone who asked for a mail";
-}
-
 std::string SplashText() {
   return std::string("quorvex mail server v") + kVersion +
          "\r\ncoded for america online 5.0\r\n\r\nloading...";

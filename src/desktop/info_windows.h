@@ -16,11 +16,7 @@ class InfoWindow : public SmallWindow {
   void lblExit_Click() override { Destroy(); }
 };
 
-// The texts of the windows, and of the contact-info message (the web
-// address is the "[web]" insert's).
-std::string AboutText();
-std::string CreditsText();
+// The splash window's text.
 std::string SplashText();
-inline constexpr const char* kContactInfo = "aol: kestrin qx\r\naim: kestrinqx";
 
 }  // namespace quorvex::desktop
