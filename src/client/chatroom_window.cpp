@@ -1,5 +1,7 @@
 #include "client/chatroom_window.h"
 
+#include <utility>
+
 #include "client/chat_room.h"
 #include "client/wait.h"
 
@@ -10,9 +12,10 @@ constexpr const char* kTitle = "quorvex mail server by kestrin";
 constexpr int kReturn = 13;
 }  // namespace
 
-FrmChatroom::FrmChatroom(const ClientContext& c, ListBox& reply_queue,
+FrmChatroom::FrmChatroom(const ClientContext& c,
+                         std::function<void(const std::string&)> queue,
                          const bool& server_on)
-    : c_(c), reply_queue_(reply_queue), server_on_(server_on) {
+    : c_(c), queue_(std::move(queue)), server_on_(server_on) {
   Timer1 = c_.host.CreateTimer([this] { Timer1_Timer(); });
   Timer1->SetInterval(kChatroomPeopleInterval);
   // The change handler of txtChat keeps the newest line in view.
@@ -72,7 +75,7 @@ void FrmChatroom::txtSend_KeyPress(int key) {
   const std::string text = txtSend.text;
   if (server_on_) {
     // The serving loop says it in its turn.
-    reply_queue_.Add("send-" + text);
+    queue_(text);
   } else {
     PauseSeconds(c_.host, 0.55f);
     ChatSend(c_, text);

@@ -14,7 +14,9 @@ class ChatroomTest : public ClientTest {
   ChatScanner scanner{api, host};
   ListBox reply_queue{"ReplyQueue"};
   bool server_on = false;
-  FrmChatroom window{c, reply_queue, server_on};
+  FrmChatroom window{
+      c, [this](const std::string& text) { reply_queue.Add("send-" + text); },
+      server_on};
 };
 
 TEST_F(ChatroomTest, MirrorIsEmptiedAtSixHundredCharacters) {

@@ -3,6 +3,7 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -10,7 +11,22 @@ namespace {
 
 // The tool bar's icon row.
 Hwnd FindToolbarRow(WindowApi& api, Hwnd frame) {
-  return FindChild(api, FindChild(api, frame, "AOL Toolbar"), "_AOL_Toolbar");
+  return FindChild(api, FindChild(api, frame, aol::kToolbarFrameClass),
+                   aol::kToolbarClass);
+}
+
+// The pop-up menu, once it shows.
+Hwnd VisibleMenu(WindowApi& api) {
+  const Hwnd menu = api.FindWindowA(aol::kPopupMenuClass, nullptr);
+  return menu != 0 && api.IsWindowVisible(menu) ? menu : 0;
+}
+
+// The wait for a tool-bar menu has no limit: the member sees the client
+// and can help it. A click the busy client lost is made again, at a pace.
+WaitOptions MenuClickedAgain(WindowApi& api, Hwnd icon) {
+  return {.repeat = [&api, icon] { PostClickIcon(api, icon); },
+          .pace = kAskAgainSeconds,
+          .pace_max = kAskAgainMaxSeconds};
 }
 
 }  // namespace
@@ -23,23 +39,24 @@ void RunClientMenu(WindowApi& api, int submenu, int item) {
 }
 
 void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
-  const Hwnd frame = c.api.FindWindowExA(0, 0, "AOL Frame25", nullptr);
+  const Hwnd frame = c.api.FindWindowExA(0, 0, aol::kFrameClass, nullptr);
   const Hwnd first =
-      FindChild(c.api, FindToolbarRow(c.api, frame), "_AOL_Icon");
-  PostClickIcon(c.api, NextSibling(c.api, first, icon_number - 1));
+      FindChild(c.api, FindToolbarRow(c.api, frame), aol::kIconClass);
+  const Hwnd icon = NextSibling(c.api, first, icon_number - 1);
+  PostClickIcon(c.api, icon);
 
   Hwnd menu = 0;
-  WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowExA(0, 0, "#32768", nullptr);
-    return menu != 0 && c.api.IsWindowVisible(menu);
-  });
+  WaitUntil(
+      c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
+      MenuClickedAgain(c.api, icon));
   Pause(c.host, 0.5);
   c.api.PostMessageA(menu, win::kWmChar, static_cast<unsigned char>(letter), 0);
 }
 
 void OpenOfflineMailbox(const ClientContext& c) {
   const Hwnd row = FindToolbarRow(c.api, FindFrame(c.api));
-  const Hwnd mail_icon = FindNthChild(c.api, row, "_AOL_Icon", 3);
+  const Hwnd mail_icon =
+      FindNthChild(c.api, row, aol::kIconClass, aol::kToolbarMailIcon);
 
   const Point saved = c.api.GetCursorPos();
   const Point corner = c.api.ScreenSize();
@@ -47,10 +64,9 @@ void OpenOfflineMailbox(const ClientContext& c) {
   PostClickIcon(c.api, mail_icon);
 
   Hwnd menu = 0;
-  WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowA("#32768", nullptr);
-    return menu != 0 && c.api.IsWindowVisible(menu);
-  });
+  WaitUntil(
+      c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
+      MenuClickedAgain(c.api, mail_icon));
   // Up twice, Right into the submenu, Return. The second Up has no key up;
   // the menu does not mind and it has always been sent so.
   PostKey(c.api, menu, win::kVkUp);
@@ -63,7 +79,7 @@ void OpenOfflineMailbox(const ClientContext& c) {
 void Keyword(WindowApi& api, std::string_view address) {
   const Hwnd row = FindToolbarRow(api, FindFrame(api));
   const Hwnd edit =
-      FindChild(api, FindChild(api, row, "_AOL_Combobox"), "Edit");
+      FindChild(api, FindChild(api, row, aol::kComboClass), "Edit");
   SetText(api, edit, address);
   api.SendMessageA(edit, win::kWmChar, win::kVkSpace, 0);
   api.SendMessageA(edit, win::kWmChar, win::kVkReturn, 0);

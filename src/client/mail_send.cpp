@@ -5,12 +5,15 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
 namespace {
 
-constexpr int kNudgeRounds = 200;  // rounds between repeated Write clicks
+constexpr int kWriteSendNow = 16;
+// How long the previous "Write Mail" window may take to go out.
+constexpr double kPreviousMailSeconds = 60;
 
 enum class Send { kNowThenLater, kNow, kUntilSent };
 
@@ -39,14 +42,14 @@ struct MailControls {
 
   void Find(WindowApi& api, Hwnd window, int send_now_at, bool with_later) {
     for (int i = 0; i < 3; ++i)
-      edit[i] = FindNthChild(api, window, "_AOL_Edit", i + 1);
-    body = FindChild(api, window, "RICHCNTL");
-    combo = FindChild(api, window, "_AOL_Combobox");
+      edit[i] = FindNthChild(api, window, aol::kEditClass, i + 1);
+    body = FindChild(api, window, aol::kRichTextClass);
+    combo = FindChild(api, window, aol::kComboClass);
     font = FindChild(api, window, "_AOL_Fontcombo");
-    send_now = FindNthChild(api, window, "_AOL_Icon", send_now_at);
-    send_later = with_later
-                     ? FindNthChild(api, window, "_AOL_Icon", send_now_at + 1)
-                     : 0;
+    send_now = FindNthChild(api, window, aol::kIconClass, send_now_at);
+    send_later =
+        with_later ? FindNthChild(api, window, aol::kIconClass, send_now_at + 1)
+                   : 0;
   }
 };
 
@@ -58,20 +61,21 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   const std::string caption = GetText(api, window);
 
   MailControls mail;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            mail.Find(api, window, 14, later);
-            // Icons are counted by position: in a window still being
-            // built the count wraps round to the first ones.
-            for (int i = 1; i <= 4; ++i)
-              if (mail.send_later == FindNthChild(api, window, "_AOL_Icon", i))
-                return false;
-            return mail.body && mail.combo &&
-                   GetText(api, mail.send_now) == "Send Now" &&
-                   (!later || GetText(api, mail.send_later) == "Send Later");
-          },
-          {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+  if (WaitUntil(c.host,
+                [&] {
+                  mail.Find(api, window, 14, later);
+                  // Icons are counted by position: in a window still being
+                  // built the count wraps round to the first ones.
+                  for (int i = 1; i <= 4; ++i)
+                    if (mail.send_later ==
+                        FindNthChild(api, window, aol::kIconClass, i))
+                      return false;
+                  return mail.body && mail.combo &&
+                         GetText(api, mail.send_now) == "Send Now" &&
+                         (!later ||
+                          GetText(api, mail.send_later) == "Send Later");
+                },
+                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
     return;
 
   const std::string text = c.ExpandInserts(std::string(body));
@@ -96,25 +100,61 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   ShrinkStatusWindow(api);
 }
 
+// A "Write Mail" window still open is the previous mail going out: a new
+// one asked for now would be found as that one and written into, and the
+// previous mail lost. Waits until it has gone, clicking its Send Now again
+// at a pace in case every click was lost; one still there after a minute
+// (no recipient, a person's draft) is closed. False when signed off.
+bool WaitForPreviousWrite(const ClientContext& c) {
+  WindowApi& api = c.api;
+  const WaitEnd end = WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
+                                {.give_up = SignedOff(api),
+                                 .repeat =
+                                     [&] {
+                                       const Hwnd send_now = FindNthChild(
+                                           api, FindWriteMail(api),
+                                           aol::kIconClass, kWriteSendNow);
+                                       if (GetText(api, send_now) == "Send Now")
+                                         ClickIcon(api, send_now);
+                                     },
+                                 .pace = kAskAgainSeconds,
+                                 .pace_max = kAskAgainMaxSeconds,
+                                 .within = kPreviousMailSeconds});
+  if (end == WaitEnd::kGaveUp) return false;
+  if (end == WaitEnd::kOutOfTime) {
+    return WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
+                     {.give_up = SignedOff(api), .every = 1, .repeat = [&] {
+                        CloseWindow(api, FindWriteMail(api));
+                      }}) == WaitEnd::kMet;
+  }
+  return true;
+}
+
 void Write(const ClientContext& c, std::string_view recipients,
            std::string_view subject, std::string_view body, Send how) {
   WindowApi& api = c.api;
   const bool later = how == Send::kNowThenLater;
+  if (!WaitForPreviousWrite(c)) return;
   const Hwnd frame = FindFrame(api);
-  const Hwnd write_icon = FindToolbarIcon(api, 2);
+  const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
 
   MailControls mail;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            mail.Find(api, FindDocument(api, kWriteMail), 16, true);
-            return !GetText(api, mail.send_now).empty() &&
-                   (!later || !GetText(api, mail.send_later).empty());
-          },
-          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = [&] {
-             PostClickIcon(api, write_icon);
-           }}) != WaitEnd::kMet)
+  if (WaitUntil(c.host,
+                [&] {
+                  mail.Find(api, FindWriteMail(api), kWriteSendNow, true);
+                  return !GetText(api, mail.send_now).empty() &&
+                         (!later || !GetText(api, mail.send_later).empty());
+                },
+                {.give_up = SignedOff(api),
+                 // Asked again only while no window has come: one that
+                 // came is still filling in its icons.
+                 .repeat =
+                     [&] {
+                       if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
+                     },
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   SetText(api, mail.edit[0], recipients);
@@ -139,7 +179,7 @@ void Write(const ClientContext& c, std::string_view recipients,
                   PauseSeconds(c.host, 0.6f);
                   ClickIcon(api, mail.send_now);
                   DoEvents(c.host, 2);
-                  return FindDocument(api, kWriteMail) == 0;
+                  return FindWriteMail(api) == 0;
                 },
                 {.give_up = SignedOff(api)});
       break;

@@ -68,6 +68,31 @@ TEST_F(MailSendTest, AForwardWindowIsFilledOnlyWhenSendNowIsThere) {
   EXPECT_EQ(mails.size(), 1u);
 }
 
+TEST_F(MailSendTest, EachWriteWaitsForThePreviousWindowToGo) {
+  Launch();
+  WriteMailNow(c, "Ann", "one", "first");
+  WriteMail(c, "Bob", "two", "second");
+  WriteMailNow(c, "Ann", "three", "third");
+  Run(3);
+  ASSERT_EQ(mails.size(), 3u);
+  EXPECT_EQ(mails[0], (MailSeen{"Ann", "one", "first", true}));
+  EXPECT_EQ(mails[1], (MailSeen{"Bob", "two", "second", true}));
+  EXPECT_EQ(mails[2], (MailSeen{"Ann", "three", "third", true}));
+
+  // A window nobody can send (no recipient) is closed after a minute, and
+  // the next mail goes out in a window of its own.
+  PostClickIcon(api, FindToolbarIcon(api, 2));
+  Run(1);
+  ASSERT_NE(FindWriteMail(api), 0u);
+  const double start = host.Elapsed();
+  WriteMailNow(c, "Bob", "four", "fourth");
+  EXPECT_GE(host.Elapsed() - start, 60);
+  EXPECT_LT(host.Elapsed() - start, 62);
+  Run(2);
+  ASSERT_EQ(mails.size(), 4u);
+  EXPECT_EQ(mails[3], (MailSeen{"Bob", "four", "fourth", true}));
+}
+
 TEST_F(MailSendTest, UntilSentOutlastsLostClicks) {
   sim.knobs().lost_click_chance = 1;  // every click while busy is lost
   sim.knobs().busy = 2;

@@ -7,6 +7,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -17,7 +18,7 @@ constexpr const char* kRoomAddress = "aol://2719:2-2-";
 
 // The client's message box: here, the refusal of a full room.
 Hwnd FindClientMessageBox(WindowApi& api) {
-  return api.FindWindowA("#32770", kClientBoxCaption);
+  return api.FindWindowA(aol::kDialogClass, kClientBoxCaption);
 }
 
 // Whether the client's current room is the wanted one. The client's

@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -20,8 +21,6 @@ constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
 constexpr int kCloseRounds = 100;
 constexpr float kCloseWait = 0.4f;
-// Rounds of waiting for a preferences window before asking again.
-constexpr int kAskAgainRounds = 30000;
 constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
@@ -39,7 +38,7 @@ void RunProgram(const SessionContext& s, const std::string& path) {
 // window in the sibling order.
 Hwnd FindSignOnButton(WindowApi& api) {
   const Hwnd first =
-      FindChild(api, FindDocument(api, kSignOnCaption), "_AOL_Icon");
+      FindChild(api, FindDocument(api, kSignOnCaption), aol::kIconClass);
   return first ? NextSibling(api, first, 3) : 0;
 }
 
@@ -94,21 +93,26 @@ void SignOn(const SessionContext& s) {
   SetStatus(s, "status: signing online");
   while (true) {
     host.DoEvents();
+    // The sign-on may end while the round looks at its progress: the
+    // "Sign On" window is then gone for good, and signed on is the end.
     Hwnd button = 0;
-    WaitUntil(host, [&] { return (button = FindSignOnButton(api)) != 0; });
+    WaitUntil(host, [&] {
+      return (button = FindSignOnButton(api)) != 0 || IsSignedOn(api);
+    });
+    if (IsSignedOn(api)) return;
     ClickIcon(api, button);
     Pause(host, 5);
 
     // The progress modal names its step while signing on; any other text
     // is an error to dismiss before trying again.
-    const Hwnd modal = api.FindWindowA("_AOL_Modal", nullptr);
+    const Hwnd modal = api.FindWindowA(aol::kModalClass, nullptr);
     const std::string text =
-        LCase(GetText(api, FindChild(api, modal, "_AOL_Static")));
+        LCase(GetText(api, FindChild(api, modal, aol::kStaticClass)));
     bool in_progress = false;
     for (const char* step : kSignOnSteps)
       in_progress = in_progress || text.find(step) != std::string::npos;
     if (!in_progress && !IsSignedOn(api)) {
-      ClickIcon(api, FindChild(api, modal, "_AOL_Icon"));
+      ClickIcon(api, FindChild(api, modal, aol::kIconClass));
       continue;
     }
     if (FindChildByTitle(api, FindMdiClient(api), "Welcome, ") != 0) return;
@@ -221,33 +225,34 @@ void SetMailPreferences(const ClientContext& c) {
 
   // The "Preferences" window, by its keyword.
   Keyword(api, "Preferences");
-  if (WaitUntil(
-          c.host, [&] { return FindDocument(api, "Preferences") != 0; },
-          {.give_up = signed_off, .every = kAskAgainRounds, .repeat = [&] {
-             Keyword(api, "Preferences");
-           }}) != WaitEnd::kMet)
+  if (WaitUntil(c.host, [&] { return FindDocument(api, "Preferences") != 0; },
+                {.give_up = signed_off,
+                 .repeat = [&] { Keyword(api, "Preferences"); },
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
   auto click_mail_tab = [&] {
     ClickIcon(api, api.FindWindowExA(FindDocument(api, "Preferences"), 0,
-                                     "_AOL_Icon", "Mail"));
+                                     aol::kIconClass, "Mail"));
   };
   click_mail_tab();
   Hwnd page = 0;
   if (WaitUntil(c.host,
                 [&] {
-                  return (page = api.FindWindowA("_AOL_Modal",
+                  return (page = api.FindWindowA(aol::kModalClass,
                                                  "Mail Preferences")) != 0;
                 },
                 {.give_up = signed_off,
-                 .every = kAskAgainRounds,
-                 .repeat = click_mail_tab}) != WaitEnd::kMet)
+                 .repeat = click_mail_tab,
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // A click toggles a box: only those not yet as wanted are clicked.
   for (const MailPreference& p : kMailPreferences) {
-    const Hwnd box = api.FindWindowExA(page, 0, "_AOL_Checkbox", p.label);
+    const Hwnd box = api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label);
     if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }
@@ -255,9 +260,11 @@ void SetMailPreferences(const ClientContext& c) {
     ClickIcon(api, api.FindWindowExA(page, 0, "_AOL_icon", "OK"));
   };
   click_ok();
-  WaitUntil(
-      c.host, [&] { return !api.IsWindow(page); },
-      {.give_up = signed_off, .every = kAskAgainRounds, .repeat = click_ok});
+  WaitUntil(c.host, [&] { return !api.IsWindow(page); },
+            {.give_up = signed_off,
+             .repeat = click_ok,
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
   CloseWindow(api, FindDocument(api, "Preferences"));
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "sim/rich_text.h"
 
 namespace quorvex {
@@ -203,7 +204,7 @@ SimClient::Doc* SimClient::FindDoc(Kind kind) {
 }
 
 Hwnd SimClient::NewDoc(Kind kind, std::string caption) {
-  Hwnd h = tree_.Create(mdi_, "AOL Child", std::move(caption), true);
+  Hwnd h = tree_.Create(mdi_, aol::kChildClass, std::move(caption), true);
   if (!h) return 0;
   SimWindow* w = tree_.Get(h);
   w->owner = h;
@@ -245,11 +246,17 @@ void SimClient::AddIcons(Hwnd parent, const std::vector<const char*>& texts,
   for (Hwnd h : tree_.Children(parent))
     if (tree_.Get(h)->role == kRoleIcon) ++n;
   for (const char* t : texts)
-    Add(parent, "_AOL_Icon", with_text ? t : "", kRoleIcon, ++n);
+    Add(parent, aol::kIconClass, with_text ? t : "", kRoleIcon, ++n);
+}
+
+bool SimClient::Blocked(Hwnd doc) {
+  auto it = docs_.find(doc);
+  return it != docs_.end() && it->second.blocker != 0 &&
+         tree_.Exists(it->second.blocker);
 }
 
 Hwnd SimClient::Icon(Hwnd doc, int n) const {
-  return tree_.NthChild(doc, "_AOL_Icon", n);
+  return tree_.NthChild(doc, aol::kIconClass, n);
 }
 
 void SimClient::CloseDoc(Hwnd hwnd) {
@@ -286,12 +293,10 @@ void SimClient::CloseDoc(Hwnd hwnd) {
 void SimClient::OnDestroyed(const SimWindow& w) {
   auto it = docs_.find(w.hwnd);
   if (it != docs_.end()) {
-    if (it->second.kind == Kind::kBox) {
-      auto held = docs_.find(it->second.box_for);
-      if (held != docs_.end() && held->second.blocker == w.hwnd)
-        held->second.blocker = 0;
-    }
     docs_.erase(it);
+    // Whatever it held takes input again.
+    for (auto& [hwnd, doc] : docs_)
+      if (doc.blocker == w.hwnd) doc.blocker = 0;
   }
   if (w.hwnd == room_) {
     for (const PeopleEntry& e : people_entries_) FreePeopleEntry(e);
@@ -591,7 +596,9 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
       } else if (role == kRoleInput && c == '\r') {
         SendChatInput();
       } else if (role == kRoleKeyword && c == '\r') {
-        RunKeyword(w->text);
+        // The keyword box is the frame's: a box held over the frame (a
+        // full room's) lets nothing through until it is dismissed.
+        if (!Blocked(frame_)) RunKeyword(w->text);
       } else if (role == kRoleInput || role == kRoleKeyword ||
                  role == kRoleEdit || role == kRoleBody) {
         TypeChar(*w, c);
@@ -636,8 +643,8 @@ void SimClient::Click(Hwnd hwnd) {
     return;
   }
   if (w->role != kRoleIcon) return;
-  // A window held by a message box takes no clicks.
-  if (d->blocker && tree_.Exists(d->blocker)) return;
+  // A window held by a modal box takes no clicks.
+  if (Blocked(d->hwnd)) return;
   if (ClickLost()) return;
   const int n = w->tag;
   const Hwnd doc = d->hwnd;
@@ -660,7 +667,7 @@ void SimClient::Click(Hwnd hwnd) {
       break;
     case Kind::kIncoming:
       if (n == 1) {
-        Hwnd t = tree_.NthChild(doc, "_AOL_Tree", 1);
+        Hwnd t = tree_.NthChild(doc, aol::kTreeClass, 1);
         if (t) OpenSelectedMail(*tree_.Get(t));
       }
       break;
@@ -729,16 +736,16 @@ void SimClient::BuildFrame() {
       SimMemory(0x00A3F000 + static_cast<std::uint32_t>(starts_) * 0x10000);
   processes_.clear();
   menu_base_ = 0x0002A000 + static_cast<Hmenu>(starts_) * 0x10;
-  frame_ = NewTopLevel(Kind::kFrame, "AOL Frame25", "America Online");
+  frame_ = NewTopLevel(Kind::kFrame, aol::kFrameClass, "America Online");
   tree_.Get(frame_)->cx = knobs_.screen_width;
   tree_.Get(frame_)->cy = knobs_.screen_height;
-  Hwnd strip = Add(frame_, "AOL Toolbar", "");
-  toolbar_row_ = Add(strip, "_AOL_Toolbar", "");
+  Hwnd strip = Add(frame_, aol::kToolbarFrameClass, "");
+  toolbar_row_ = Add(strip, aol::kToolbarClass, "");
   AddIcons(toolbar_row_, kToolbarIcons);
-  Hwnd combo = Add(toolbar_row_, "_AOL_Combobox", "");
+  Hwnd combo = Add(toolbar_row_, aol::kComboClass, "");
   keyword_edit_ = Add(combo, "Edit", "", kRoleKeyword);
   AddIcons(toolbar_row_, {"Go"});
-  mdi_ = Add(frame_, "MDIClient", "");
+  mdi_ = Add(frame_, aol::kMdiClass, "");
 }
 
 void SimClient::DestroyClient() {
@@ -771,7 +778,8 @@ void SimClient::SyncMenuWindows() {
   std::size_t want = popup_ ? static_cast<std::size_t>(popup_->depth()) : 0;
   while (popup_windows_.size() > want) tree_.Destroy(popup_windows_.back());
   while (popup_windows_.size() < want)
-    popup_windows_.push_back(NewTopLevel(Kind::kMenu, "#32768", ""));
+    popup_windows_.push_back(
+        NewTopLevel(Kind::kMenu, aol::kPopupMenuClass, ""));
   if (want == 0) popup_.reset();
 }
 

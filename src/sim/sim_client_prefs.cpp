@@ -1,7 +1,8 @@
 // The client's preferences: the "Preferences" window (keyword
 // Preferences) and its pages, modal dialogs of check boxes. The boxes are
-// remembered between openings; the client's behaviour does not yet
-// depend on them.
+// remembered between openings; the mail page's confirm, close and spell
+// check boxes change how mail is sent (sim_client_mail.cpp).
+#include "ports/client_windows.h"
 #include "sim/sim_client.h"
 
 namespace quorvex {
@@ -13,12 +14,12 @@ struct Default {
   int checked;
 };
 const std::vector<Default> kMailPreferences = {
-    {"Confirm mail after it has been sent", 1},
-    {"Close mail after it has been sent", 1},
+    {kPrefConfirm, 1},
+    {kPrefClose, 1},
     {"Retain all mail I send in my Personal Filing Cabinet", 0},
     {"Retain all mail I read in my Personal Filing Cabinet", 0},
     {"Show addresses as hyperlinks", 1},
-    {"Perform a spell check before sending mail", 0},
+    {kPrefSpellCheck, 0},
 };
 const std::vector<Default> kGeneralPreferences = {
     {"Show AOL Channels at sign on", 1},
@@ -37,6 +38,13 @@ int SimClient::Preference(const std::string& label) const {
   return -1;
 }
 
+std::vector<std::pair<std::string, int>> SimClient::MailPreferences() const {
+  std::vector<std::pair<std::string, int>> out;
+  for (const Default& d : kMailPreferences)
+    out.emplace_back(d.label, Preference(d.label));
+  return out;
+}
+
 void SimClient::OpenPreferences() {
   if (!signed_on_) return;
   if (Doc* d = FindDoc(Kind::kPreferences)) {
@@ -44,16 +52,16 @@ void SimClient::OpenPreferences() {
     return;
   }
   Hwnd doc = NewDoc(Kind::kPreferences, "Preferences");
-  Add(doc, "_AOL_Static", "AOL Preferences");
+  Add(doc, aol::kStaticClass, "AOL Preferences");
   AddIcons(doc,
            {"General", "Toolbar", "Mail", "Font", "Marketing", "Passwords"});
 }
 
 void SimClient::OpenPreferencePage(bool mail) {
-  Hwnd page = NewTopLevel(Kind::kPreferencePage, "_AOL_Modal",
+  Hwnd page = NewTopLevel(Kind::kPreferencePage, aol::kModalClass,
                           mail ? "Mail Preferences" : "General Preferences");
   for (const Default& d : mail ? kMailPreferences : kGeneralPreferences) {
-    Hwnd box = Add(page, "_AOL_Checkbox", d.label, kRoleCheck);
+    Hwnd box = Add(page, aol::kCheckboxClass, d.label, kRoleCheck);
     tree_.Get(box)->check = Preference(d.label);
   }
   AddIcons(page, {"OK", "Cancel"});

@@ -52,6 +52,8 @@ struct Scenario {
   int signon_failures = 0;  // the next sign-ons that fail
   // Rooms that refuse the user's next tries (room name, tries).
   std::vector<std::pair<std::string, int>> full_rooms;
+  // The simulated client's knobs (name, value), set after everything else.
+  std::vector<std::pair<std::string, std::string>> knobs;
   std::vector<TimedLine> timeline;
   double run_until = 0;
 };
