@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Builds and runs every test, in the default preset, under
-# AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows build under
-# Wine. Pass preset names to run only some of them: scripts/test.sh default
+# Builds and runs every test: the default preset, AddressSanitizer +
+# UndefinedBehaviorSanitizer, and the Windows build under Wine (the desktop
+# program's tests included). Pass preset names to run
+# only some of them: scripts/test.sh default
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh

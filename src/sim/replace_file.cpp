@@ -1,9 +1,15 @@
 #include "sim/replace_file.h"
 
+#include <chrono>
 #include <fstream>
 #include <system_error>
+#include <thread>
 
 namespace quorvex {
+
+namespace {
+constexpr int kRenameAttempts = 100;  // a second at most
+}  // namespace
 
 std::filesystem::path ReplacementPath(const std::filesystem::path& path) {
   std::filesystem::path tmp = path;
@@ -38,7 +44,13 @@ bool ReplaceFileContents(const std::filesystem::path& path,
       return false;
     }
   }
-  fs::rename(tmp, path, ec);
+  // On Windows a reader holding the file open makes the rename fail for a
+  // moment: try again briefly before giving up.
+  for (int attempt = 0; attempt < kRenameAttempts; ++attempt) {
+    fs::rename(tmp, path, ec);
+    if (!ec) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   if (ec) {
     *error = "cannot replace " + path.string() + ": " + ec.message();
     std::error_code ignored;

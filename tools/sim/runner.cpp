@@ -23,6 +23,7 @@
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
@@ -271,23 +272,12 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   TranscriptObserver observer(transcript);
 
   // Set-up: stored values first, then the client as it stands at time 0.
-  for (const SetupValue& v : sc.registry)
-    registry.Save(kApp, v.section, v.key, v.value);
+  StageRegistry(sc, registry);
   for (const SetupValue& v : sc.ini)
     profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)),
                          v.section, v.key, v.value);
   InstallClient(machine, profiles, sc);
-  client.SetUserName(sc.user);
-  client.SetRoomName(sc.room);
-  for (const std::string& p : sc.people) client.AddPerson(p);
-  for (const std::string& m : sc.mails) client.AddMail(m);
-  for (const std::string& n : sc.full_mailboxes) client.SetFullMailbox(n);
-  for (int n : sc.dead_mails) client.SetDeadMail(n);
-  client.SetLatency(sc.latency_ms / 1000.0);
-  client.SetSignedOffAtStart(sc.signed_off);
-  client.knobs().signon_failures = sc.signon_failures;
-  for (const auto& [room, tries] : sc.full_rooms)
-    client.RefuseRoom(room, tries);
+  StageClient(sc, client);
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&client.knobs(), name, value);
   client.Launch();
