@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "model/text_util.h"
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 
@@ -11,7 +12,9 @@ constexpr double kPollSeconds = 0.01;
 }  // namespace
 
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how) {
+                  const WaitOptions& how, std::source_location where) {
+  const WaitTrace trace(how.name, where.function_name(), where.file_name(),
+                        where.line());
   for (std::int64_t round = 1;; ++round) {
     const bool done = met();
     if (how.give_up && how.give_up()) return WaitEnd::kGaveUp;
@@ -33,17 +36,20 @@ double ClockToWholeSecond(const Host& host) {
   return RoundHalfEven(std::floor(host.Clock() * 1000.0 + 1e-6) / 1000.0);
 }
 
-void Pause(Host& host, double seconds) {
+void Pause(Host& host, double seconds, std::source_location where) {
   if (seconds <= 0) return;  // no pause, whatever the clock's fraction
   // Clock() keeps growing past midnight where the day clock starts again
   // at 0, so a pause across midnight lasts as long as any other.
   const double start = ClockToWholeSecond(host);
   const double end = start + seconds;
   // Half a microsecond of slack: the host's clock counts whole microseconds.
-  WaitUntil(host, [&] { return host.Clock() - start + 5e-7 >= seconds; },
-            {.wake_by = end});
+  WaitUntil(
+      host, [&] { return host.Clock() - start + 5e-7 >= seconds; },
+      {.wake_by = end, .name = "pause"}, where);
 }
 
-void PauseSeconds(Host& host, float seconds) { Pause(host, seconds); }
+void PauseSeconds(Host& host, float seconds, std::source_location where) {
+  Pause(host, seconds, where);
+}
 
 }  // namespace quorvex

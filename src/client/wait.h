@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <source_location>
 
 #include "ports/host.h"
 
@@ -25,15 +26,20 @@ struct WaitOptions {
   std::int64_t rounds = 0;
   // A Clock() value the yield need not sleep past (time-bounded waits).
   double wake_by = 0;
+  // What the wait is for, as a watchdog reports a run stuck in it; without
+  // a name the place of the call says which wait it is.
+  const char* name = nullptr;
 };
 
 enum class WaitEnd { kMet, kGaveUp, kOutOfRounds };
 
 // Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
 // yield (DoEvents); pause; repeat action. There is no time limit of its
-// own: a virtual host ends a run by throwing out of DoEvents.
+// own: a virtual host ends a run by throwing out of DoEvents (at its end,
+// or when its watchdog finds the run stuck; `where` names the wait then).
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how = {});
+                  const WaitOptions& how = {},
+                  std::source_location where = std::source_location::current());
 
 // The clock (Host::Clock) at whole milliseconds, rounded half-to-even to a
 // whole second, as the old runtime stored its timer in a whole number.
@@ -45,7 +51,10 @@ void DoEvents(Host& host, int times);
 // Waits `seconds` from the clock rounded to a whole second: the rounding is
 // deliberate, a pause may end up to half a second early or late. A pause
 // of 0 (or less) returns at once.
-void Pause(Host& host, double seconds);
-void PauseSeconds(Host& host, float seconds);
+// `where` is the caller, named when a watchdog stops a run in the pause.
+void Pause(Host& host, double seconds,
+           std::source_location where = std::source_location::current());
+void PauseSeconds(Host& host, float seconds,
+                  std::source_location where = std::source_location::current());
 
 }  // namespace quorvex

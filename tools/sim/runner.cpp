@@ -21,6 +21,7 @@
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "sim/interrupt.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
@@ -257,13 +258,16 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   Transcript transcript(
       out, options.format, [&host] { return host.Elapsed(); },
       [&host] { return host.Clock(); });
-  if (options.realtime) {
-    auto wall0 = std::chrono::steady_clock::now();
-    host.SetPacer([wall0](double, double to) {
+  // Whenever time moves: a signal ends the run here, and a real-time run
+  // waits for the wall clock.
+  const bool realtime = options.realtime;
+  const auto wall0 = std::chrono::steady_clock::now();
+  host.SetPacer([realtime, wall0](double, double to) {
+    ThrowIfInterrupted();
+    if (realtime)
       std::this_thread::sleep_until(
           wall0 + std::chrono::microseconds(static_cast<long long>(to * 1e6)));
-    });
-  }
+  });
 
   FileRegistry registry(root.path() / "registry.json");
   IniProfileFile profiles;
