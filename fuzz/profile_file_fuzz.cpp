@@ -44,6 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
             : std::filesystem::temp_directory_path()) /
        ("qv-profile-fuzz-" + std::to_string(::getpid()) + ".ini"))
           .string();
+  static const bool cleanup = [] {
+    std::atexit([] { std::remove(file.c_str()); });
+    return true;
+  }();
+  (void)cleanup;
   FuzzedDataProvider in(data, size);
   const std::string section = Name(in), key = Name(in);
   std::string value;

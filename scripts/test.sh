@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and runs every test, in the default preset and under
+# Builds and runs every test (unit, scenario, kill test, short soak), in the default preset and under
 # AddressSanitizer + UndefinedBehaviorSanitizer. Pass preset names to run
 # only some of them: scripts/test.sh default
 set -euo pipefail
@@ -14,3 +14,8 @@ for preset in "${presets[@]}"; do
   cmake --build --preset "$preset" -j2
   ctest --preset "$preset"
 done
+# Each fuzz target briefly (about 20 s in all); the kill test and a short
+# soak run in ctest above. Longer runs: scripts/fuzz.sh all 600,
+# scripts/kill-test.sh 3000, scripts/soak.sh 1000.
+echo "=== fuzz (brief)"
+scripts/fuzz.sh all 4

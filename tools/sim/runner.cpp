@@ -18,6 +18,7 @@
 #include "ports/virtual_host.h"
 #include "server/machine_restart.h"
 #include "server/serve_engine.h"
+#include "sim/faulty_ports.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
@@ -179,6 +180,8 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
 // Thrown by the machine's reboot: the running program stops where it
 // stands, out of whatever tick it is in.
 struct MachineRebooted {};
+// Thrown from a timed "start" line to start the ended program again.
+struct ProgramStarted {};
 
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
@@ -276,6 +279,19 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   SimWorld world;
   SimClient client(host, world, sc.seed);
   TranscriptObserver observer(transcript);
+  // The program's own doors to its files go through ports that fail when
+  // the scenario asks for faults; the set-up and the final state use the
+  // files themselves.
+  FaultDice dice(
+      {sc.registry_write_faults, sc.profile_write_faults, sc.disk_full_faults,
+       sc.vanish_faults},
+      sc.seed ^ 0x5eedfa17ULL,
+      [&transcript](const std::string& kind, const std::string& what) {
+        transcript.Write("fault", {{"kind", kind}, {"what", what}});
+      });
+  FaultyRegistry app_registry(registry, dice);
+  FaultyProfileFile app_profiles(profiles, dice);
+  FaultyMachine app_machine(machine, dice);
 
   // Set-up: stored values first, then the client as it stands at time 0.
   for (const SetupValue& v : sc.registry)
@@ -293,6 +309,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.SetLatency(sc.latency_ms / 1000.0);
   client.SetSignedOffAtStart(sc.signed_off);
   client.knobs().signon_failures = sc.signon_failures;
+  client.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [room, tries] : sc.full_rooms)
     client.RefuseRoom(room, tries);
   client.Launch();
@@ -315,8 +332,9 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       app->frm().ended = true;
       app.reset();
     }
-    app = std::make_unique<QuorvexApp>(
-        Ports{host, client, registry, profiles, prompter, machine, sc.seed});
+    app = std::make_unique<QuorvexApp>(Ports{host, client, app_registry,
+                                             app_profiles, prompter,
+                                             app_machine, sc.seed});
     FrmMain& frm = app->frm();
     for (const Label* l : app->Labels())
       const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
@@ -377,6 +395,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
         if (app) app->Select(line.name, line.index);
       } else if (line.verb == "set") {
         if (app) app->Set(line.name, line.text);
+      } else if (line.verb == "start") {
+        // The user starts the program again once it has ended: the run
+        // unwinds to the loop below, which starts it on the same files.
+        if (!app || app->ended()) throw ProgramStarted{};
       }
     });
   }
@@ -425,20 +447,24 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
 
   host.SetEnd(sc.run_until);
   try {
-    bool rebooted = false;
-    try {
-      app->Load();
-      host.RunUntil(sc.run_until);
-    } catch (const MachineRebooted&) {
-      rebooted = true;
-    }
-    while (rebooted) {
-      rebooted = false;
+    // How the program comes to run next: loaded at the start, after a
+    // machine restart, or started again by the user.
+    enum class Next { kNone, kLoad, kBoot, kStart } next = Next::kLoad;
+    while (next != Next::kNone) {
+      const Next now = next;
+      next = Next::kNone;
       try {
-        boot();
+        if (now == Next::kBoot) {
+          boot();
+        } else {
+          if (now == Next::kStart) make_app();
+          app->Load();
+        }
         host.RunUntil(sc.run_until);
       } catch (const MachineRebooted&) {
-        rebooted = true;
+        next = Next::kBoot;
+      } catch (const ProgramStarted&) {
+        next = Next::kStart;
       }
     }
   } catch (const RunEnded&) {
