@@ -46,7 +46,10 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
 
   // The times the user cleared or removed entries, exited, and started
   // the program again.
-  std::vector<double> clears, exits, starts;
+  std::vector<double> clears, exits, starts, signoffs;
+  // Mails the client took for sending, by (requester, mail number): when.
+  std::map<std::pair<std::string, int>, std::vector<double>> handed;
+  static const std::regex kNumber("mail number <B><U>([0-9]+)</B></U>");
   for (const sim::TimedLine& t : sc.timeline) {
     if (t.verb == "press" &&
         (t.name == "mnuClearALL" || t.name == "mnuRemoveSelected" ||
@@ -54,6 +57,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       clears.push_back(t.at);
     if (t.verb == "press" && t.name == "lblExit") exits.push_back(t.at);
     if (t.verb == "start") starts.push_back(t.at);
+    if (t.verb == "signoff") signoffs.push_back(t.at);
   }
 
   std::map<std::pair<std::string, int>, int> accepted;
@@ -79,6 +83,19 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     last_t = t;
     if (ev == "final") {
       final_state = e;
+    } else if (ev == "mail") {
+      std::smatch match;
+      const std::string body = e.value("body", "");
+      const std::string to = LCase(e.value("to", ""));
+      if (std::regex_search(body, match, kNumber)) {
+        const int n = std::stoi(match[1]);
+        for (std::size_t at = to.find('('); at != std::string::npos;
+             at = to.find('(', at + 1)) {
+          const auto close = to.find(')', at);
+          if (close == std::string::npos) break;
+          handed[{to.substr(at + 1, close - at - 1), n}].push_back(t);
+        }
+      }
     } else if (ev == "fault") {
       const std::string kind = e.value("kind", "");
       ++fig->faults[kind];
@@ -131,7 +148,6 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
 
   // Forwarded mails received, by (requester, mail number).
   std::map<std::pair<std::string, int>, int> delivered;
-  static const std::regex kNumber("mail number <B><U>([0-9]+)</B></U>");
   for (const auto& [owner, box] : final_state["mailboxes"].items()) {
     const std::string sn = LCase(owner);
     if (sn == user) continue;
@@ -205,6 +221,17 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         dead.count(n) || full.count(sn) || banned.count(NoSpaces(sn)) ||
         by_user(entry) ||
         (queue_file_fault && (!exits.empty() || !starts.empty()));
+    // The client signed off while the mail was going out: the client lost
+    // it, after the program had handed it over.
+    bool lost_by_client = false;
+    if (handed.count(entry))
+      for (double h : handed.at(entry))
+        for (double o : signoffs)
+          if (o >= h && o - h <= 1.0) lost_by_client = true;
+    if (lost_by_client) {
+      fig->excused += asked_n - got - left;
+      continue;
+    }
     const bool flight =
         last_taken.count(entry) && stopped_within(last_taken[entry], 60);
     if (excused || flight) {
