@@ -12,9 +12,8 @@ constexpr double kPollSeconds = 0.01;
 }  // namespace
 
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how, std::source_location where) {
-  const WaitTrace trace(how.name, where.function_name(), where.file_name(),
-                        where.line());
+                  const WaitOptions& how, WaitPlace where) {
+  const WaitTrace trace(how.name, where.function, where.file, where.line);
   for (std::int64_t round = 1;; ++round) {
     const bool done = met();
     if (how.give_up && how.give_up()) return WaitEnd::kGaveUp;
@@ -36,7 +35,7 @@ double ClockToWholeSecond(const Host& host) {
   return RoundHalfEven(std::floor(host.Clock() * 1000.0 + 1e-6) / 1000.0);
 }
 
-void Pause(Host& host, double seconds, std::source_location where) {
+void Pause(Host& host, double seconds, WaitPlace where) {
   if (seconds <= 0) return;  // no pause, whatever the clock's fraction
   // Clock() keeps growing past midnight where the day clock starts again
   // at 0, so a pause across midnight lasts as long as any other.
@@ -48,7 +47,7 @@ void Pause(Host& host, double seconds, std::source_location where) {
       {.wake_by = end, .name = "pause"}, where);
 }
 
-void PauseSeconds(Host& host, float seconds, std::source_location where) {
+void PauseSeconds(Host& host, float seconds, WaitPlace where) {
   Pause(host, seconds, where);
 }
 

@@ -8,9 +8,9 @@
 
 #include <cstdint>
 #include <functional>
-#include <source_location>
 
 #include "ports/host.h"
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 
@@ -38,8 +38,7 @@ enum class WaitEnd { kMet, kGaveUp, kOutOfRounds };
 // own: a virtual host ends a run by throwing out of DoEvents (at its end,
 // or when its watchdog finds the run stuck; `where` names the wait then).
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how = {},
-                  std::source_location where = std::source_location::current());
+                  const WaitOptions& how = {}, WaitPlace where = {});
 
 // The clock (Host::Clock) at whole milliseconds, rounded half-to-even to a
 // whole second, as the old runtime stored its timer in a whole number.
@@ -52,9 +51,7 @@ void DoEvents(Host& host, int times);
 // deliberate, a pause may end up to half a second early or late. A pause
 // of 0 (or less) returns at once.
 // `where` is the caller, named when a watchdog stops a run in the pause.
-void Pause(Host& host, double seconds,
-           std::source_location where = std::source_location::current());
-void PauseSeconds(Host& host, float seconds,
-                  std::source_location where = std::source_location::current());
+void Pause(Host& host, double seconds, WaitPlace where = {});
+void PauseSeconds(Host& host, float seconds, WaitPlace where = {});
 
 }  // namespace quorvex

@@ -7,6 +7,19 @@
 
 namespace quorvex {
 
+// Where a wait was called from, filled in at the call site by default
+// (std::source_location is not in every compiler the program is built
+// with; these builtins are).
+struct WaitPlace {
+  constexpr WaitPlace(const char* function = __builtin_FUNCTION(),
+                      const char* file = __builtin_FILE(),
+                      unsigned line = __builtin_LINE())
+      : function(function), file(file), line(line) {}
+  const char* function;
+  const char* file;
+  unsigned line;
+};
+
 class WaitTrace {
  public:
   // `name` (may be null), `function`, `file` and `line` say which wait it
