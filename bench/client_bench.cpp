@@ -10,11 +10,11 @@
 #include "client/chat_scanner.h"
 #include "client/client_context.h"
 #include "client/mailbox.h"
-#include "client/recording_api.h"
 #include "ports/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
+#include "testing/recording_api.h"
 
 namespace quorvex {
 namespace {

@@ -1,6 +1,10 @@
-# Fails the build when a core source includes a Qt or Win32 header.
-# Only the Win32 binding (src/win32) and the desktop views (src/desktop)
-# may include the platform's headers; Qt is used nowhere.
+# Fails the build when a source includes what its folder must not:
+# - a Qt or Win32 header in the core: only the Win32 binding (src/win32)
+#   and the desktop views (src/desktop) may include the platform's headers;
+#   Qt is used nowhere;
+# - GoogleTest, the test support (src/testing) or the simulated client
+#   (src/sim) in production code: only tests (*_test.cpp) and src/testing
+#   may, and src/sim may include its own headers.
 file(GLOB_RECURSE files ${SRC_DIR}/*.h ${SRC_DIR}/*.cpp)
 set(bad "")
 foreach(f ${files})
@@ -11,7 +15,20 @@ foreach(f ${files})
   if(hits)
     list(APPEND bad "${f}: ${hits}")
   endif()
+  if(f MATCHES "_test\\.cpp$" OR f MATCHES "/src/testing/")
+    continue()
+  endif()
+  file(STRINGS ${f} hits REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"](gtest/|gmock/|testing/)")
+  if(hits)
+    list(APPEND bad "${f}: ${hits}")
+  endif()
+  if(NOT f MATCHES "/src/sim/")
+    file(STRINGS ${f} hits REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"]sim/")
+    if(hits)
+      list(APPEND bad "${f}: ${hits}")
+    endif()
+  endif()
 endforeach()
 if(bad)
-  message(FATAL_ERROR "Qt or Win32 header in the core:\n${bad}")
+  message(FATAL_ERROR "A header its folder must not include:\n${bad}")
 endif()

@@ -1,7 +1,6 @@
 #include "app/quorvex_app.h"
 
-#include <set>
-
+#include "app/control_table.h"
 #include "client/chat_room.h"
 #include "client/chat_scanner.h"
 #include "client/client_tree.h"
@@ -23,26 +22,7 @@ namespace quorvex {
 
 namespace {
 
-constexpr const char* kTitle = "quorvex mail server by kestrin";
-
-// Menu entries whose click handler is a settings handler, and the preset
-// groups with their item counts.
-const std::set<std::string>& SettingsEntries() {
-  static const std::set<std::string> names = {
-      "mnuHandle",     "mnuLAscii",     "mnuRAscii",     "mnuChatFont",
-      "mnuMailNotify", "mnuMailResize", "mnuListNotify", "mnuMPList",
-      "mnuFMax",       "mnuFMininum",   "mnuBEnableXY",  "mnuBMax",
-      "mnuSStatus",    "mnuThankyou",   "mnuAOLRes",     "mnuCPURes",
-      "mnuSentRes"};
-  return names;
-}
-
-const std::set<std::string>& SettingsGroups() {
-  static const std::set<std::string> names = {
-      "mnuMSpeed",  "mnuMMethod", "mnuLSpeed",  "mnuLSend",
-      "mnuFEnable", "mnuFSpeed",  "mnuBScroll", "mnuScrollMethod"};
-  return names;
-}
+constexpr const char* kTitle = kWindowTitle;
 
 }  // namespace
 
@@ -70,6 +50,8 @@ QuorvexApp::QuorvexApp(Ports ports)
   };
   engine_->aol_restart = [this] { frm_.aol_restart(); };
   engine_->set_preferences = [this] { SetMailPreferences(client_); };
+  frmChatroom_ =
+      std::make_unique<FrmChatroom>(client_, frm_.ReplyQueue, frm_.ServerOn);
 }
 
 QuorvexApp::~QuorvexApp() = default;
@@ -92,6 +74,7 @@ void QuorvexApp::Load() {
   p.registry.Save(kApp, "Settings", "Version", kVersion);
   frm_.picTitle.Set(kTitle);
   frm_.SetStatus("status: idle");
+  main_form_.Open();
 
   // Chat lines reach the request parser from the start.
   scanner_ = std::make_unique<ChatScanner>(p.api, p.host);
@@ -132,8 +115,11 @@ void QuorvexApp::lblExit_Click() {
   SaveSettings(frm_.settings, frm_.ports.registry);
   if (frm_.Timer1) frm_.Timer1->SetEnabled(false);
   if (frm_.Timer2) frm_.Timer2->SetEnabled(false);
+  // The program's other windows go with it.
+  frmChatroom_->Form_Unload();
   scanner_.reset();
   Unload();
+  main_form_.Close();
   frm_.ended = true;
 }
 
@@ -146,177 +132,109 @@ void QuorvexApp::OnChatLine(const std::string& screen_name,
   HandleChatLine(ctx, screen_name, text);
 }
 
-bool QuorvexApp::CanPress(const std::string& control, int index) const {
-  static const std::set<std::string> plain = {"lblExit",
-                                              "mnuClearALL",
-                                              "mnuClearSN",
-                                              "mnuRemoveSelected",
-                                              "frmBanning.lblExit",
-                                              "mnuMessages",
-                                              "frmMessages.cmdSave",
-                                              "frmMessages.cmdExit",
-                                              "frmMessages.lstChat",
-                                              "mnuBanOpts",
-                                              "cmdStart",
-                                              "cmdPause",
-                                              "mnuMailSession",
-                                              "mnuRoomBuster",
-                                              "frmRoomBuster.cmdStart",
-                                              "frmRoomBuster.lblExit",
-                                              "frmRoom.lstRoom",
-                                              "frmRoom.lblExit"};
-  if (index == 0 && plain.count(control)) return true;
-  if (control == "lstBanned") return index == 0 || index == 1 || index == 2;
-  if (control == "frmMessages.Tab") return index >= 1 && index <= 3;
-  if (control == "frmMessages.lstThankyou") return index >= 0;
-  if (index == 0 && control.rfind("frmMessages.mnu", 0) == 0)
-    return frm_.menus.Has(control);
-  if (index == 0 && SettingsEntries().count(control)) return true;
-  if (index > 0 && SettingsGroups().count(control))
-    return frm_.menus.Has(MenuModel::ItemName(control, index));
-  return false;
+void QuorvexApp::lstBanned_Click(int index) {
+  if (index != 2) return BannedLeftClick(frm_.lstBanned, frm_.lblBanned);
+  // The right click opens the room people window on the room as it is.
+  ListBox people("people");
+  GetRoomPeople(frm_.ports.api, people, true);
+  frm_.frmRoom.Load(people.Items(), frm_.lstBanned);
+  frm_.frmRoom.form.Open();
+}
+
+void QuorvexApp::mnuServeNChat_Click() {
+  // Chat lines come from the one scanner, which runs once loaded.
+  if (scanner_) frmChatroom_->Form_Load(*scanner_);
+}
+
+bool QuorvexApp::CanPress(const std::string& control, int index) {
+  const Control* c = FindControl(control);
+  return c && c->Presses(index);
 }
 
 void QuorvexApp::Press(const std::string& control, int index) {
   if (frm_.ended) return;
-  if (control == "lblExit") return lblExit_Click();
-  if (control == "cmdStart") return engine_->cmdStart_Click();
-  if (control == "cmdPause") return engine_->cmdPause_Click();
-  if (control == "mnuMailSession") return mnuMailSession_Click(frm_, client_);
-  if (control == "mnuRoomBuster") return frm_.frmRoomBuster->Form_Load();
-  if (control.rfind("frmRoomBuster.", 0) == 0) {
-    // Only an open window's controls can be clicked.
-    FrmRoomBuster& buster = *frm_.frmRoomBuster;
-    if (!buster.loaded()) return;
-    if (control == "frmRoomBuster.cmdStart") buster.cmdStart_Click();
-    if (control == "frmRoomBuster.lblExit") buster.lblExit_Click();
-    return;
-  }
-  if (control == "mnuClearALL")
-    return frm_.pending.mnuClearALL(frm_.lblPending);
-  if (control == "mnuClearSN")
-    return frm_.pending.mnuClearSN(frm_.ports.prompter, frm_.lblPending);
-  if (control == "mnuRemoveSelected")
-    return frm_.pending.mnuRemoveSelected(frm_.lblPending);
-  if (control == "lstBanned") {
-    if (index != 2) return BannedLeftClick(frm_.lstBanned, frm_.lblBanned);
-    // The right click opens the room people window on the room as it is.
-    ListBox people("people");
-    GetRoomPeople(frm_.ports.api, people, true);
-    frm_.frmRoom.Load(people.Items(), frm_.lstBanned);
-    frm_.frmRoom_open = true;
-    return;
-  }
-  if (control == "frmRoom.lstRoom") {
-    if (frm_.frmRoom_open)
-      frm_.frmRoom.DoubleClick(frm_.lstBanned, frm_.lblBanned, frm_.pending,
-                               frm_.lblPending);
-    return;
-  }
-  if (control == "frmRoom.lblExit") {
-    frm_.frmRoom_open = false;
-    return;
-  }
-  if (control == "frmBanning.lblExit")
-    return SaveBanning(frm_.ports.registry, frm_.frmBanning);
-  if (control == "mnuBanOpts") return;  // the options window shows its controls
-  if (control == "mnuMessages")
-    return frmMessages_Load(frm_.frmMessages, frm_.ports.registry);
-  if (control == "frmMessages.cmdSave")
-    return cmdSave_Click(frm_.frmMessages, frm_.ports.registry);
-  if (control == "frmMessages.cmdExit") return cmdExit_Click(frm_.frmMessages);
-  if (control == "frmMessages.Tab")
-    return Tab_Click(frm_.frmMessages, index - 1);
-  if (control == "frmMessages.lstChat")
-    return lstChat_DblClick(frm_.frmMessages);
-  if (control == "frmMessages.lstThankyou") {
-    int item = frm_.frmMessages.lstThankyou.selected();
-    if (item >= 0) lstThankyou_Click(frm_.frmMessages, item);
-    return;
-  }
-  if (control.rfind("frmMessages.mnu", 0) == 0) {
-    ClickInsertItem(frm_.frmMessages, control);
-    return;
-  }
-  SettingsMenuContext ctx = MenuContext();
-  ClickSettingsMenu(ctx, control, index);
+  const Control* c = FindControl(control);
+  if (c && c->Presses(index)) c->press(*this, index);
 }
 
-ListBox* QuorvexApp::FindList(const std::string& name) {
-  if (name == "lstPending") return &frm_.lstPending();
-  if (name == "lstBanned") return &frm_.lstBanned;
-  if (name == "frmRoom.lstRoom") return &frm_.frmRoom.lstRoom;
-  if (name == "lstMails") return &frm_.lstMails;
-  if (name == "frmMessages.lstChat" || name == "lstChat")
-    return &frm_.frmMessages.lstChat;
-  if (name == "frmMessages.lstThankyou" || name == "lstThankyou")
-    return &frm_.frmMessages.lstThankyou;
-  return nullptr;
-}
-
-bool QuorvexApp::CanSelect(const std::string& list) const {
-  return const_cast<QuorvexApp*>(this)->FindList(list) != nullptr;
+bool QuorvexApp::CanSelect(const std::string& list) {
+  const Control* c = FindControl(list);
+  return c && c->list;
 }
 
 void QuorvexApp::Select(const std::string& list, int index) {
-  if (ListBox* l = FindList(list)) l->Select(index);
+  const Control* c = FindControl(list);
+  if (!c || !c->list) return;
+  if (ListBox* l = c->list(*this)) l->Select(index);
 }
 
-bool QuorvexApp::CanSet(const std::string& control) const {
-  static const std::set<std::string> names = {
-      "frmBanning.cmbMistakes", "frmBanning.cmbMails",
-      "frmBanning.chkPending",  "frmBanning.chkDupReqs",
-      "frmBanning.chkFullBox",  "frmMessages.txtAdd(0)",
-      "frmMessages.txtAdd(1)",  "frmMessages.txtAdd(2)",
-      "frmPausing.chkCPU(0)",   "frmPausing.chkCPU(1)",
-      "frmRoomBuster.txtRoom"};
-  return names.count(control) > 0;
+bool QuorvexApp::CanSet(const std::string& control) {
+  const Control* c = FindControl(control);
+  return c && c->set;
 }
 
 void QuorvexApp::Set(const std::string& control, const std::string& value) {
-  BanningForm& b = frm_.frmBanning;
-  auto check = [&value] { return static_cast<int>(Val(value)); };
-  if (control == "frmBanning.cmbMistakes") b.cmbMistakes.text = value;
-  if (control == "frmBanning.cmbMails") b.cmbMails.text = value;
-  if (control == "frmBanning.chkPending") b.chkPending.value = check();
-  if (control == "frmBanning.chkDupReqs") b.chkDupReqs.value = check();
-  if (control == "frmBanning.chkFullBox") b.chkFullBox.value = check();
-  if (control == "frmRoomBuster.txtRoom") {
-    // A closed window, or the box disabled while busting, takes no typing.
-    FrmRoomBuster& buster = *frm_.frmRoomBuster;
-    if (buster.loaded() && buster.txtRoom.enabled) buster.txtRoom.text = value;
-  }
-  for (int i = 0; i < 2; ++i) {
-    if (control == "frmPausing.chkCPU(" + std::to_string(i) + ")")
-      frm_.frmPausing.chkCPU[i].value = check();
-  }
-  for (int i = 0; i < 3; ++i) {
-    if (control == "frmMessages.txtAdd(" + std::to_string(i) + ")") {
-      frm_.frmMessages.txtAdd[i].text = value;
-      SetCaret(frm_.frmMessages, i, value.size());
-    }
-  }
+  const Control* c = FindControl(control);
+  if (c && c->set) c->set(*this, value);
 }
 
 std::vector<const ListBox*> QuorvexApp::OpenLists() const {
   std::vector<const ListBox*> lists = {
       &frm_.lstPending(), &frm_.lstBanned, &frm_.lstMails,
       &frm_.frmMessages.lstChat, &frm_.frmMessages.lstThankyou};
-  if (frm_.frmRoom_open) lists.push_back(&frm_.frmRoom.lstRoom);
+  if (frm_.frmRoom.form.open()) lists.push_back(&frm_.frmRoom.lstRoom);
+  if (frmChatroom_->form.open()) lists.push_back(&frmChatroom_->lstPeople);
   return lists;
 }
 
 std::vector<const Label*> QuorvexApp::Labels() const {
-  return {&frm_.lblSession,
-          &frm_.lblLists,
-          &frm_.lblMails,
-          &frm_.lblSent,
-          &frm_.lblBanned,
-          &frm_.lblPending,
-          &frm_.cmdStart,
-          &frm_.cmdPause,
-          &frm_.frmRoomBuster->cmdStart,
-          &frm_.frmRoomBuster->lblBusts};
+  std::vector<const Label*> labels = {&frm_.lblSession,
+                                      &frm_.lblLists,
+                                      &frm_.lblMails,
+                                      &frm_.lblSent,
+                                      &frm_.lblBanned,
+                                      &frm_.lblPending,
+                                      &frm_.cmdStart,
+                                      &frm_.cmdPause,
+                                      &frm_.frmRoomBuster->cmdStart,
+                                      &frm_.frmRoomBuster->lblBusts};
+  if (frmChatroom_->form.open()) labels.push_back(&frmChatroom_->lblPeople);
+  if (frmAbout_.form.open())
+    for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
+  if (frmCredits_.form.open())
+    for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
+  return labels;
+}
+
+std::vector<const Label*> QuorvexApp::AllLabels() const {
+  std::vector<const Label*> labels = {&frm_.lblSession,
+                                      &frm_.lblLists,
+                                      &frm_.lblMails,
+                                      &frm_.lblSent,
+                                      &frm_.lblBanned,
+                                      &frm_.lblPending,
+                                      &frm_.cmdStart,
+                                      &frm_.cmdPause,
+                                      &frm_.frmRoomBuster->cmdStart,
+                                      &frm_.frmRoomBuster->lblBusts,
+                                      &frmChatroom_->lblPeople};
+  for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
+  for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
+  return labels;
+}
+
+std::vector<std::pair<std::string, const TextBox*>> QuorvexApp::OpenTexts()
+    const {
+  if (!frmChatroom_->form.open()) return {};
+  return {{"frmChatroom.txtChat", &frmChatroom_->txtChat},
+          {"frmChatroom.txtSend", &frmChatroom_->txtSend}};
+}
+
+std::vector<const Form*> QuorvexApp::Windows() const {
+  return {&frm_.frmBanning.form,  &frm_.frmRoom.form,
+          &frm_.frmMessages.form, &frm_.frmRoomBuster->form,
+          &frmChatroom_->form,    &frm_.frmPausing.form,
+          &frmAbout_.form,        &frmCredits_.form};
 }
 
 }  // namespace quorvex

@@ -7,9 +7,13 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/small_windows.h"
+#include "client/chatroom_window.h"
 #include "client/client_context.h"
+#include "model/form.h"
 #include "server/frm_main.h"
 #include "settings/settings_menu.h"
 
@@ -39,39 +43,61 @@ class QuorvexApp {
   // The unload and terminate handlers: "Load" = "False", queue saved.
   void Unload();
   bool ended() const { return frm_.ended; }
+  // The program stops where it stands (the machine goes down).
+  void End() { frm_.ended = true; }
 
   // A line said in the room, as the chat scanner raises it.
   void OnChatLine(const std::string& screen_name, const std::string& text);
   // ChatSend through the client's chat input.
   void Say(const std::string& text);
 
-  // Controls by name. `index` is the 1-based item of a preset group
-  // (0: none). Names may be qualified by their window ("frmBanning.lblExit");
-  // unqualified names are frmMain's.
-  bool CanPress(const std::string& control, int index) const;
+  // Controls by name, as the control table declares them. `index` is the
+  // 1-based item of a preset group (0: none). Names may be qualified by
+  // their window ("frmBanning.lblExit"); unqualified names are frmMain's.
+  // A control that does not take the press, select or set does nothing.
+  static bool CanPress(const std::string& control, int index);
   void Press(const std::string& control, int index = 0);
-  bool CanSelect(const std::string& list) const;
+  static bool CanSelect(const std::string& list);
   void Select(const std::string& list, int index);
-  bool CanSet(const std::string& control) const;
+  static bool CanSet(const std::string& control);
   void Set(const std::string& control, const std::string& value);
 
   // Every list box of every open window, by name, for views and the
   // final state.
   std::vector<const ListBox*> OpenLists() const;
-  // Every label caption by name.
+  // Every label caption by name (those of the small windows while open).
   std::vector<const Label*> Labels() const;
+  // Every label any window can show, open or not: views and transcripts
+  // subscribe to these once.
+  std::vector<const Label*> AllLabels() const;
+  // The text boxes of open windows that show text the program writes.
+  std::vector<std::pair<std::string, const TextBox*>> OpenTexts() const;
+  // Every window but the main one.
+  std::vector<const Form*> Windows() const;
+
+  // The windows (beside frmMain's state).
+  Form& frmMainForm() { return main_form_; }
+  FrmChatroom& frmChatroom() { return *frmChatroom_; }
+  FrmAbout& frmAbout() { return frmAbout_; }
+  FrmCredits& frmCredits() { return frmCredits_; }
+
+  // Handlers the control table calls.
+  void lblExit_Click();
+  void lblMinimize_Click() { main_form_.Minimize(); }
+  void lstBanned_Click(int index);
+  void mnuServeNChat_Click();
+  SettingsMenuContext MenuContext();
 
  private:
-  SettingsMenuContext MenuContext();
-  ListBox* FindList(const std::string& name);
-  void lblExit_Click();
-  void frmBanning_lblExit_Click();
-  void lstBanned_Click();
-
+  Form main_form_{"frmMain"};
   FrmMain frm_;
   ClientContext client_;
   std::unique_ptr<ChatScanner> scanner_;
   std::unique_ptr<ServeEngine> engine_;
+  // After the scanner: it is gone before the scanner it listens to.
+  std::unique_ptr<FrmChatroom> frmChatroom_;
+  FrmAbout frmAbout_;
+  FrmCredits frmCredits_;
 };
 
 }  // namespace quorvex

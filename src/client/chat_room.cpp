@@ -7,6 +7,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -15,8 +16,8 @@ namespace {
 // The room's second "RICHCNTL": the chat input (the first is the display).
 Hwnd FindChatInput(WindowApi& api) {
   const Hwnd room = FindChatRoom(api);
-  const Hwnd display = FindChild(api, room, "RICHCNTL");
-  return api.FindWindowExA(room, display, "RICHCNTL", nullptr);
+  const Hwnd display = FindChild(api, room, aol::kRichTextClass);
+  return api.FindWindowExA(room, display, aol::kRichTextClass, nullptr);
 }
 
 }  // namespace
@@ -85,7 +86,7 @@ bool IsWindows2000(WindowApi& api) {
 }
 
 void GetRoomPeople(WindowApi& api, ListBox& list, bool unique) {
-  const Hwnd people = FindChildByClass(api, FindChatRoom(api), "_AOL_Listbox");
+  const Hwnd people = FindChildByClass(api, FindChatRoom(api), aol::kListClass);
   std::uint32_t process_id = 0;
   api.GetWindowThreadProcessId(people, &process_id);
   const ProcessHandle process =

@@ -4,6 +4,7 @@
 
 #include "client/client_tree.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -84,7 +85,7 @@ void AddChatLine(std::string_view line, std::vector<ChatLineEvent>* out) {
 }  // namespace
 
 std::vector<ChatLineEvent> ChatScanner::Drain() {
-  const Hwnd display = FindChild(api_, FindChatRoom(api_), "RICHCNTL");
+  const Hwnd display = FindChild(api_, FindChatRoom(api_), aol::kRichTextClass);
   if (display != display_) {
     // A room window made anew starts with an empty display.
     display_ = display;

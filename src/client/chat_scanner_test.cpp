@@ -1,7 +1,7 @@
 #include "client/chat_scanner.h"
 
 #include "client/chat_room.h"
-#include "client/test_client.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

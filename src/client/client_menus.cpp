@@ -3,6 +3,7 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -10,7 +11,8 @@ namespace {
 
 // The tool bar's icon row.
 Hwnd FindToolbarRow(WindowApi& api, Hwnd frame) {
-  return FindChild(api, FindChild(api, frame, "AOL Toolbar"), "_AOL_Toolbar");
+  return FindChild(api, FindChild(api, frame, aol::kToolbarFrameClass),
+                   aol::kToolbarClass);
 }
 
 }  // namespace
@@ -23,14 +25,14 @@ void RunClientMenu(WindowApi& api, int submenu, int item) {
 }
 
 void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
-  const Hwnd frame = c.api.FindWindowExA(0, 0, "AOL Frame25", nullptr);
+  const Hwnd frame = c.api.FindWindowExA(0, 0, aol::kFrameClass, nullptr);
   const Hwnd first =
-      FindChild(c.api, FindToolbarRow(c.api, frame), "_AOL_Icon");
+      FindChild(c.api, FindToolbarRow(c.api, frame), aol::kIconClass);
   PostClickIcon(c.api, NextSibling(c.api, first, icon_number - 1));
 
   Hwnd menu = 0;
   WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowExA(0, 0, "#32768", nullptr);
+    menu = c.api.FindWindowExA(0, 0, aol::kPopupMenuClass, nullptr);
     return menu != 0 && c.api.IsWindowVisible(menu);
   });
   Pause(c.host, 0.5);
@@ -39,7 +41,8 @@ void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
 
 void OpenOfflineMailbox(const ClientContext& c) {
   const Hwnd row = FindToolbarRow(c.api, FindFrame(c.api));
-  const Hwnd mail_icon = FindNthChild(c.api, row, "_AOL_Icon", 3);
+  const Hwnd mail_icon =
+      FindNthChild(c.api, row, aol::kIconClass, aol::kToolbarMailIcon);
 
   const Point saved = c.api.GetCursorPos();
   const Point corner = c.api.ScreenSize();
@@ -48,7 +51,7 @@ void OpenOfflineMailbox(const ClientContext& c) {
 
   Hwnd menu = 0;
   WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowA("#32768", nullptr);
+    menu = c.api.FindWindowA(aol::kPopupMenuClass, nullptr);
     return menu != 0 && c.api.IsWindowVisible(menu);
   });
   // Up twice, Right into the submenu, Return. The second Up has no key up;
@@ -63,7 +66,7 @@ void OpenOfflineMailbox(const ClientContext& c) {
 void Keyword(WindowApi& api, std::string_view address) {
   const Hwnd row = FindToolbarRow(api, FindFrame(api));
   const Hwnd edit =
-      FindChild(api, FindChild(api, row, "_AOL_Combobox"), "Edit");
+      FindChild(api, FindChild(api, row, aol::kComboClass), "Edit");
   SetText(api, edit, address);
   api.SendMessageA(edit, win::kWmChar, win::kVkSpace, 0);
   api.SendMessageA(edit, win::kWmChar, win::kVkReturn, 0);

@@ -3,33 +3,34 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
 Hwnd FindFrame(WindowApi& api) {
-  return api.FindWindowA("AOL Frame25", nullptr);
+  return api.FindWindowA(aol::kFrameClass, nullptr);
 }
 
 Hwnd FindMdiClient(WindowApi& api) {
-  return FindChild(api, FindFrame(api), "MDIClient");
+  return FindChild(api, FindFrame(api), aol::kMdiClass);
 }
 
 Hwnd FindDocument(WindowApi& api, const char* caption) {
-  return api.FindWindowExA(FindMdiClient(api), 0, "AOL Child", caption);
+  return api.FindWindowExA(FindMdiClient(api), 0, aol::kChildClass, caption);
 }
 
 Hwnd FindToolbarIcon(WindowApi& api, int n) {
-  const Hwnd toolbar = FindChild(api, FindFrame(api), "AOL Toolbar");
-  const Hwnd icons = FindChild(api, toolbar, "_AOL_Toolbar");
-  return FindNthChild(api, icons, "_AOL_Icon", n);
+  const Hwnd toolbar = FindChild(api, FindFrame(api), aol::kToolbarFrameClass);
+  const Hwnd icons = FindChild(api, toolbar, aol::kToolbarClass);
+  return FindNthChild(api, icons, aol::kIconClass, n);
 }
 
 Hwnd FindClientChild(WindowApi& api, std::string_view caption) {
   const Hwnd mdi = FindMdiClient(api);
   const std::string wanted(caption);
-  if (Hwnd exact = api.FindWindowExA(mdi, 0, "AOL Child", wanted.c_str()))
+  if (Hwnd exact = api.FindWindowExA(mdi, 0, aol::kChildClass, wanted.c_str()))
     return exact;
-  const Hwnd top = FindChild(api, mdi, "AOL Child");
+  const Hwnd top = FindChild(api, mdi, aol::kChildClass);
   return GetCaption(api, top).find(wanted) != std::string::npos ? top : 0;
 }
 
@@ -45,7 +46,9 @@ Hwnd WaitForClientChild(const ClientContext& c, std::string_view caption) {
   Hwnd rich = 0;
   WaitUntil(
       c.host,
-      [&] { return (rich = FindChild(c.api, window, "RICHCNTL")) != 0; },
+      [&] {
+        return (rich = FindChild(c.api, window, aol::kRichTextClass)) != 0;
+      },
       within_budget);
   if (rich != 0) PostKey(c.api, rich, win::kVkEscape);
   DoEvents(c.host, 2);
@@ -55,8 +58,8 @@ Hwnd WaitForClientChild(const ClientContext& c, std::string_view caption) {
 Hwnd FindClientChildWhere(WindowApi& api,
                           const std::function<bool(Hwnd)>& test) {
   const Hwnd mdi = FindMdiClient(api);
-  for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
-       child = api.FindWindowExA(mdi, child, "AOL Child", nullptr)) {
+  for (Hwnd child = FindChild(api, mdi, aol::kChildClass); child != 0;
+       child = api.FindWindowExA(mdi, child, aol::kChildClass, nullptr)) {
     if (test(child)) return child;
   }
   return 0;
@@ -64,39 +67,42 @@ Hwnd FindClientChildWhere(WindowApi& api,
 
 Hwnd FindChatRoom(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Listbox") &&
-           FindChild(api, w, "_AOL_Icon") && FindChild(api, w, "_AOL_Static");
+    return FindChild(api, w, aol::kRichTextClass) &&
+           FindChild(api, w, aol::kListClass) &&
+           FindChild(api, w, aol::kIconClass) &&
+           FindChild(api, w, aol::kStaticClass);
   });
 }
 
 Hwnd FindOpenMail(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    const Hwnd rich = FindChild(api, w, "RICHCNTL");
-    return rich && !api.FindWindowExA(w, rich, "RICHCNTL", nullptr) &&
-           !FindChild(api, w, "_AOL_Combobox") &&
-           !FindChild(api, w, "_AOL_FontCombo");
+    const Hwnd rich = FindChild(api, w, aol::kRichTextClass);
+    return rich && !api.FindWindowExA(w, rich, aol::kRichTextClass, nullptr) &&
+           !FindChild(api, w, aol::kComboClass) &&
+           !FindChild(api, w, aol::kFontComboClass);
   });
 }
 
 Hwnd FindComposeWindow(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return FindChild(api, w, "RICHCNTL") && FindChild(api, w, "_AOL_Static") &&
-           FindChild(api, w, "_AOL_Combobox") &&
-           FindChild(api, w, "_AOL_FontCombo");
+    return FindChild(api, w, aol::kRichTextClass) &&
+           FindChild(api, w, aol::kStaticClass) &&
+           FindChild(api, w, aol::kComboClass) &&
+           FindChild(api, w, aol::kFontComboClass);
   });
 }
 
 Hwnd FindTabbedMailbox(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    const Hwnd tabs = FindChild(api, w, "_AOL_TabControl");
-    return tabs && FindChild(api, tabs, "_AOL_TabPage");
+    const Hwnd tabs = FindChild(api, w, aol::kTabControlClass);
+    return tabs && FindChild(api, tabs, aol::kTabPageClass);
   });
 }
 
 std::string GetUserSN(WindowApi& api) {
   const Hwnd mdi = FindMdiClient(api);
-  for (Hwnd child = FindChild(api, mdi, "AOL Child"); child != 0;
-       child = api.FindWindowExA(mdi, child, "AOL Child", nullptr)) {
+  for (Hwnd child = FindChild(api, mdi, aol::kChildClass); child != 0;
+       child = api.FindWindowExA(mdi, child, aol::kChildClass, nullptr)) {
     const std::string caption = GetCaption(api, child);
     if (!StartsWith(caption, "Welcome, ")) continue;
     // Without the "!" the old runtime failed on a negative length; the

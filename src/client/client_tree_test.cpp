@@ -1,6 +1,6 @@
 #include "client/client_tree.h"
 
-#include "client/test_client.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

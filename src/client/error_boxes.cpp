@@ -2,17 +2,19 @@
 
 #include "client/client_tree.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
 Hwnd FindDialog(WindowApi& api, const char* caption) {
-  return api.FindWindowA("#32770", caption);
+  return api.FindWindowA(aol::kDialogClass, caption);
 }
 
 Hwnd FindClientBox(WindowApi& api, std::string_view static_text) {
   const std::string text(static_text);
-  for (Hwnd box = api.FindWindowExA(0, 0, "#32770", kClientBoxCaption); box;
-       box = api.FindWindowExA(0, box, "#32770", kClientBoxCaption)) {
+  for (Hwnd box = api.FindWindowExA(0, 0, aol::kDialogClass, kClientBoxCaption);
+       box;
+       box = api.FindWindowExA(0, box, aol::kDialogClass, kClientBoxCaption)) {
     if (api.FindWindowExA(box, 0, "Static", text.c_str())) return box;
   }
   return 0;
@@ -25,17 +27,17 @@ Hwnd FindDialogButton(WindowApi& api, Hwnd box, const char* caption) {
 Hwnd FindErrorWindow(WindowApi& api) { return FindDocument(api, "Error"); }
 
 std::string GetErrorText(WindowApi& api, Hwnd error_window) {
-  return GetText(api, FindChild(api, error_window, "_AOL_View"));
+  return GetText(api, FindChild(api, error_window, aol::kViewClass));
 }
 
 void DismissErrorWindow(WindowApi& api, Hwnd error_window) {
-  ClickIcon(api, FindChild(api, error_window, "_AOL_Icon"));
+  ClickIcon(api, FindChild(api, error_window, aol::kIconClass));
 }
 
 Hwnd FindModalButton(WindowApi& api, const char* caption) {
-  for (Hwnd modal = api.FindWindowExA(0, 0, "_AOL_Modal", nullptr); modal;
-       modal = api.FindWindowExA(0, modal, "_AOL_Modal", nullptr)) {
-    if (Hwnd button = api.FindWindowExA(modal, 0, "_AOL_Button", caption))
+  for (Hwnd modal = api.FindWindowExA(0, 0, aol::kModalClass, nullptr); modal;
+       modal = api.FindWindowExA(0, modal, aol::kModalClass, nullptr)) {
+    if (Hwnd button = api.FindWindowExA(modal, 0, aol::kButtonClass, caption))
       return button;
   }
   return 0;

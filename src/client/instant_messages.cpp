@@ -6,6 +6,7 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -20,8 +21,9 @@ void SendIM(const ClientContext& c, std::string_view recipient,
       c.host,
       [&] {
         window = FindDocument(api, kSendIm);
-        field = FindChild(api, window, "RICHCNTL");
-        send = FindNthChildAfter(api, window, field, "_AOL_Icon", 9);
+        field = FindChild(api, window, aol::kRichTextClass);
+        send = FindNthChildAfter(api, window, field, aol::kIconClass,
+                                 aol::kImSendIcon);
         return window && field && send;
       },
       {.every = kImWindowRounds, .repeat = [&] { Keyword(api, address); }});
@@ -31,7 +33,7 @@ void SendIM(const ClientContext& c, std::string_view recipient,
 
   Hwnd box = 0;
   WaitUntil(c.host, [&] {
-    box = api.FindWindowA("#32770", "America Online");
+    box = api.FindWindowA(aol::kDialogClass, "America Online");
     window = FindDocument(api, kSendIm);
     return box || !window;
   });

@@ -1,7 +1,7 @@
 #include "client/instant_messages.h"
 
 #include "client/error_boxes.h"
-#include "client/test_client.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

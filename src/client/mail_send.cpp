@@ -5,6 +5,7 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -39,14 +40,14 @@ struct MailControls {
 
   void Find(WindowApi& api, Hwnd window, int send_now_at, bool with_later) {
     for (int i = 0; i < 3; ++i)
-      edit[i] = FindNthChild(api, window, "_AOL_Edit", i + 1);
-    body = FindChild(api, window, "RICHCNTL");
-    combo = FindChild(api, window, "_AOL_Combobox");
+      edit[i] = FindNthChild(api, window, aol::kEditClass, i + 1);
+    body = FindChild(api, window, aol::kRichTextClass);
+    combo = FindChild(api, window, aol::kComboClass);
     font = FindChild(api, window, "_AOL_Fontcombo");
-    send_now = FindNthChild(api, window, "_AOL_Icon", send_now_at);
-    send_later = with_later
-                     ? FindNthChild(api, window, "_AOL_Icon", send_now_at + 1)
-                     : 0;
+    send_now = FindNthChild(api, window, aol::kIconClass, send_now_at);
+    send_later =
+        with_later ? FindNthChild(api, window, aol::kIconClass, send_now_at + 1)
+                   : 0;
   }
 };
 
@@ -58,20 +59,21 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   const std::string caption = GetText(api, window);
 
   MailControls mail;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            mail.Find(api, window, 14, later);
-            // Icons are counted by position: in a window still being
-            // built the count wraps round to the first ones.
-            for (int i = 1; i <= 4; ++i)
-              if (mail.send_later == FindNthChild(api, window, "_AOL_Icon", i))
-                return false;
-            return mail.body && mail.combo &&
-                   GetText(api, mail.send_now) == "Send Now" &&
-                   (!later || GetText(api, mail.send_later) == "Send Later");
-          },
-          {.give_up = SignedOff(api)}) != WaitEnd::kMet)
+  if (WaitUntil(c.host,
+                [&] {
+                  mail.Find(api, window, 14, later);
+                  // Icons are counted by position: in a window still being
+                  // built the count wraps round to the first ones.
+                  for (int i = 1; i <= 4; ++i)
+                    if (mail.send_later ==
+                        FindNthChild(api, window, aol::kIconClass, i))
+                      return false;
+                  return mail.body && mail.combo &&
+                         GetText(api, mail.send_now) == "Send Now" &&
+                         (!later ||
+                          GetText(api, mail.send_later) == "Send Later");
+                },
+                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
     return;
 
   const std::string text = c.ExpandInserts(std::string(body));

@@ -1,7 +1,7 @@
 #include "client/mail_send.h"
 
-#include "client/test_client.h"
 #include "model/text_util.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

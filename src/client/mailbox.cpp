@@ -7,6 +7,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -78,7 +79,7 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
   WaitUntil(c.host, [&] {
     const Hwnd box = OpenIncomingMail(c);
     if (!box) return false;
-    tree = FindChild(api, box, "_AOL_Tree");
+    tree = FindChild(api, box, aol::kTreeClass);
     count = ListCount(api, tree);
     if (count == 0) CloseWindow(api, box);
     return count > 0;
@@ -100,18 +101,18 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
 int GetMailCount(WindowApi& api) {
   const Hwnd box = FindIncomingMail(api);
   if (!box) return 0;
-  return ListCount(api, FindChild(api, box, "_AOL_Tree"));
+  return ListCount(api, FindChild(api, box, aol::kTreeClass));
 }
 
 std::string GetMailTitle(WindowApi& api, int position) {
-  const Hwnd tree = FindChild(api, FindIncomingMail(api), "_AOL_Tree");
+  const Hwnd tree = FindChild(api, FindIncomingMail(api), aol::kTreeClass);
   if (ListCount(api, tree) < position) return "";
   return MailTitleOf(ListText(api, tree, position));
 }
 
 void OpenMail(const ClientContext& c, int position) {
   WindowApi& api = c.api;
-  const Hwnd tree = FindChild(api, FindIncomingMail(api), "_AOL_Tree");
+  const Hwnd tree = FindChild(api, FindIncomingMail(api), aol::kTreeClass);
   if (ListCount(api, tree) < position || !IsSignedOn(api)) return;
   DoEvents(c.host, 2);
   api.SendMessageA(tree, win::kLbSetCurSel,
@@ -124,13 +125,14 @@ void DeleteSentMail(const ClientContext& c) {
   Hwnd box = 0;
   WaitUntil(c.host, [&] { return (box = FindTabbedMailbox(api)) != 0; },
             {.every = 1, .repeat = [&] {
-               RunToolbarMenu(c, 3, 'S');
+               RunToolbarMenu(c, aol::kToolbarMailIcon, 'S');
                Pause(c.host, 0.8);
              }});
-  const Hwnd tabs = FindChild(api, box, "_AOL_TabControl");
-  const Hwnd sent =
-      FindChild(api, FindNthChild(api, tabs, "_AOL_TabPage", 3), "_AOL_Tree");
-  const Hwnd delete_icon = FindNthChild(api, box, "_AOL_Icon", 7);
+  const Hwnd tabs = FindChild(api, box, aol::kTabControlClass);
+  const Hwnd sent = FindChild(
+      api, FindNthChild(api, tabs, aol::kTabPageClass, 3), aol::kTreeClass);
+  const Hwnd delete_icon =
+      FindNthChild(api, box, aol::kIconClass, aol::kMailboxDeleteIcon);
 
   // The client fills the list in steps: wait until two reads agree.
   int count = 0;
@@ -165,11 +167,12 @@ void DeleteMailWaiting(const ClientContext& c) {
   WaitUntil(c.host,
             [&] { return (box = FindDocument(api, kMailWaiting)) != 0; },
             {.every = 1, .repeat = [&] {
-               RunToolbarMenu(c, 3, 'b');
+               RunToolbarMenu(c, aol::kToolbarMailIcon, 'b');
                Pause(c.host, 0.8);
              }});
-  const Hwnd delete_icon = FindNthChild(api, box, "_AOL_Icon", 2);
-  const Hwnd queued = FindChild(api, box, "_AOL_Tree");
+  const Hwnd delete_icon =
+      FindNthChild(api, box, aol::kIconClass, aol::kWaitingDeleteIcon);
+  const Hwnd queued = FindChild(api, box, aol::kTreeClass);
   if (WaitUntil(c.host,
                 [&] {
                   DoEvents(c.host, 2);
@@ -197,7 +200,8 @@ void ShrinkMailWindows(const ClientContext& c) {
   });
   RememberSmall(c, mail);
 
-  const Hwnd forward_icon = FindNthChild(api, mail, "_AOL_Icon", 8);
+  const Hwnd forward_icon =
+      FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   Hwnd forward = 0;
   WaitUntil(

@@ -7,6 +7,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -17,7 +18,7 @@ constexpr const char* kRoomAddress = "aol://2719:2-2-";
 
 // The client's message box: here, the refusal of a full room.
 Hwnd FindClientMessageBox(WindowApi& api) {
-  return api.FindWindowA("#32770", kClientBoxCaption);
+  return api.FindWindowA(aol::kDialogClass, kClientBoxCaption);
 }
 
 // Whether the client's current room is the wanted one. The client's
@@ -39,8 +40,8 @@ FrmRoomBuster::FrmRoomBuster(const ClientContext& c,
 FrmRoomBuster::~FrmRoomBuster() = default;
 
 void FrmRoomBuster::Form_Load() {
-  if (loaded_) return;
-  loaded_ = true;
+  if (form.open()) return;
+  form.Open();
   // Kept on top by the view; the title is painted in the program's blue.
   picTitle.Set(kTitle);
 }
@@ -48,11 +49,12 @@ void FrmRoomBuster::Form_Load() {
 void FrmRoomBuster::Form_Unload() {
   Timer1->SetEnabled(false);
   busting_ = false;
-  loaded_ = false;
+  form.Close();
   tries_ = 0;
   busts_ = 0;
   restart = BusterRestart::kNone;
-  txtRoom = TextBox{};
+  txtRoom.Set("");
+  txtRoom.SetEnabled(true);
   cmdStart.Set("&start");
   lblBusts.Set("busts: 0");
   picTitle.Set("");
@@ -67,7 +69,7 @@ void FrmRoomBuster::cmdStart_Click() {
 
 void FrmRoomBuster::Start() {
   ChatSend(c_, "quorvex busting <B><U>" + txtRoom.text + "</B></U>");
-  txtRoom.enabled = false;
+  txtRoom.SetEnabled(false);
   busting_ = true;
   Timer1->SetEnabled(true);
   cmdStart.Set("&stop");
@@ -81,7 +83,7 @@ void FrmRoomBuster::Stop() {
                    "</B></U> tries");
   Timer1->SetEnabled(false);
   busting_ = false;
-  txtRoom.enabled = true;
+  txtRoom.SetEnabled(true);
   // The next bust counts from nothing, as the label shows.
   tries_ = 0;
   busts_ = 0;

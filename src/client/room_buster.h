@@ -10,6 +10,7 @@
 
 #include "client/client_context.h"
 #include "model/controls.h"
+#include "model/form.h"
 #include "model/label.h"
 #include "ports/host.h"
 
@@ -40,6 +41,7 @@ class FrmRoomBuster {
   FrmRoomBuster(const FrmRoomBuster&) = delete;
   FrmRoomBuster& operator=(const FrmRoomBuster&) = delete;
 
+  Form form{"frmRoomBuster"};
   TextBox txtRoom;
   Label cmdStart{"frmRoomBuster.cmdStart", "&start"};
   Label lblBusts{"frmRoomBuster.lblBusts", "busts: 0"};
@@ -56,7 +58,7 @@ class FrmRoomBuster {
   void cmdStart_Click();
   void Timer1_Timer();
 
-  bool loaded() const { return loaded_; }
+  bool loaded() const { return form.open(); }
   bool busting() const { return busting_; }
   // True while a tick runs: a restart started from it cannot wait for the
   // buster, whose next tick only comes after this one.
@@ -70,7 +72,6 @@ class FrmRoomBuster {
 
   const ClientContext& c_;
   std::function<void()> aol_restart_;
-  bool loaded_ = false;
   bool busting_ = false;
   bool in_tick_ = false;
   int tries_ = 0;

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "client/chat_room.h"
-#include "client/test_client.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -39,7 +40,7 @@ void RunProgram(const SessionContext& s, const std::string& path) {
 // window in the sibling order.
 Hwnd FindSignOnButton(WindowApi& api) {
   const Hwnd first =
-      FindChild(api, FindDocument(api, kSignOnCaption), "_AOL_Icon");
+      FindChild(api, FindDocument(api, kSignOnCaption), aol::kIconClass);
   return first ? NextSibling(api, first, 3) : 0;
 }
 
@@ -101,14 +102,14 @@ void SignOn(const SessionContext& s) {
 
     // The progress modal names its step while signing on; any other text
     // is an error to dismiss before trying again.
-    const Hwnd modal = api.FindWindowA("_AOL_Modal", nullptr);
+    const Hwnd modal = api.FindWindowA(aol::kModalClass, nullptr);
     const std::string text =
-        LCase(GetText(api, FindChild(api, modal, "_AOL_Static")));
+        LCase(GetText(api, FindChild(api, modal, aol::kStaticClass)));
     bool in_progress = false;
     for (const char* step : kSignOnSteps)
       in_progress = in_progress || text.find(step) != std::string::npos;
     if (!in_progress && !IsSignedOn(api)) {
-      ClickIcon(api, FindChild(api, modal, "_AOL_Icon"));
+      ClickIcon(api, FindChild(api, modal, aol::kIconClass));
       continue;
     }
     if (FindChildByTitle(api, FindMdiClient(api), "Welcome, ") != 0) return;
@@ -141,7 +142,7 @@ void BustRoom(const SessionContext& s) {
   // A bust under way (its tick found the client signed off and ran this
   // restart) goes on with its own room; pressing start would stop it.
   if (!buster.busting()) {
-    buster.txtRoom.text = s.room_name;
+    buster.txtRoom.Set(s.room_name);
     buster.cmdStart_Click();
   }
   // From inside the buster's tick its next tick cannot come before this
@@ -231,13 +232,13 @@ void SetMailPreferences(const ClientContext& c) {
   // Its "Mail" tab opens the page, a modal of check boxes.
   auto click_mail_tab = [&] {
     ClickIcon(api, api.FindWindowExA(FindDocument(api, "Preferences"), 0,
-                                     "_AOL_Icon", "Mail"));
+                                     aol::kIconClass, "Mail"));
   };
   click_mail_tab();
   Hwnd page = 0;
   if (WaitUntil(c.host,
                 [&] {
-                  return (page = api.FindWindowA("_AOL_Modal",
+                  return (page = api.FindWindowA(aol::kModalClass,
                                                  "Mail Preferences")) != 0;
                 },
                 {.give_up = signed_off,
@@ -247,7 +248,7 @@ void SetMailPreferences(const ClientContext& c) {
 
   // A click toggles a box: only those not yet as wanted are clicked.
   for (const MailPreference& p : kMailPreferences) {
-    const Hwnd box = api.FindWindowExA(page, 0, "_AOL_Checkbox", p.label);
+    const Hwnd box = api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label);
     if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }

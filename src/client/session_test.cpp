@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "client/test_client.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {

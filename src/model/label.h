@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "model/observers.h"
+
 namespace quorvex {
 
 class Label {
@@ -22,14 +24,15 @@ class Label {
   void Set(std::string caption) {
     if (caption == caption_) return;
     caption_ = std::move(caption);
-    for (auto& o : observers_) o(*this);
+    observers_.Notify(*this);
   }
-  void Subscribe(Observer o) { observers_.push_back(std::move(o)); }
+  int Subscribe(Observer o) { return observers_.Add(std::move(o)); }
+  void Unsubscribe(int id) { observers_.Remove(id); }
 
  private:
   std::string name_;
   std::string caption_;
-  std::vector<Observer> observers_;
+  Observers<const Label&> observers_;
 };
 
 // The status strip (`picStatus`) painted by DrawStatus: a text and the
@@ -45,15 +48,15 @@ class StatusStrip {
     bool changed = text != text_;
     text_ = std::move(text);
     colour_ = std::move(colour);
-    if (changed)
-      for (auto& o : observers_) o(*this);
+    if (changed) observers_.Notify(*this);
   }
-  void Subscribe(Observer o) { observers_.push_back(std::move(o)); }
+  int Subscribe(Observer o) { return observers_.Add(std::move(o)); }
+  void Unsubscribe(int id) { observers_.Remove(id); }
 
  private:
   std::string text_;
   std::string colour_ = "#4488BB";
-  std::vector<Observer> observers_;
+  Observers<const StatusStrip&> observers_;
 };
 
 }  // namespace quorvex

@@ -130,11 +130,13 @@ bool ListBox::Contains(std::string_view text) const {
 }
 
 void ListBox::Select(int index) {
+  const int was = selected_;
   selected_ = (index >= 0 && index < Count()) ? index : -1;
+  if (selected_ != was) selection_observers_.Notify(*this);
 }
 
 void ListBox::Notify(const ListChange& change) {
-  for (auto& o : observers_) o(*this, change);
+  observers_.Notify(*this, change);
 }
 
 void ListBox::IndexAdd(const std::string& text) { ++folded_[LCase(text)]; }

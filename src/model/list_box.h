@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "model/observers.h"
+
 namespace quorvex {
 
 struct ListChange {
@@ -57,9 +59,15 @@ class ListBox {
   int selected() const { return selected_; }
   void Select(int index);
 
-  void Subscribe(Observer observer) {
-    observers_.push_back(std::move(observer));
+  int Subscribe(Observer observer) {
+    return observers_.Add(std::move(observer));
   }
+  void Unsubscribe(int id) { observers_.Remove(id); }
+  // Selection changes (ListIndex), told apart from item changes.
+  int SubscribeSelection(std::function<void(const ListBox&)> observer) {
+    return selection_observers_.Add(std::move(observer));
+  }
+  void UnsubscribeSelection(int id) { selection_observers_.Remove(id); }
 
  private:
   struct Entry {
@@ -76,7 +84,8 @@ class ListBox {
   int selected_ = -1;
   // Lower-cased text -> number of items with it, for O(1) exact searches.
   std::unordered_map<std::string, int> folded_;
-  std::vector<Observer> observers_;
+  Observers<const ListBox&, const ListChange&> observers_;
+  Observers<const ListBox&> selection_observers_;
 };
 
 // "ListHasItem": false for an empty text, otherwise the exact search.

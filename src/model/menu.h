@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "model/observers.h"
+
 namespace quorvex {
 
 struct MenuEntry {
@@ -40,7 +42,8 @@ class MenuModel {
   const std::vector<std::string>& Order() const { return order_; }
   std::vector<std::string> Children(const std::string& parent) const;
 
-  void Subscribe(Observer o) { observers_.push_back(std::move(o)); }
+  int Subscribe(Observer o) { return observers_.Add(std::move(o)); }
+  void Unsubscribe(int id) { observers_.Remove(id); }
 
   static std::string ItemName(const std::string& group, int index) {
     return group + "(" + std::to_string(index) + ")";
@@ -48,12 +51,10 @@ class MenuModel {
 
  private:
   MenuEntry& Mutable(const std::string& name);
-  void Notify(const MenuEntry& e) {
-    for (auto& o : observers_) o(e);
-  }
+  void Notify(const MenuEntry& e) { observers_.Notify(e); }
   std::map<std::string, MenuEntry> entries_;
   std::vector<std::string> order_;
-  std::vector<Observer> observers_;
+  Observers<const MenuEntry&> observers_;
 };
 
 }  // namespace quorvex

@@ -78,11 +78,11 @@ std::string BanningForm::MistakesText() const {
 }
 
 void LoadBanning(const Registry& registry, BanningForm& form) {
-  form.chkFullBox.value = ReadCheck(registry, "FullBox", 1);
-  form.chkDupReqs.value = ReadCheck(registry, "DupeRequests", 1);
-  form.chkPending.value = ReadCheck(registry, "MailsPending", 1);
-  form.cmbMails.text = ReadCombo(registry, "Mails", 500);
-  form.cmbMistakes.text = ReadCombo(registry, "Mistakes", 3);
+  form.chkFullBox.Set(ReadCheck(registry, "FullBox", 1));
+  form.chkDupReqs.Set(ReadCheck(registry, "DupeRequests", 1));
+  form.chkPending.Set(ReadCheck(registry, "MailsPending", 1));
+  form.cmbMails.Set(ReadCombo(registry, "Mails", 500));
+  form.cmbMistakes.Set(ReadCombo(registry, "Mistakes", 3));
 }
 
 void SaveBanning(Registry& registry, const BanningForm& form) {

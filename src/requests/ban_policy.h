@@ -6,6 +6,7 @@
 #include <string>
 
 #include "model/controls.h"
+#include "model/form.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/registry.h"
@@ -17,6 +18,8 @@ namespace quorvex {
 // the combo boxes are editable and their text is the value.
 struct BanningForm {
   BanningForm();
+
+  Form form{"frmBanning"};
 
   ComboBox cmbMistakes;  // mistakes allowed before a ban
   CheckBox chkPending;   // enforce the per-person pending limit

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "model/form.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "requests/pending_queue.h"
@@ -12,6 +13,7 @@
 namespace quorvex {
 
 struct RoomForm {
+  Form form{"frmRoom"};
   ListBox lstRoom{"lstRoom"};
 
   // Fills lstRoom with the room's people as the reader gave them, then

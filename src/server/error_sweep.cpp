@@ -72,20 +72,21 @@ void HandleErrorWindow(FrmMain& frm, const ClientContext& c, Hwnd error) {
   Pause(c.host, kAfterError);
 }
 
-void HandleDeadMail(FrmMain& frm, const ClientContext& c, Hwnd box) {
+void HandleDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f,
+                    Hwnd box) {
   WindowApi& api = c.api;
   PressButton(api, FindDialogButton(api, box, "OK"));
   CloseForwardWindow(api);
   // The job's values may change while this pauses; the notice is about
   // the mail that was being forwarded when the box came.
-  const std::string sn = frm.forward_sn;
-  const std::string number = frm.forward_number;
+  const std::string sn = f.sn;
+  const std::string number = f.number;
   frm.SetStatus("status: mail " + number + " is a dead mail");
   frm.SetStatus("status: pausing 2 secs");
   Pause(c.host, kAfterError);
   AnnounceDeadMail(frm, c, sn, number);
   if (!IsDeadMail(frm, number)) frm.dead_mails.push_back(number);
-  frm.forward_error = true;
+  f.error = true;
   DropDeadRequests(frm, c, number);
 }
 
@@ -111,7 +112,8 @@ std::vector<std::string> FullMailboxNames(std::string_view error_text) {
   return names;
 }
 
-void ForwardErrorHandler(FrmMain& frm, const ClientContext& c) {
+void ForwardErrorHandler(FrmMain& frm, const ClientContext& c,
+                         ForwardScratch& f) {
   WindowApi& api = c.api;
   Hwnd error = 0;
   Hwnd box = 0;
@@ -126,16 +128,17 @@ void ForwardErrorHandler(FrmMain& frm, const ClientContext& c) {
   if (error)
     HandleErrorWindow(frm, c, error);
   else if (box)
-    HandleDeadMail(frm, c, box);
+    HandleDeadMail(frm, c, f, box);
 }
 
-void ForwardErrorSweep(FrmMain& frm, const ClientContext& c) {
-  if (frm.in_sweep) return;
-  frm.in_sweep = true;
+void ForwardErrorSweep(FrmMain& frm, const ClientContext& c,
+                       ForwardScratch& f) {
+  if (f.in_sweep) return;
+  f.in_sweep = true;
   struct Done {
     bool& flag;
     ~Done() { flag = false; }
-  } done{frm.in_sweep};
+  } done{f.in_sweep};
 
   WindowApi& api = c.api;
   if (const Hwnd waol = FindDialog(api, "Waol")) CloseWindow(api, waol);
@@ -143,10 +146,10 @@ void ForwardErrorSweep(FrmMain& frm, const ClientContext& c) {
     PressButton(api, FindDialogButton(api, box, "OK"));
     // The refused forward would stay open, and the job wait for it to
     // close, for ever; it was not sent, so no "sent" is said for it.
-    if (CloseForwardWindow(api)) frm.forward_error = true;
+    if (CloseForwardWindow(api)) f.error = true;
   }
-  if (FindErrorWindow(api)) ForwardErrorHandler(frm, c);
-  if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(frm, c);
+  if (FindErrorWindow(api)) ForwardErrorHandler(frm, c, f);
+  if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(frm, c, f);
   if (const Hwnd ok = FindModalButton(api, "OK")) PressButton(api, ok);
   if (const Hwnd no = FindModalButton(api, "&No")) PressButton(api, no);
 }

@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "server/error_sweep.h"
 #include "server/server_common.h"
 #include "settings/random_number.h"
@@ -22,15 +23,15 @@ constexpr float kAfterLine = 0.45f;
 // Rounds of waiting between two nudges of a client that lost the request
 // (the same rhythm as the client's other waits).
 constexpr std::int64_t kNudgeRounds = 200;
-constexpr int kForwardIcon = 8;
 
 // The open mail whose caption is the title: another mail window left open
 // must not be forwarded in its place.
 Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) == title && FindChild(api, w, "RICHCNTL") &&
-           !FindChild(api, w, "_AOL_Combobox") &&
-           !FindChild(api, w, "_AOL_FontCombo");
+    return GetCaption(api, w) == title &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           !FindChild(api, w, aol::kComboClass) &&
+           !FindChild(api, w, aol::kFontComboClass);
   });
 }
 
@@ -71,10 +72,11 @@ std::string ForwardBody(const FrmMain& frm, const std::string& second_line) {
 
 Hwnd FindForwardWindow(WindowApi& api) {
   return FindClientChildWhere(api, [&](Hwnd w) {
-    return GetCaption(api, w) != kWriteMail && FindChild(api, w, "RICHCNTL") &&
-           FindChild(api, w, "_AOL_Static") &&
-           FindChild(api, w, "_AOL_Combobox") &&
-           FindChild(api, w, "_AOL_FontCombo");
+    return GetCaption(api, w) != kWriteMail &&
+           FindChild(api, w, aol::kRichTextClass) &&
+           FindChild(api, w, aol::kStaticClass) &&
+           FindChild(api, w, aol::kComboClass) &&
+           FindChild(api, w, aol::kFontComboClass);
   });
 }
 
@@ -112,7 +114,8 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
 
   frm.SetStatus(steps.forwarding);
   auto click_forward = [&] {
-    ClickIcon(api, FindNthChild(api, mail, "_AOL_Icon", kForwardIcon));
+    ClickIcon(api, FindNthChild(api, mail, aol::kIconClass,
+                                aol::kOpenMailForwardIcon));
   };
   click_forward();
   Hwnd forward = 0;
@@ -144,15 +147,15 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   return true;
 }
 
-void RunMailJob(FrmMain& frm, const ClientContext& c) {
+void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   const TakenGroup group = frm.pending.TakeNextMail(
       /*lists=*/false, frm.lblPending, MakeCounterView(frm));
   if (group.requesters.empty() || group.wanted == "list") return;
 
   const std::string sn = FirstRequester(group.requesters);
   const std::string& number = group.wanted;
-  frm.forward_sn = sn;
-  frm.forward_number = number;
+  f.sn = sn;
+  f.number = number;
   const std::string notify = NotifyText(frm);
 
   if (IsDeadMail(frm, number)) {
@@ -176,10 +179,10 @@ void RunMailJob(FrmMain& frm, const ClientContext& c) {
   if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps))
     return;
 
-  ForwardErrorSweep(frm, c);
-  if (frm.settings.MailNotify && !frm.forward_error)
+  ForwardErrorSweep(frm, c, f);
+  if (frm.settings.MailNotify && !f.error)
     Say(frm, c, sn + " mail <U>" + number + "</U> " + notify);
-  frm.forward_error = false;
+  f.error = false;
   frm.SetStatus("status: scanning chat");
 }
 

@@ -52,8 +52,22 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
                        std::string_view recipients, std::string_view body,
                        const ForwardSteps& steps);
 
+// What a forward leaves for the error sweep that follows it, and the
+// sweep for the forward: the first requester and the mail number being
+// forwarded, which a dead-mail notice names; whether the sweep found the
+// forward failed (set by the sweep, cleared at the end of each forward);
+// and a sweep under way (Timer2 fires inside the sweep's own pauses and
+// must not answer the same box twice). The mail job, the list job and the
+// sweep of one serving engine share one.
+struct ForwardScratch {
+  std::string sn;
+  std::string number;
+  bool error = false;
+  bool in_sweep = false;
+};
+
 // Step 8 of the tick: takes the next mail group and, unless it is a list
 // group or nothing, forwards it.
-void RunMailJob(FrmMain& frm, const ClientContext& c);
+void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f);
 
 }  // namespace quorvex

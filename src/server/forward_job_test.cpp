@@ -11,7 +11,7 @@
 #include "client/window_ops.h"
 #include "server/error_sweep.h"
 #include "server/lists_finds.h"
-#include "server/server_test_fixture.h"
+#include "testing/server_test_fixture.h"
 
 namespace quorvex {
 namespace {
@@ -25,11 +25,14 @@ class ForwardJobTest : public ServerTest {
     AddMails(mails);
     sim.Launch();
     LoadMailbox(c, frm.lstMails, true, frm.status);
-    frm.Timer2 = host.CreateTimer([this] { ForwardErrorSweep(frm, c); });
+    frm.Timer2 =
+        host.CreateTimer([this] { ForwardErrorSweep(frm, c, scratch); });
     frm.Timer2->SetInterval(1000);
     frm.Timer2->SetEnabled(true);
     statuses.clear();
   }
+
+  ForwardScratch scratch;
 
   void Queue(std::initializer_list<const char*> lines) {
     for (const char* line : lines) frm.pending.Append(line);
@@ -53,7 +56,7 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   frm.frmMessages.mail_text().text = "enjoy";
   Launch(8);
   Queue({"bob-5", "amy-3", "joe smith-5"});
-  RunMailJob(frm, c);
+  RunMailJob(frm, c, scratch);
 
   ASSERT_EQ(seen.mails.size(), 1u);
   EXPECT_EQ(seen.mails[0].to, "(bob)(joe smith)");
@@ -82,14 +85,14 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
     Queue({"bob-4", "amy-2", "ann-4"});
     // Requests that come in while the mail is being forwarded.
     host.Schedule(0.1, [this] { Queue({"zed-4", "amy~4", "lee-4"}); });
-    RunMailJob(frm, c);
+    RunMailJob(frm, c, scratch);
 
     EXPECT_EQ(Said(), (Lines{"bob mail <U>4</U> is a dead mail",
                              "zed mail <U>4</U> is a dead mail",
                              "lee mail <U>4</U> is a dead mail"}));
     EXPECT_EQ(frm.dead_mails, Lines{"4"});
     EXPECT_EQ(Pending(), (Lines{"amy-2", "amy~4"}));
-    EXPECT_FALSE(frm.forward_error);
+    EXPECT_FALSE(scratch.error);
     EXPECT_EQ(FindForwardWindow(sim), 0u);
   }
 }
@@ -98,7 +101,7 @@ TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
   sim.SetFullMailbox("bob");
   Launch(8);
   Queue({"bob-5", "amy-5", "bob-6", "bob-7", "bob~cats", "amy-8"});
-  RunMailJob(frm, c);
+  RunMailJob(frm, c, scratch);
 
   EXPECT_EQ(Forwarded("amy"), Lines{"mail 5"});
   EXPECT_TRUE(Forwarded("bob").empty());
@@ -113,11 +116,11 @@ TEST_F(ForwardJobTest, SigningOffEndsTheStepAndLosesTheGroup) {
   Launch(8);
   Queue({"bob-5", "amy-5", "joe-6"});
   sim.SignOffAfter(0.01);
-  RunMailJob(frm, c);
+  RunMailJob(frm, c, scratch);
   EXPECT_TRUE(Said().empty());
   EXPECT_EQ(Pending(), Lines{"joe-6"});
   EXPECT_EQ(frm.counters.session, 2);  // taken is counted, sent or not
-  RunMailJob(frm, c);                  // already signed off
+  RunMailJob(frm, c, scratch);         // already signed off
   EXPECT_TRUE(Pending().empty());
   EXPECT_TRUE(seen.mails.empty());
 }
@@ -138,7 +141,7 @@ TEST_F(ForwardJobTest, TheSecondClockAnswersAFullMailboxOutsideAForward) {
   EXPECT_EQ(Pending(), (Lines{"bob~x", "amy-2"}));
   EXPECT_EQ(frm.ReplyQueue.Items(), Lines{"bob-mailbox"});
   EXPECT_EQ(statuses, Lines{"status: pausing 2 secs"});
-  EXPECT_FALSE(frm.in_sweep);
+  EXPECT_FALSE(scratch.in_sweep);
 }
 
 class ListsFindsTest : public ForwardJobTest {
@@ -193,7 +196,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   LaunchWithLists(5, 2);
   frm.ListSeconds = 31;
   Queue({"bob-list", "amy-3", "amy-list"});
-  RunListJob(frm, c);
+  RunListJob(frm, c, scratch);
 
   EXPECT_EQ(Forwarded("amy"),
             (Lines{" quorvex list number 1 ", " quorvex list number 2 "}));
@@ -210,7 +213,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   EXPECT_EQ(statuses.front(), "status: opening list");
 
   // Nobody waiting: nothing is sent or said.
-  RunListJob(frm, c);
+  RunListJob(frm, c, scratch);
   EXPECT_EQ(seen.mails.size(), 2u);
   EXPECT_EQ(Said().size(), 2u);
 }

@@ -92,16 +92,6 @@ struct FrmMain {
   // The program has ended (exit label, or a reboot).
   bool ended = false;
 
-  // The forwarding job (forward_job.h) and its error sweep (error_sweep.h):
-  // the first requester and the mail number last taken to forward, which
-  // the dead-mail notice names; set when the sweep finds a dead mail and
-  // cleared at the end of each forward; a sweep under way (Timer2 fires
-  // inside the sweep's own pauses and must not answer the same box twice).
-  std::string forward_sn;
-  std::string forward_number;
-  bool forward_error = false;
-  bool in_sweep = false;
-
   // Serving engine (serve_engine.h, machine_restart.h): the restart
   // options window, shown from the restart options but not consulted.
   PausingForm frmPausing;
@@ -116,7 +106,6 @@ struct FrmMain {
   // The room people window, opened by a right click on lstBanned; it reads
   // the room when it opens.
   RoomForm frmRoom;
-  bool frmRoom_open = false;
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }

@@ -9,6 +9,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "server/error_sweep.h"
 #include "server/forward_job.h"
 #include "server/server_common.h"
@@ -22,7 +23,6 @@ constexpr double kBetweenLists = 2;
 constexpr std::int64_t kNudgeRounds = 200;
 constexpr const char* kSessionCaption = "Automatic AOL";
 constexpr const char* kSessionText = "AOL session is";
-constexpr int kMailMenuIcon = 3;
 
 std::string Str(long long n) { return std::to_string(n); }
 
@@ -103,13 +103,13 @@ void BuildLists(FrmMain& frm, const ClientContext& c) {
 
 void RunAutomaticAol(const ClientContext& c) {
   WindowApi& api = c.api;
-  auto open = [&] { RunToolbarMenu(c, kMailMenuIcon, 'a'); };
+  auto open = [&] { RunToolbarMenu(c, aol::kToolbarMailIcon, 'a'); };
   open();
   Hwnd session = 0;
   if (WaitUntil(
           c.host,
           [&] {
-            session = api.FindWindowA("_AOL_Modal", kSessionCaption);
+            session = api.FindWindowA(aol::kModalClass, kSessionCaption);
             return session != 0;
           },
           {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
@@ -121,21 +121,23 @@ void RunAutomaticAol(const ClientContext& c) {
                 [&] {
                   if (!api.IsWindow(session)) return true;
                   const std::string text =
-                      GetText(api, FindChild(api, session, "_AOL_View"));
+                      GetText(api, FindChild(api, session, aol::kViewClass));
                   return StartsWith(text, kSessionText) &&
                          text.find("in progress") == std::string::npos;
                 },
                 {.give_up = SignedOff(api)}) != WaitEnd::kMet)
     return;
 
-  auto close = [&] { ClickIcon(api, FindChild(api, session, "_AOL_Icon")); };
+  auto close = [&] {
+    ClickIcon(api, FindChild(api, session, aol::kIconClass));
+  };
   close();
   WaitUntil(
       c.host, [&] { return !api.IsWindow(session); },
       {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = close});
 }
 
-void RunListJob(FrmMain& frm, const ClientContext& c) {
+void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   // The list step ran: the interval starts again, served or not.
   frm.ListSeconds = 0;
   const int lists = frm.lstLists.Count();
@@ -155,17 +157,17 @@ void RunListJob(FrmMain& frm, const ClientContext& c) {
     const ListMail list = ListMailAt(frm.lstLists, i);
     // A list mail the client refused once is not tried again.
     if (IsDeadMail(frm, list.position)) continue;
-    frm.forward_sn = sn;
-    frm.forward_number = list.position;
+    f.sn = sn;
+    f.number = list.position;
     const std::string body =
         ForwardBody(frm, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(frm, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps))
       return;
-    ForwardErrorSweep(frm, c);
-    if (s.ListNotify && !frm.forward_error)
+    ForwardErrorSweep(frm, c, f);
+    if (s.ListNotify && !f.error)
       Say(frm, c, sn + " list <U>" + list.k + "</U> " + NotifyText(frm));
-    frm.forward_error = false;
+    f.error = false;
   }
   if (!s.ListNotify) Say(frm, c, range + " were sent");
   frm.SetStatus("status: scanning chat");

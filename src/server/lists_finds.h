@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "client/client_context.h"
+#include "server/forward_job.h"
 #include "server/frm_main.h"
 
 namespace quorvex {
@@ -37,7 +38,7 @@ void RunAutomaticAol(const ClientContext& c);
 
 // Step 10 of the tick: takes every list request and forwards each list
 // mail to all of them at once.
-void RunListJob(FrmMain& frm, const ClientContext& c);
+void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f);
 
 // The "[ n ] - title" lines of the titles that contain `text` (case
 // ignored), pausing with `speed` between titles; *count says how many.

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "server/serve_engine.h"
-#include "server/server_test_fixture.h"
+#include "testing/server_test_fixture.h"
 
 namespace quorvex {
 namespace {

@@ -5,6 +5,7 @@
 #include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 
 namespace quorvex {
 
@@ -14,8 +15,6 @@ namespace {
 constexpr int kWindowMenu = 2;
 constexpr int kForgetSize = 6;
 constexpr int kNudgeRounds = 200;  // rounds between repeated clicks
-constexpr int kForwardIcon = 8;
-constexpr int kWriteIcon = 2;
 
 Hwnd FindWriteMail(WindowApi& api) { return FindDocument(api, kWriteMail); }
 
@@ -62,7 +61,8 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
 
-  const Hwnd forward_icon = FindNthChild(api, mail, "_AOL_Icon", kForwardIcon);
+  const Hwnd forward_icon =
+      FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   end = WaitUntil(c.host, [&] { return FindComposeWindow(api) != 0; },
                   {.give_up = SignedOff(api),
@@ -73,7 +73,7 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   CloseAll(c, FindComposeWindow);
   CloseAll(c, FindOpenMail);
 
-  const Hwnd write_icon = FindToolbarIcon(api, kWriteIcon);
+  const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
   end = WaitUntil(c.host, [&] { return FindWriteMail(api) != 0; },
                   {.give_up = SignedOff(api),

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "model/controls.h"
+#include "model/form.h"
 
 namespace quorvex {
 
@@ -14,7 +15,7 @@ inline constexpr const char* kPausingCaptions[2] = {
 
 struct PausingForm {
   std::array<CheckBox, 2> chkCPU;  // captions: kPausingCaptions
-  bool visible = false;
+  Form form{"frmPausing"};
 };
 
 }  // namespace quorvex

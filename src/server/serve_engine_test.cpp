@@ -5,7 +5,7 @@
 
 #include "client/wait.h"
 #include "server/replies.h"
-#include "server/server_test_fixture.h"
+#include "testing/server_test_fixture.h"
 
 namespace quorvex {
 namespace {

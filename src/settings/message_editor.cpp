@@ -20,7 +20,9 @@ std::size_t& Caret(MessagesForm& form, int index) {
 
 void InsertAtCaret(MessagesForm& form, int index, const std::string& text) {
   std::size_t& caret = Caret(form, index);
-  form.txtAdd[index].text.insert(caret, text);
+  std::string changed = form.txtAdd[index].text;
+  changed.insert(caret, text);
+  form.txtAdd[index].Set(std::move(changed));
   caret += text.size();
 }
 
@@ -29,6 +31,7 @@ void InsertAtCaret(MessagesForm& form, int index, const std::string& text) {
 void frmMessages_Load(MessagesForm& form, const Registry& registry) {
   LoadMessages(form, registry);
   Tab_Click(form, 0);
+  form.form.Open();
 }
 
 void Tab_Click(MessagesForm& form, int Index) {
@@ -42,7 +45,7 @@ bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii) {
     if (!box.text.empty()) {
       ListBox& list = Index == 0 ? form.lstChat : form.lstThankyou;
       list.Add(box.text);
-      box.text.clear();
+      box.Set("");
       form.caret[Index] = 0;
       return true;
     }
@@ -58,8 +61,10 @@ bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii) {
            (static_cast<unsigned char>(box.text[start - 1]) & 0xC0) == 0x80)
       --start;
     if (start > 0) --start;
-    box.text.erase(start, caret - start);
+    std::string text = box.text;
+    text.erase(start, caret - start);
     caret = start;
+    box.Set(std::move(text));
   } else if ((KeyAscii >= 32 && KeyAscii < 127) || KeyAscii == '\t') {
     InsertAtCaret(form, Index, std::string(1, static_cast<char>(KeyAscii)));
   }
@@ -98,9 +103,9 @@ bool ClickInsertItem(MessagesForm& form, const std::string& name) {
 
 void cmdSave_Click(MessagesForm& form, Registry& registry) {
   SaveMessages(form, registry);
-  form.visible = false;
+  form.form.Close();
 }
 
-void cmdExit_Click(MessagesForm& form) { form.visible = false; }
+void cmdExit_Click(MessagesForm& form) { form.form.Close(); }
 
 }  // namespace quorvex

@@ -128,10 +128,10 @@ TEST(MessageEditorTest, ExitClosesWithoutSaving) {
   MemoryRegistry registry;
   MessagesForm form;
   frmMessages_Load(form, registry);
-  form.visible = true;
+  form.form.Open();
   form.lstChat.Add("hello");
   cmdExit_Click(form);
-  EXPECT_FALSE(form.visible);
+  EXPECT_FALSE(form.form.open());
   EXPECT_TRUE(registry.Dump(kApp).empty());
 }
 

@@ -95,8 +95,8 @@ void SaveList(const ListBox& box, Registry& registry,
 void LoadMessages(MessagesForm& form, const Registry& registry) {
   LoadList(form.lstChat, registry, kChat);
   LoadList(form.lstThankyou, registry, kThankYou);
-  form.mail_text().text = registry.GetSetting(kApp, kMailMsgsSection,
-                                              "Mail Msg", kDefaultMailMessage);
+  form.mail_text().Set(registry.GetSetting(kApp, kMailMsgsSection, "Mail Msg",
+                                           kDefaultMailMessage));
 }
 
 void SaveMessages(const MessagesForm& form, Registry& registry) {

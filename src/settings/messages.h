@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "model/controls.h"
+#include "model/form.h"
 #include "model/list_box.h"
 #include "ports/registry.h"
 
@@ -30,7 +31,8 @@ struct MessagesForm {
   // The shown tab and page: 0 chat (Picture1), 1 mail (Picture2),
   // 2 thank you (Picture3).
   int tab = 0;
-  bool visible = false;
+  // Hidden between uses; the lists live on while it is.
+  Form form{"frmMessages"};
 
   TextBox& mail_text() { return txtAdd[1]; }
   const TextBox& mail_text() const { return txtAdd[1]; }

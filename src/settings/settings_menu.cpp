@@ -324,47 +324,48 @@ void mnuSentRes_Click(SettingsMenuContext& ctx) {
               std::int16_t{1}, "off");
 }
 
+const std::vector<SettingsMenuHandler>& SettingsMenuHandlers() {
+  static const std::vector<SettingsMenuHandler> handlers = {
+      {"mnuHandle", 0, mnuHandle_Click, nullptr},
+      {"mnuLAscii", 0, mnuLAscii_Click, nullptr},
+      {"mnuRAscii", 0, mnuRAscii_Click, nullptr},
+      {"mnuChatFont", 0, mnuChatFont_Click, nullptr},
+      {"mnuMailNotify", 0, mnuMailNotify_Click, nullptr},
+      {"mnuMailResize", 0, mnuMailResize_Click, nullptr},
+      {"mnuMSpeed", kSpeedItems, nullptr, mnuMSpeed_Click},
+      {"mnuMMethod", 2, nullptr, mnuMMethod_Click},
+      {"mnuListNotify", 0, mnuListNotify_Click, nullptr},
+      {"mnuMPList", 0, mnuMPList_Click, nullptr},
+      {"mnuLSpeed", kSpeedItems, nullptr, mnuLSpeed_Click},
+      {"mnuLSend", kLSendItems, nullptr, mnuLSend_Click},
+      {"mnuFEnable", 2, nullptr, mnuFEnable_Click},
+      {"mnuFMax", 0, mnuFMax_Click, nullptr},
+      {"mnuFMininum", 0, mnuFMininum_Click, nullptr},
+      {"mnuFSpeed", kSpeedItems, nullptr, mnuFSpeed_Click},
+      {"mnuBEnableXY", 0, mnuBEnableXY_Click, nullptr},
+      {"mnuBMax", 0, mnuBMax_Click, nullptr},
+      {"mnuBScroll", kBScrollItems, nullptr, mnuBScroll_Click},
+      {"mnuSStatus", 0, mnuSStatus_Click, nullptr},
+      {"mnuThankyou", 0, mnuThankyou_Click, nullptr},
+      {"mnuScrollMethod", 2, nullptr, mnuScrollMethod_Click},
+      {"mnuAOLRes", 0, mnuAOLRes_Click, nullptr},
+      {"mnuCPURes", 0, mnuCPURes_Click, nullptr},
+      {"mnuSentRes", 0, mnuSentRes_Click, nullptr},
+  };
+  return handlers;
+}
+
 bool ClickSettingsMenu(SettingsMenuContext& ctx, const std::string& name,
                        int index) {
-  using Entry = void (*)(SettingsMenuContext&);
-  using Group = void (*)(SettingsMenuContext&, int);
-  static const std::map<std::string, Entry> kEntries = {
-      {"mnuHandle", mnuHandle_Click},
-      {"mnuLAscii", mnuLAscii_Click},
-      {"mnuRAscii", mnuRAscii_Click},
-      {"mnuChatFont", mnuChatFont_Click},
-      {"mnuMailNotify", mnuMailNotify_Click},
-      {"mnuMailResize", mnuMailResize_Click},
-      {"mnuListNotify", mnuListNotify_Click},
-      {"mnuMPList", mnuMPList_Click},
-      {"mnuFMax", mnuFMax_Click},
-      {"mnuFMininum", mnuFMininum_Click},
-      {"mnuBEnableXY", mnuBEnableXY_Click},
-      {"mnuBMax", mnuBMax_Click},
-      {"mnuSStatus", mnuSStatus_Click},
-      {"mnuThankyou", mnuThankyou_Click},
-      {"mnuAOLRes", mnuAOLRes_Click},
-      {"mnuCPURes", mnuCPURes_Click},
-      {"mnuSentRes", mnuSentRes_Click},
+  const auto& handlers = SettingsMenuHandlers();
+  auto find = [&handlers](const std::string& n) -> const SettingsMenuHandler* {
+    for (const SettingsMenuHandler& h : handlers)
+      if (n == h.name) return &h;
+    return nullptr;
   };
-  struct GroupInfo {
-    Group handler;
-    int items;
-  };
-  static const std::map<std::string, GroupInfo> kGroups = {
-      {"mnuMSpeed", {mnuMSpeed_Click, kSpeedItems}},
-      {"mnuMMethod", {mnuMMethod_Click, 2}},
-      {"mnuLSpeed", {mnuLSpeed_Click, kSpeedItems}},
-      {"mnuLSend", {mnuLSend_Click, kLSendItems}},
-      {"mnuFEnable", {mnuFEnable_Click, 2}},
-      {"mnuFSpeed", {mnuFSpeed_Click, kSpeedItems}},
-      {"mnuBScroll", {mnuBScroll_Click, kBScrollItems}},
-      {"mnuScrollMethod", {mnuScrollMethod_Click, 2}},
-  };
-
-  if (auto e = kEntries.find(name); e != kEntries.end()) {
+  if (const SettingsMenuHandler* h = find(name); h && h->entry) {
     if (!ctx.menus.Enabled(name)) return false;
-    e->second(ctx);
+    h->entry(ctx);
     return true;
   }
   // "mnuMSpeed(5)" names the group and the item at once.
@@ -379,12 +380,12 @@ bool ClickSettingsMenu(SettingsMenuContext& ctx, const std::string& name,
     group = name.substr(0, open);
     index = std::stoi(digits);
   }
-  auto g = kGroups.find(group);
-  if (g == kGroups.end() || index < 1 || index > g->second.items ||
+  const SettingsMenuHandler* g = find(group);
+  if (!g || !g->group || index < 1 || index > g->items ||
       IsPresetSeparator(group, index))
     return false;
   if (!ctx.menus.Enabled(MenuModel::ItemName(group, index))) return false;
-  g->second.handler(ctx, index);
+  g->group(ctx, index);
   return true;
 }
 

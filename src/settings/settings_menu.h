@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "model/menu.h"
 #include "ports/prompter.h"
@@ -50,6 +51,17 @@ void mnuScrollMethod_Click(SettingsMenuContext& ctx, int Index);
 void mnuAOLRes_Click(SettingsMenuContext& ctx);
 void mnuCPURes_Click(SettingsMenuContext& ctx);
 void mnuSentRes_Click(SettingsMenuContext& ctx);
+
+// The menu entries this file handles: an entry (items 0) or a preset group
+// with its number of items, separators included. The click dispatch and
+// the program's control table both read this one list.
+struct SettingsMenuHandler {
+  const char* name;
+  int items;
+  void (*entry)(SettingsMenuContext&);
+  void (*group)(SettingsMenuContext&, int);
+};
+const std::vector<SettingsMenuHandler>& SettingsMenuHandlers();
 
 // Runs the handler of a settings entry: `name` is an entry ("mnuHandle")
 // or a preset group ("mnuMSpeed") with the 1-based item `index`; an item

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "sim/rich_text.h"
 
 namespace quorvex {
@@ -203,7 +204,7 @@ SimClient::Doc* SimClient::FindDoc(Kind kind) {
 }
 
 Hwnd SimClient::NewDoc(Kind kind, std::string caption) {
-  Hwnd h = tree_.Create(mdi_, "AOL Child", std::move(caption), true);
+  Hwnd h = tree_.Create(mdi_, aol::kChildClass, std::move(caption), true);
   if (!h) return 0;
   SimWindow* w = tree_.Get(h);
   w->owner = h;
@@ -245,11 +246,11 @@ void SimClient::AddIcons(Hwnd parent, const std::vector<const char*>& texts,
   for (Hwnd h : tree_.Children(parent))
     if (tree_.Get(h)->role == kRoleIcon) ++n;
   for (const char* t : texts)
-    Add(parent, "_AOL_Icon", with_text ? t : "", kRoleIcon, ++n);
+    Add(parent, aol::kIconClass, with_text ? t : "", kRoleIcon, ++n);
 }
 
 Hwnd SimClient::Icon(Hwnd doc, int n) const {
-  return tree_.NthChild(doc, "_AOL_Icon", n);
+  return tree_.NthChild(doc, aol::kIconClass, n);
 }
 
 void SimClient::CloseDoc(Hwnd hwnd) {
@@ -660,7 +661,7 @@ void SimClient::Click(Hwnd hwnd) {
       break;
     case Kind::kIncoming:
       if (n == 1) {
-        Hwnd t = tree_.NthChild(doc, "_AOL_Tree", 1);
+        Hwnd t = tree_.NthChild(doc, aol::kTreeClass, 1);
         if (t) OpenSelectedMail(*tree_.Get(t));
       }
       break;
@@ -729,16 +730,16 @@ void SimClient::BuildFrame() {
       SimMemory(0x00A3F000 + static_cast<std::uint32_t>(starts_) * 0x10000);
   processes_.clear();
   menu_base_ = 0x0002A000 + static_cast<Hmenu>(starts_) * 0x10;
-  frame_ = NewTopLevel(Kind::kFrame, "AOL Frame25", "America Online");
+  frame_ = NewTopLevel(Kind::kFrame, aol::kFrameClass, "America Online");
   tree_.Get(frame_)->cx = knobs_.screen_width;
   tree_.Get(frame_)->cy = knobs_.screen_height;
-  Hwnd strip = Add(frame_, "AOL Toolbar", "");
-  toolbar_row_ = Add(strip, "_AOL_Toolbar", "");
+  Hwnd strip = Add(frame_, aol::kToolbarFrameClass, "");
+  toolbar_row_ = Add(strip, aol::kToolbarClass, "");
   AddIcons(toolbar_row_, kToolbarIcons);
-  Hwnd combo = Add(toolbar_row_, "_AOL_Combobox", "");
+  Hwnd combo = Add(toolbar_row_, aol::kComboClass, "");
   keyword_edit_ = Add(combo, "Edit", "", kRoleKeyword);
   AddIcons(toolbar_row_, {"Go"});
-  mdi_ = Add(frame_, "MDIClient", "");
+  mdi_ = Add(frame_, aol::kMdiClass, "");
 }
 
 void SimClient::DestroyClient() {
@@ -771,7 +772,8 @@ void SimClient::SyncMenuWindows() {
   std::size_t want = popup_ ? static_cast<std::size_t>(popup_->depth()) : 0;
   while (popup_windows_.size() > want) tree_.Destroy(popup_windows_.back());
   while (popup_windows_.size() < want)
-    popup_windows_.push_back(NewTopLevel(Kind::kMenu, "#32768", ""));
+    popup_windows_.push_back(
+        NewTopLevel(Kind::kMenu, aol::kPopupMenuClass, ""));
   if (want == 0) popup_.reset();
 }
 

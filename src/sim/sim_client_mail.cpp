@@ -5,6 +5,7 @@
 #include <set>
 
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "sim/recipients.h"
 #include "sim/sim_client.h"
 
@@ -173,8 +174,8 @@ void SimClient::OpenIncoming() {
     return;
   }
   Hwnd doc = NewDoc(Kind::kIncoming, "Incoming/Saved Mail");
-  Add(doc, "_AOL_Tree", "", kRoleTree, kTreeIncoming);
-  Add(doc, "_AOL_Static", "Incoming/Saved Mail");
+  Add(doc, aol::kTreeClass, "", kRoleTree, kTreeIncoming);
+  Add(doc, aol::kStaticClass, "Incoming/Saved Mail");
   AddIcons(doc, {"Read", "Help"});
 }
 
@@ -192,9 +193,9 @@ void SimClient::OpenSelectedMail(SimWindow& tree) {
 void SimClient::OpenMail(const MailItem& mail) {
   Hwnd doc = NewDoc(Kind::kOpenMail, mail.title);
   docs_[doc].mail_id = mail.id;
-  Add(doc, "_AOL_Static",
+  Add(doc, aol::kStaticClass,
       "From: " + (mail.sender.empty() ? user_name_ : mail.sender));
-  Add(doc, "RICHCNTL", mail.body);
+  Add(doc, aol::kRichTextClass, mail.body);
   AddIcons(doc, kOpenMailIcons);
 }
 
@@ -207,15 +208,15 @@ void SimClient::OpenForward(Doc& open_mail) {
   Hwnd doc = NewDoc(Kind::kForward, caption);
   docs_[doc].mail_id = id;
   docs_[doc].open_mail = from;
-  Add(doc, "_AOL_Static", "Send To:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 1);
-  Add(doc, "_AOL_Static", "Copy To:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 2);
-  Add(doc, "_AOL_Static", "Subject:");
-  Add(doc, "_AOL_Edit", caption, kRoleEdit, 3);
-  Add(doc, "_AOL_FontCombo", "Arial");
-  Add(doc, "_AOL_Combobox", "10");
-  Add(doc, "RICHCNTL", "", kRoleBody);
+  Add(doc, aol::kStaticClass, "Send To:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 1);
+  Add(doc, aol::kStaticClass, "Copy To:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 2);
+  Add(doc, aol::kStaticClass, "Subject:");
+  Add(doc, aol::kEditClass, caption, kRoleEdit, 3);
+  Add(doc, aol::kFontComboClass, "Arial");
+  Add(doc, aol::kComboClass, "10");
+  Add(doc, aol::kRichTextClass, "", kRoleBody);
   // The window fills in steps: a few blank icons first, the rest with
   // their texts a little later.
   AddIcons(doc, FirstIcons(kForwardIcons), false);
@@ -224,15 +225,15 @@ void SimClient::OpenForward(Doc& open_mail) {
 
 void SimClient::OpenWriteMail() {
   Hwnd doc = NewDoc(Kind::kWriteMail, "Write Mail");
-  Add(doc, "_AOL_Static", "Send To:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 1);
-  Add(doc, "_AOL_Static", "Copy To:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 2);
-  Add(doc, "_AOL_Static", "Subject:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 3);
-  Add(doc, "_AOL_FontCombo", "Arial");
-  Add(doc, "_AOL_Combobox", "10");
-  Add(doc, "RICHCNTL", "", kRoleBody);
+  Add(doc, aol::kStaticClass, "Send To:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 1);
+  Add(doc, aol::kStaticClass, "Copy To:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 2);
+  Add(doc, aol::kStaticClass, "Subject:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 3);
+  Add(doc, aol::kFontComboClass, "Arial");
+  Add(doc, aol::kComboClass, "10");
+  Add(doc, aol::kRichTextClass, "", kRoleBody);
   AddIcons(doc, FirstIcons(kWriteIcons), false);
   Later(knobs_.latency, [this, doc] { FillComposeIcons(doc); });
 }
@@ -254,14 +255,14 @@ void SimClient::SendMail(Doc& doc, bool now) {
   if (doc.sending || (now && !signed_on_)) return;
   const Hwnd h = doc.hwnd;
   auto field = [&](int n) {
-    return tree_.Get(tree_.NthChild(h, "_AOL_Edit", n))->text;
+    return tree_.Get(tree_.NthChild(h, aol::kEditClass, n))->text;
   };
   OutMail m;
   m.date = Today();
   m.to = field(1);
   m.cc = field(2);
   m.subject = field(3);
-  m.body = tree_.Get(tree_.NthChild(h, "RICHCNTL", 1))->text;
+  m.body = tree_.Get(tree_.NthChild(h, aol::kRichTextClass, 1))->text;
   if (ParseRecipients(m.to).empty() && ParseRecipients(m.cc).empty()) {
     ShowBox(BoxKind::kNoRecipient, kNoRecipientText, h);
     return;
@@ -290,7 +291,7 @@ void SimClient::SendMail(Doc& doc, bool now) {
   }
   doc.sending = true;
   Hwnd status = NewDoc(Kind::kStatus, "Status");
-  Add(status, "_AOL_Static", kSendingText);
+  Add(status, aol::kStaticClass, kSendingText);
   Later(knobs_.send_time, [this, h, status, m] { FinishSend(h, status, m); });
 }
 
@@ -337,12 +338,12 @@ void SimClient::ShowErrors(const std::vector<std::string>& lines) {
     text += l;
   }
   Hwnd doc = NewDoc(Kind::kError, "Error");
-  Add(doc, "_AOL_View", text);
+  Add(doc, aol::kViewClass, text);
   AddIcons(doc, {"OK"});
 }
 
 Hwnd SimClient::ShowBox(BoxKind kind, const std::string& text, Hwnd holds) {
-  Hwnd box = NewTopLevel(Kind::kBox, "#32770", "America Online");
+  Hwnd box = NewTopLevel(Kind::kBox, aol::kDialogClass, "America Online");
   docs_[box].box = kind;
   docs_[box].box_for = holds;
   Add(box, "Static", text);
@@ -366,10 +367,10 @@ void SimClient::OpenOnlineMailbox(int tab) {
   }
   Hwnd doc = NewDoc(Kind::kOnlineMailbox, user_name_ + "'s Online Mailbox");
   docs_[doc].tab = tab;
-  Hwnd tabs = Add(doc, "_AOL_TabControl", "");
+  Hwnd tabs = Add(doc, aol::kTabControlClass, "");
   for (int i = 0; i < 3; ++i) {
-    Hwnd page = Add(tabs, "_AOL_TabPage", kTabNames[i]);
-    Add(page, "_AOL_Tree", "", kRoleTree, kTreeNew + i);
+    Hwnd page = Add(tabs, aol::kTabPageClass, kTabNames[i]);
+    Add(page, aol::kTreeClass, "", kRoleTree, kTreeNew + i);
   }
   AddIcons(doc, kOnlineMailboxIcons);
   // The sent list fills in steps, as the service sends it.
@@ -391,7 +392,7 @@ void SimClient::OpenWaiting() {
     return;
   }
   Hwnd doc = NewDoc(Kind::kWaiting, "Mail Waiting to be Sent");
-  Add(doc, "_AOL_Tree", "", kRoleTree, kTreeWaiting);
+  Add(doc, aol::kTreeClass, "", kRoleTree, kTreeWaiting);
   AddIcons(doc, {"Read", "Delete", "Send All", "Help"});
 }
 

@@ -2,7 +2,7 @@
 // boxes, driven the way the program drives them.
 #include <gtest/gtest.h>
 
-#include "sim/sim_rig.h"
+#include "testing/sim_rig.h"
 
 namespace quorvex {
 namespace {

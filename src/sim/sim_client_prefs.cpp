@@ -2,6 +2,7 @@
 // Preferences) and its pages, modal dialogs of check boxes. The boxes are
 // remembered between openings; the client's behaviour does not yet
 // depend on them.
+#include "ports/client_windows.h"
 #include "sim/sim_client.h"
 
 namespace quorvex {
@@ -44,16 +45,16 @@ void SimClient::OpenPreferences() {
     return;
   }
   Hwnd doc = NewDoc(Kind::kPreferences, "Preferences");
-  Add(doc, "_AOL_Static", "AOL Preferences");
+  Add(doc, aol::kStaticClass, "AOL Preferences");
   AddIcons(doc,
            {"General", "Toolbar", "Mail", "Font", "Marketing", "Passwords"});
 }
 
 void SimClient::OpenPreferencePage(bool mail) {
-  Hwnd page = NewTopLevel(Kind::kPreferencePage, "_AOL_Modal",
+  Hwnd page = NewTopLevel(Kind::kPreferencePage, aol::kModalClass,
                           mail ? "Mail Preferences" : "General Preferences");
   for (const Default& d : mail ? kMailPreferences : kGeneralPreferences) {
-    Hwnd box = Add(page, "_AOL_Checkbox", d.label, kRoleCheck);
+    Hwnd box = Add(page, aol::kCheckboxClass, d.label, kRoleCheck);
     tree_.Get(box)->check = Preference(d.label);
   }
   AddIcons(page, {"OK", "Cancel"});

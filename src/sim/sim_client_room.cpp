@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "sim/recipients.h"
 #include "sim/sim_client.h"
 
@@ -35,15 +36,15 @@ void SimClient::EnterRoom(const std::string& name) {
 
 void SimClient::BuildRoomWindow() {
   room_ = NewDoc(Kind::kChatRoom, current_room_);
-  display_ = Add(room_, "RICHCNTL", "", kRoleDisplay);
-  input_ = Add(room_, "RICHCNTL", "", kRoleInput);
+  display_ = Add(room_, aol::kRichTextClass, "", kRoleDisplay);
+  input_ = Add(room_, aol::kRichTextClass, "", kRoleInput);
   if (knobs_.room_style_controls) {
-    Add(room_, "_AOL_FontCombo", "Arial");
-    Add(room_, "_AOL_Combobox", "10");
+    Add(room_, aol::kFontComboClass, "Arial");
+    Add(room_, aol::kComboClass, "10");
   }
-  people_list_ = Add(room_, "_AOL_Listbox", "", kRolePeople);
-  Add(room_, "_AOL_Static", current_room_);
-  count_static_ = Add(room_, "_AOL_Static", "");
+  people_list_ = Add(room_, aol::kListClass, "", kRolePeople);
+  Add(room_, aol::kStaticClass, current_room_);
+  count_static_ = Add(room_, aol::kStaticClass, "");
   AddIcons(room_, {"Send", "Notify AOL", "Chat Preferences", "Find a Chat",
                    "Private Chat", "Member Rooms"});
   AddPeopleEntry(user_name_);
@@ -204,11 +205,11 @@ void SimClient::FreePlaceLater(const std::string& room) {
 void SimClient::OpenIm(const std::string& to) {
   if (!signed_on_) return;
   Hwnd doc = NewDoc(Kind::kIm, "Send Instant Message");
-  Add(doc, "_AOL_Edit", to, kRoleEdit, 1);
+  Add(doc, aol::kEditClass, to, kRoleEdit, 1);
   AddIcons(doc, {"Address Book"});
-  Add(doc, "_AOL_FontCombo", "Arial");
-  Add(doc, "_AOL_Combobox", "10");
-  Add(doc, "RICHCNTL", "", kRoleBody);
+  Add(doc, aol::kFontComboClass, "Arial");
+  Add(doc, aol::kComboClass, "10");
+  Add(doc, aol::kRichTextClass, "", kRoleBody);
   // Counted from the message field, the ninth icon is Send.
   AddIcons(doc,
            {"Font Color", "Background Color", "Bold", "Italic", "Underline",
@@ -217,8 +218,8 @@ void SimClient::OpenIm(const std::string& to) {
 
 void SimClient::SendIm(Doc& doc) {
   const Hwnd h = doc.hwnd;
-  std::string to = tree_.Get(tree_.NthChild(h, "_AOL_Edit", 1))->text;
-  std::string text = tree_.Get(tree_.NthChild(h, "RICHCNTL", 1))->text;
+  std::string to = tree_.Get(tree_.NthChild(h, aol::kEditClass, 1))->text;
+  std::string text = tree_.Get(tree_.NthChild(h, aol::kRichTextClass, 1))->text;
   if (Trim(to).empty() || text.empty()) return;
   MarkBusy();
   Notify([&](SimObserver& o) { o.OnIm(to, text); });

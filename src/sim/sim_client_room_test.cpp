@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "sim/sim_rig.h"
+#include "testing/sim_rig.h"
 
 namespace quorvex {
 namespace {

@@ -2,6 +2,7 @@
 // program, sign-on with its progress modal, sign-off, and the automatic
 // mail session.
 #include "model/text_util.h"
+#include "ports/client_windows.h"
 #include "sim/recipients.h"
 #include "sim/sim_client.h"
 
@@ -80,11 +81,11 @@ void SimClient::RequestFrameClose() {
 
 void SimClient::ShowSignOnWindow(bool goodbye) {
   Hwnd doc = NewDoc(Kind::kSignOn, goodbye ? kGoodbyeCaption : "Sign On");
-  Add(doc, "_AOL_Static", "Select Screen Name:");
-  Add(doc, "_AOL_Combobox", user_name_);
+  Add(doc, aol::kStaticClass, "Select Screen Name:");
+  Add(doc, aol::kComboClass, user_name_);
   AddIcons(doc, {"Setup"});
-  Add(doc, "_AOL_Static", "Enter Password:");
-  Add(doc, "_AOL_Edit", "", kRoleEdit, 1);
+  Add(doc, aol::kStaticClass, "Enter Password:");
+  Add(doc, aol::kEditClass, "", kRoleEdit, 1);
   // Three windows on from the first icon: the sign-on button.
   AddIcons(doc, {"Sign On", "Help"});
 }
@@ -95,8 +96,8 @@ void SimClient::BeginSignOn() {
   MarkBusy();
   Later(knobs_.latency, [this] {
     if (!signing_on_) return;
-    Hwnd modal = NewTopLevel(Kind::kSignOnModal, "_AOL_Modal", "Sign On");
-    Add(modal, "_AOL_Static", kSignOnSteps[0]);
+    Hwnd modal = NewTopLevel(Kind::kSignOnModal, aol::kModalClass, "Sign On");
+    Add(modal, aol::kStaticClass, kSignOnSteps[0]);
     AddIcons(modal, {"Cancel"});
     docs_[modal].step = 1;
     Later(knobs_.signon_step, [this, modal] { SignOnStep(modal); });
@@ -107,7 +108,7 @@ void SimClient::SignOnStep(Hwnd modal) {
   auto it = docs_.find(modal);
   if (it == docs_.end() || !signing_on_) return;  // cancelled
   Doc& d = it->second;
-  SimWindow* text = tree_.Get(tree_.NthChild(modal, "_AOL_Static", 1));
+  SimWindow* text = tree_.Get(tree_.NthChild(modal, aol::kStaticClass, 1));
   if (d.step < kSignOnStepCount) {
     ++d.step;
     text->text = kSignOnSteps[d.step - 1];
@@ -141,11 +142,11 @@ void SimClient::CompleteSignOn() {
 
 void SimClient::OpenSignedOnWindows() {
   Hwnd welcome = NewDoc(Kind::kWelcome, "Welcome, " + user_name_ + "!");
-  Add(welcome, "_AOL_Static", "Top News");
+  Add(welcome, aol::kStaticClass, "Top News");
   AddIcons(welcome, {"You've Got Mail", "Top News", "Channels", "What's New",
                      "Buddy List"});
   Hwnd buddies = NewDoc(Kind::kBuddyList, "Buddy List Window");
-  Add(buddies, "_AOL_Tree", "", kRoleTree, kTreeBuddies);
+  Add(buddies, aol::kTreeClass, "", kRoleTree, kTreeBuddies);
   AddIcons(buddies, {"Setup", "Send IM", "Get Info", "Buddy Chat"});
 }
 
@@ -177,8 +178,8 @@ void SimClient::RunAutomaticAol() {
     tree_.BringToTop(d->hwnd);
     return;
   }
-  Hwnd modal = NewTopLevel(Kind::kAutoAol, "_AOL_Modal", "Automatic AOL");
-  Add(modal, "_AOL_View", kSessionRunning);
+  Hwnd modal = NewTopLevel(Kind::kAutoAol, aol::kModalClass, "Automatic AOL");
+  Add(modal, aol::kViewClass, kSessionRunning);
   AddIcons(modal, {"Cancel"});
   Later(knobs_.send_time, [this, modal] { AutomaticAolStep(modal); });
 }
@@ -186,7 +187,7 @@ void SimClient::RunAutomaticAol() {
 void SimClient::AutomaticAolStep(Hwnd modal) {
   if (!docs_.count(modal)) return;  // cancelled
   if (waiting_.empty()) {
-    tree_.Get(tree_.NthChild(modal, "_AOL_View", 1))->text = kSessionDone;
+    tree_.Get(tree_.NthChild(modal, aol::kViewClass, 1))->text = kSessionDone;
     tree_.Get(Icon(modal, 1))->text = "OK";
     return;
   }

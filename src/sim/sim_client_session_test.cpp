@@ -1,7 +1,7 @@
 // Signing off, and the preference pages.
 #include <gtest/gtest.h>
 
-#include "sim/sim_rig.h"
+#include "testing/sim_rig.h"
 
 namespace quorvex {
 namespace {

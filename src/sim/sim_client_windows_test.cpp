@@ -2,7 +2,7 @@
 // them.
 #include <gtest/gtest.h>
 
-#include "sim/sim_rig.h"
+#include "testing/sim_rig.h"
 
 namespace quorvex {
 namespace {

@@ -8,6 +8,7 @@
 #include <thread>
 #include <utility>
 
+#include "app/program.h"
 #include "app/quorvex_app.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
@@ -121,6 +122,22 @@ void WatchList(const ListBox& list, Transcript& t) {
       });
 }
 
+// A window's opening, closing and minimising. The main window is open
+// from the start to the end, so only its minimising is written.
+void WatchForm(Form& form, Transcript& t, bool open_events) {
+  auto last =
+      std::make_shared<std::pair<bool, bool>>(form.open(), form.minimized());
+  form.Subscribe([&t, last, open_events](const Form& f) {
+    const char* what = nullptr;
+    if (open_events && f.open() != last->first)
+      what = f.open() ? "opens" : "closes";
+    else if (f.minimized() != last->second)
+      what = f.minimized() ? "minimises" : "restores";
+    *last = {f.open(), f.minimized()};
+    if (what) t.Write("window", {{"name", f.name()}, {"what", what}});
+  });
+}
+
 ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
@@ -164,24 +181,26 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
           {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
     mailboxes[sn] = box;
   }
-  return ordered_json{{"lists", lists},
-                      {"ReplyQueue", frm.ReplyQueue.Items()},
-                      {"MistakeList", frm.MistakeList.Items()},
-                      {"labels", labels},
-                      {"status", frm.status.text()},
-                      {"menus", menus},
-                      {"checked", checked},
-                      {"disabled", disabled},
-                      {"registry", reg},
-                      {"files", files},
-                      {"mailboxes", mailboxes}};
+  ordered_json state{{"lists", lists},
+                     {"ReplyQueue", frm.ReplyQueue.Items()},
+                     {"MistakeList", frm.MistakeList.Items()},
+                     {"labels", labels}};
+  // The text boxes of open windows that show the program's text.
+  ordered_json texts = ordered_json::object();
+  for (const auto& [name, box] : app.OpenTexts()) texts[name] = box->text;
+  if (!texts.empty()) state["texts"] = texts;
+  state["status"] = frm.status.text();
+  state["menus"] = menus;
+  state["checked"] = checked;
+  state["disabled"] = disabled;
+  state["registry"] = reg;
+  state["files"] = files;
+  state["mailboxes"] = mailboxes;
+  return state;
 }
 
-// Thrown by the machine's reboot: the running program stops where it
-// stands, out of whatever tick it is in.
-struct MachineRebooted {};
 // Thrown from a timed "start" line to start the ended program again.
-struct ProgramStarted {};
+struct UserStartsProgram {};
 
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
@@ -219,37 +238,10 @@ void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
 }  // namespace
 
 ControlCatalogue Controls() {
-  // A throwaway program answers what its controls are.
-  struct Null : Registry, ProfileFile {
-    std::optional<std::string> Get(const std::string&, const std::string&,
-                                   const std::string&) const override {
-      return std::nullopt;
-    }
-    void Save(const std::string&, const std::string&, const std::string&,
-              const std::string&) override {}
-    void DeleteKey(const std::string&, const std::string&,
-                   const std::string&) override {}
-    void DeleteApp(const std::string&) override {}
-    Registry::Sections Dump(const std::string&) const override { return {}; }
-    std::string GetString(const std::string&, const std::string&,
-                          const std::string&,
-                          const std::string& d) const override {
-      return d;
-    }
-    void WriteString(const std::string&, const std::string&, const std::string&,
-                     const std::optional<std::string>&) override {}
-  };
-  static VirtualHost host;
-  static SimWorld world;
-  static SimClient client(host, world);
-  static Null null;
-  static ScriptedPrompter prompter;
-  static FolderMachine machine(fs::temp_directory_path());
-  static QuorvexApp app(Ports{host, client, null, null, prompter, machine, 1});
   ControlCatalogue c;
-  c.pressable = [](const std::string& n, int i) { return app.CanPress(n, i); };
-  c.selectable = [](const std::string& n) { return app.CanSelect(n); };
-  c.settable = [](const std::string& n) { return app.CanSet(n); };
+  c.pressable = &QuorvexApp::CanPress;
+  c.selectable = &QuorvexApp::CanSelect;
+  c.settable = &QuorvexApp::CanSet;
   return c;
 }
 
@@ -316,7 +308,12 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.SetObserver(&observer);
 
   prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") return;
+    if (r.kind == "message") {
+      transcript.Write(
+          "prompt",
+          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
+      return;
+    }
     transcript.Write("prompt", {{"kind", r.kind},
                                 {"title", r.title},
                                 {"prompt", r.prompt},
@@ -324,19 +321,12 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
                                 {"answer", r.answer}});
   });
 
-  // The program, made anew when the machine restarts it. The old one is
-  // kept, ended, until then, so that the final state has a program to show.
-  std::unique_ptr<QuorvexApp> app;
-  auto make_app = [&] {
-    if (app) {
-      app->frm().ended = true;
-      app.reset();
-    }
-    app = std::make_unique<QuorvexApp>(Ports{host, client, app_registry,
-                                             app_profiles, prompter,
-                                             app_machine, sc.seed});
-    FrmMain& frm = app->frm();
-    for (const Label* l : app->Labels())
+  // Every program made (one more after each machine restart) is watched
+  // from before its main window loads.
+  bool first_app = true;
+  auto watch_app = [&](QuorvexApp& app) {
+    FrmMain& frm = app.frm();
+    for (const Label* l : app.AllLabels())
       const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
         transcript.Write("label",
                          {{"name", label.name()}, {"text", label.caption()}});
@@ -349,15 +339,37 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     WatchList(frm.lstMails, transcript);
     WatchList(frm.ReplyQueue, transcript);
     WatchList(frm.MistakeList, transcript);
+    WatchForm(app.frmMainForm(), transcript, false);
+    WatchForm(app.frmChatroom().form, transcript, true);
+    WatchForm(app.frmAbout().form, transcript, true);
+    WatchForm(app.frmCredits().form, transcript, true);
+    if (!std::exchange(first_app, false)) return;
+    // The mailbox's titles stand in lstMails from the start, as if read,
+    // so that requests can be made before the server is started; starting
+    // reads the mailbox again.
+    for (const std::string& m : sc.mails) frm.lstMails.Add(m);
+    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
   };
+  auto machine_event = [&transcript](const std::string& what) {
+    transcript.Write("machine", {{"what", what}});
+  };
+  // A program started by Windows runs from its own file.
+  auto become = [&machine](const std::string& path) {
+    const size_t slash = path.find_last_of('\\');
+    std::string name = path.substr(slash + 1);
+    if (EqualsIgnoreCase(name.substr(name.size() >= 4 ? name.size() - 4 : 0),
+                         ".exe"))
+      name.resize(name.size() - 4);
+    machine.SetAppPath(slash == std::string::npos ? "" : path.substr(0, slash));
+    machine.SetExeName(name);
+  };
+  QuorvexProgram program(Ports{host, client, app_registry, app_profiles,
+                               prompter, app_machine, sc.seed},
+                         {watch_app, machine_event, become});
 
   // The machine: the client's program starts the simulated client; any
   // other program is started by the boot loop below, once the program
   // that asked for it has ended.
-  std::string program_to_start;
-  auto machine_event = [&transcript](const std::string& what) {
-    transcript.Write("machine", {{"what", what}});
-  };
   machine.SetRunProgramHook([&](std::string_view path) {
     machine_event("starts " + std::string(path));
     std::string lower = LCase(path);
@@ -368,7 +380,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     if (ends_with("\\aol.exe") || ends_with("\\waol.exe")) {
       client.Start();
     } else {
-      program_to_start = std::string(path);
+      program.ProgramStarted(std::string(path));
     }
   });
   machine.SetRebootHook([] { throw MachineRebooted{}; });
@@ -390,88 +402,36 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        if (app) app->Press(line.name, line.index);
+        program.app().Press(line.name, line.index);
       } else if (line.verb == "select") {
-        if (app) app->Select(line.name, line.index);
+        program.app().Select(line.name, line.index);
       } else if (line.verb == "set") {
-        if (app) app->Set(line.name, line.text);
+        program.app().Set(line.name, line.text);
       } else if (line.verb == "start") {
         // The user starts the program again once it has ended: the run
         // unwinds to the loop below, which starts it on the same files.
-        if (!app || app->ended()) throw ProgramStarted{};
+        if (program.app().ended()) throw UserStartsProgram{};
       }
     });
   }
 
-  make_app();
-  // The mailbox's titles stand in lstMails from the start, as if read,
-  // so that requests can be made before the server is started; starting
-  // reads the mailbox again.
-  for (const std::string& m : sc.mails) app->frm().lstMails.Add(m);
-  app->frm().lblMails.Set("mails: " +
-                          std::to_string(app->frm().lstMails.Count()));
-
-  // A machine restart: Windows closes the program through its unload,
-  // then at log-on starts what Win.INI's "load" names; a program started
-  // that way may start another one and end.
-  auto boot = [&] {
-    machine_event("reboots");
-    app->frm().ended = true;
-    app->Unload();
-    program_to_start =
-        profiles.GetString(machine.HostPath(kWinIni), "Windows", "load", "");
-    if (!program_to_start.empty()) machine_event("starts " + program_to_start);
-    while (!program_to_start.empty()) {
-      const std::string path = std::exchange(program_to_start, std::string());
-      if (!machine.FileExists(path)) {
-        machine_event("cannot find " + path);
-        break;
-      }
-      const size_t slash = path.find_last_of('\\');
-      std::string name = path.substr(slash + 1);
-      if (EqualsIgnoreCase(name.substr(name.size() >= 4 ? name.size() - 4 : 0),
-                           ".exe"))
-        name.resize(name.size() - 4);
-      machine.SetAppPath(slash == std::string::npos ? ""
-                                                    : path.substr(0, slash));
-      machine.SetExeName(name);
-      if (frmSplash_Load(machine, profiles, host) ==
-          StartupKind::kStartedInstalled) {
-        machine_event("ends " + path);
-        continue;
-      }
-      make_app();
-      app->Load();
-    }
-  };
-
   host.SetEnd(sc.run_until);
   try {
-    // How the program comes to run next: loaded at the start, after a
-    // machine restart, or started again by the user.
-    enum class Next { kNone, kLoad, kBoot, kStart } next = Next::kLoad;
-    while (next != Next::kNone) {
-      const Next now = next;
-      next = Next::kNone;
+    // Time 0 is the main window's load: the splash's second is not run,
+    // nor when the user starts the program again.
+    for (bool again = true; again;) {
+      again = false;
       try {
-        if (now == Next::kBoot) {
-          boot();
-        } else {
-          if (now == Next::kStart) make_app();
-          app->Load();
-        }
-        host.RunUntil(sc.run_until);
-      } catch (const MachineRebooted&) {
-        next = Next::kBoot;
-      } catch (const ProgramStarted&) {
-        next = Next::kStart;
+        program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+      } catch (const UserStartsProgram&) {
+        again = true;
       }
     }
   } catch (const RunEnded&) {
     // The power went off: the state stands as it is.
   }
   ordered_json final_state =
-      FinalState(*app, registry, profiles, machine, client);
+      FinalState(program.app(), registry, profiles, machine, client);
   if (options.on_final) options.on_final(final_state);
   transcript.Write("final", final_state);
   return transcript.events();

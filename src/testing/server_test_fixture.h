@@ -20,8 +20,8 @@
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
 #include "sim/sim_client.h"
-#include "sim/sim_recorder.h"
 #include "sim/sim_world.h"
+#include "testing/sim_recorder.h"
 
 namespace quorvex {
 

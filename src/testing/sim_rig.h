@@ -4,10 +4,11 @@
 
 #include <string>
 
+#include "ports/client_windows.h"
 #include "ports/virtual_host.h"
 #include "sim/sim_client.h"
-#include "sim/sim_recorder.h"
 #include "sim/sim_world.h"
+#include "testing/sim_recorder.h"
 
 namespace quorvex {
 
@@ -19,10 +20,12 @@ struct SimRig {
   // Lets `seconds` of virtual time pass, running what falls due.
   void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
 
-  Hwnd Frame() { return client.FindWindowA("AOL Frame25", nullptr); }
-  Hwnd Mdi() { return client.FindWindowExA(Frame(), 0, "MDIClient", nullptr); }
+  Hwnd Frame() { return client.FindWindowA(aol::kFrameClass, nullptr); }
+  Hwnd Mdi() {
+    return client.FindWindowExA(Frame(), 0, aol::kMdiClass, nullptr);
+  }
   Hwnd Doc(const char* caption) {
-    return client.FindWindowExA(Mdi(), 0, "AOL Child", caption);
+    return client.FindWindowExA(Mdi(), 0, aol::kChildClass, caption);
   }
   Hwnd Nth(Hwnd parent, const char* class_name, int n, Hwnd after = 0) {
     Hwnd h = after;
@@ -31,9 +34,10 @@ struct SimRig {
     return h;
   }
   Hwnd ToolbarIcon(int n) {
-    Hwnd strip = client.FindWindowExA(Frame(), 0, "AOL Toolbar", nullptr);
-    Hwnd row = client.FindWindowExA(strip, 0, "_AOL_Toolbar", nullptr);
-    return Nth(row, "_AOL_Icon", n);
+    Hwnd strip =
+        client.FindWindowExA(Frame(), 0, aol::kToolbarFrameClass, nullptr);
+    Hwnd row = client.FindWindowExA(strip, 0, aol::kToolbarClass, nullptr);
+    return Nth(row, aol::kIconClass, n);
   }
   std::string Text(Hwnd h) {
     auto n = client.SendMessageA(h, win::kWmGetTextLength, 0, 0);
@@ -60,9 +64,10 @@ struct SimRig {
   }
   // Runs an address through the keyword box, as the program does.
   void Keyword(const std::string& address) {
-    Hwnd strip = client.FindWindowExA(Frame(), 0, "AOL Toolbar", nullptr);
-    Hwnd row = client.FindWindowExA(strip, 0, "_AOL_Toolbar", nullptr);
-    Hwnd combo = client.FindWindowExA(row, 0, "_AOL_Combobox", nullptr);
+    Hwnd strip =
+        client.FindWindowExA(Frame(), 0, aol::kToolbarFrameClass, nullptr);
+    Hwnd row = client.FindWindowExA(strip, 0, aol::kToolbarClass, nullptr);
+    Hwnd combo = client.FindWindowExA(row, 0, aol::kComboClass, nullptr);
     Hwnd edit = client.FindWindowExA(combo, 0, "Edit", nullptr);
     SetText(edit, address);
     client.SendMessageA(edit, win::kWmChar, ' ', 0);

@@ -14,13 +14,14 @@
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/mailbox.h"
-#include "client/recording_api.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 #include "ports/virtual_host.h"
 #include "settings/settings.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
+#include "testing/recording_api.h"
 
 namespace quorvex {
 
@@ -57,7 +58,8 @@ class ClientTest : public ::testing::Test, public SimObserver {
     Run(1);
     OpenMail(c, position);
     WaitUntil(host, [&] { return FindOpenMail(api) != 0; });
-    ClickIcon(api, FindNthChild(api, FindOpenMail(api), "_AOL_Icon", 8));
+    ClickIcon(api, FindNthChild(api, FindOpenMail(api), aol::kIconClass,
+                                aol::kOpenMailForwardIcon));
     WaitUntil(host, [&] { return FindComposeWindow(api) != 0; });
     return FindComposeWindow(api);
   }

@@ -10,6 +10,7 @@
 
 #include "client/client_tree.h"
 #include "client/window_ops.h"
+#include "ports/client_windows.h"
 #include "sim/sim_client.h"
 
 namespace quorvex {
@@ -143,7 +144,7 @@ class RecordingApi : public WindowApi, public SimObserver {
  private:
   bool IsClearedDisplay(Hwnd h) {
     return clearable_ && h != 0 &&
-           h == FindChild(sim_, FindChatRoom(sim_), "RICHCNTL");
+           h == FindChild(sim_, FindChatRoom(sim_), aol::kRichTextClass);
   }
   std::string DisplayText() const {
     std::string all;

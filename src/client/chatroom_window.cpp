@@ -1,0 +1,84 @@
+#include "client/chatroom_window.h"
+
+#include "client/chat_room.h"
+#include "client/wait.h"
+
+namespace quorvex {
+
+namespace {
+constexpr const char* kTitle = "quorvex mail server by kestrin";
+constexpr int kReturn = 13;
+}  // namespace
+
+FrmChatroom::FrmChatroom(const ClientContext& c, ListBox& reply_queue,
+                         const bool& server_on)
+    : c_(c), reply_queue_(reply_queue), server_on_(server_on) {
+  Timer1 = c_.host.CreateTimer([this] { Timer1_Timer(); });
+  Timer1->SetInterval(kChatroomPeopleInterval);
+  // The change handler of txtChat keeps the newest line in view.
+  chat_watch_ = txtChat.Subscribe(
+      [this](const TextBox& box) { chat_caret_ = box.text.size(); });
+}
+
+FrmChatroom::~FrmChatroom() {
+  if (scanner_) scanner_->Unsubscribe(reader_);
+  txtChat.Unsubscribe(chat_watch_);
+}
+
+void FrmChatroom::Form_Load(ChatScanner& scanner) {
+  if (form.open()) return;
+  scanner_ = &scanner;
+  reader_ =
+      scanner.Subscribe([this](const std::string& sn, const std::string& text) {
+        Chat1_ChatLine(sn, text);
+      });
+  scanner.SetEnabled(reader_, true);
+  // Kept on top by the view; the title is painted in the program's blue.
+  picTitle.Set(kTitle);
+  Timer1->SetEnabled(true);
+  form.Open();
+}
+
+void FrmChatroom::Form_Unload() {
+  if (!form.open()) return;
+  Timer1->SetEnabled(false);
+  if (scanner_) scanner_->Unsubscribe(reader_);
+  scanner_ = nullptr;
+  // A window opened again starts as a fresh one.
+  txtChat.Set("");
+  txtSend.Set("");
+  lstPeople.Clear();
+  lblPeople.Set("people: 0");
+  picTitle.Set("");
+  form.Close();
+}
+
+void FrmChatroom::Chat1_ChatLine(const std::string& sn,
+                                 const std::string& text) {
+  txtChat.Set(txtChat.text + sn + ":" + text + "\r\n");
+  chat_caret_ = txtChat.text.size();
+}
+
+void FrmChatroom::Timer1_Timer() {
+  lstPeople.Clear();
+  GetRoomPeople(c_.api, lstPeople, kChatroomPeopleUnique);
+  lblPeople.Set("people: " + std::to_string(lstPeople.Count()));
+  if (txtChat.text.size() >= kChatroomMirrorLimit) txtChat.Set("");
+}
+
+void FrmChatroom::txtSend_KeyPress(int key) {
+  if (key != kReturn || txtSend.text.empty()) return;
+  // Read before the pauses: a line typed meanwhile is a line of its own.
+  const std::string text = txtSend.text;
+  if (server_on_) {
+    // The serving loop says it in its turn.
+    reply_queue_.Add("send-" + text);
+  } else {
+    PauseSeconds(c_.host, 0.55f);
+    ChatSend(c_, text);
+    PauseSeconds(c_.host, 0.45f);
+  }
+  txtSend.Set("");
+}
+
+}  // namespace quorvex
