@@ -89,6 +89,9 @@ int main(int argc, char** argv) {
     excused += fig.excused, in_flight += fig.in_flight;
     still_pending += fig.still_pending;
     for (const auto& [kind, n] : fig.faults) faults[kind] += n;
+    if ((i + 1) % 50 == 0)
+      std::cout << "  ... " << i + 1 << " runs, " << failed << " failed"
+                << std::endl;
     if (bad.empty()) continue;
     ++failed;
     std::filesystem::create_directories(fail_dir);
