@@ -17,6 +17,7 @@ namespace quorvex {
 namespace {
 
 constexpr int kReturn = 13;
+constexpr int kMaxKeyCode = 99;
 
 using Press = std::function<void(QuorvexApp&, int)>;
 using Pick = std::function<ListBox*(QuorvexApp&)>;
@@ -46,13 +47,18 @@ Control Listed(std::string name, Pick list, Press press = nullptr,
   return c;
 }
 
+// A text box's press is a key typed in it: Return, unless the press names
+// another key code.
 Control Typed(std::string name, ControlKind kind, Put set,
               Press press = nullptr) {
   Control c{name, WindowOf(name), kind};
   c.set = std::move(set);
   c.press = std::move(press);
+  if (c.press) c.max_index = kMaxKeyCode;
   return c;
 }
+
+int KeyOf(int index) { return index == 0 ? kReturn : index; }
 
 // A check box's value as typed: its leading number.
 int CheckValue(const std::string& value) {
@@ -206,8 +212,8 @@ std::vector<Control> MakeTable() {
           m.txtAdd[i].Set(v);
           SetCaret(m, i, v.size());
         },
-        [i](QuorvexApp& a, int) {
-          txtAdd_KeyPress(a.frm().frmMessages, i, kReturn);
+        [i](QuorvexApp& a, int index) {
+          txtAdd_KeyPress(a.frm().frmMessages, i, KeyOf(index));
         }));
   }
 
@@ -246,10 +252,12 @@ std::vector<Control> MakeTable() {
       [](QuorvexApp& a, const std::string& v) {
         if (a.frmChatroom().form.open()) a.frmChatroom().txtSend.Set(v);
       },
-      [](QuorvexApp& a, int) {
+      [](QuorvexApp& a, int index) {
         if (a.frmChatroom().form.open())
-          a.frmChatroom().txtSend_KeyPress(kReturn);
+          a.frmChatroom().txtSend_KeyPress(KeyOf(index));
       }));
+  t.push_back(Listed("frmChatroom.lstPeople",
+                     [](QuorvexApp& a) { return &a.frmChatroom().lstPeople; }));
 
   // frmAbout and frmCredits close by their exit labels.
   t.push_back(Clicked("frmAbout.lblExit", K::kLabel, [](QuorvexApp& a, int) {

@@ -21,7 +21,8 @@ enum class ControlKind {
   kMenu,      // mnu...: a click; a preset group takes its 1-based item
   kList,      // lst...: select an item; a press is its click
   kTab,       // a tab strip: the press names the 1-based tab
-  kTextBox,   // txt...: set its text; a press is a Return typed in it
+  kTextBox,   // txt...: set its text; a press is a key typed in it
+              // (Return, or the key code the press names)
   kCheckBox,  // chk...: set 0 or 1
   kComboBox,  // cmb...: set its text
 };

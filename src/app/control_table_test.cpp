@@ -70,6 +70,7 @@ TEST(ControlTableTest, WhatEachVerbAccepts) {
   // Return in a text box is its press; the array has members 0 to 2.
   EXPECT_TRUE(QuorvexApp::CanPress("frmChatroom.txtSend", 0));
   EXPECT_TRUE(QuorvexApp::CanPress("frmMessages.txtAdd(2)", 0));
+  EXPECT_TRUE(QuorvexApp::CanPress("frmChatroom.txtSend", 13));
   EXPECT_FALSE(QuorvexApp::CanSet("frmMessages.txtAdd(3)"));
   // Lists are selected, labels are not; a window's name qualifies.
   EXPECT_TRUE(QuorvexApp::CanSelect("frmRoom.lstRoom"));

@@ -8,6 +8,7 @@
 #include "client/session.h"
 #include "model/text_util.h"
 #include "requests/ban_policy.h"
+#include "requests/reply_order.h"
 #include "requests/request_parser.h"
 #include "server/machine_restart.h"
 #include "server/replies.h"
@@ -50,8 +51,12 @@ QuorvexApp::QuorvexApp(Ports ports)
   };
   engine_->aol_restart = [this] { frm_.aol_restart(); };
   engine_->set_preferences = [this] { SetMailPreferences(client_); };
-  frmChatroom_ =
-      std::make_unique<FrmChatroom>(client_, frm_.ReplyQueue, frm_.ServerOn);
+  frmChatroom_ = std::make_unique<FrmChatroom>(
+      client_,
+      [this](const std::string& text) {
+        frm_.ReplyQueue.Add(ReplyOrder::Say(text));
+      },
+      frm_.ServerOn);
 }
 
 QuorvexApp::~QuorvexApp() = default;

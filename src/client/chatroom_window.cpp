@@ -1,7 +1,10 @@
 #include "client/chatroom_window.h"
 
+#include <utility>
+
 #include "client/chat_room.h"
 #include "client/wait.h"
+#include "model/text_util.h"
 
 namespace quorvex {
 
@@ -10,14 +13,15 @@ constexpr const char* kTitle = "quorvex mail server by kestrin";
 constexpr int kReturn = 13;
 }  // namespace
 
-FrmChatroom::FrmChatroom(const ClientContext& c, ListBox& reply_queue,
+FrmChatroom::FrmChatroom(const ClientContext& c,
+                         std::function<void(const std::string&)> queue,
                          const bool& server_on)
-    : c_(c), reply_queue_(reply_queue), server_on_(server_on) {
+    : c_(c), queue_(std::move(queue)), server_on_(server_on) {
   Timer1 = c_.host.CreateTimer([this] { Timer1_Timer(); });
   Timer1->SetInterval(kChatroomPeopleInterval);
   // The change handler of txtChat keeps the newest line in view.
   chat_watch_ = txtChat.Subscribe(
-      [this](const TextBox& box) { chat_caret_ = box.text.size(); });
+      [this](const TextBox& box) { chat_caret_ = Len(box.text); });
 }
 
 FrmChatroom::~FrmChatroom() {
@@ -56,14 +60,14 @@ void FrmChatroom::Form_Unload() {
 void FrmChatroom::Chat1_ChatLine(const std::string& sn,
                                  const std::string& text) {
   txtChat.Set(txtChat.text + sn + ":" + text + "\r\n");
-  chat_caret_ = txtChat.text.size();
+  chat_caret_ = Len(txtChat.text);
 }
 
 void FrmChatroom::Timer1_Timer() {
   lstPeople.Clear();
   GetRoomPeople(c_.api, lstPeople, kChatroomPeopleUnique);
   lblPeople.Set("people: " + std::to_string(lstPeople.Count()));
-  if (txtChat.text.size() >= kChatroomMirrorLimit) txtChat.Set("");
+  if (Len(txtChat.text) >= kChatroomMirrorLimit) txtChat.Set("");
 }
 
 void FrmChatroom::txtSend_KeyPress(int key) {
@@ -72,7 +76,7 @@ void FrmChatroom::txtSend_KeyPress(int key) {
   const std::string text = txtSend.text;
   if (server_on_) {
     // The serving loop says it in its turn.
-    reply_queue_.Add("send-" + text);
+    queue_(text);
   } else {
     PauseSeconds(c_.host, 0.55f);
     ChatSend(c_, text);

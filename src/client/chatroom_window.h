@@ -5,6 +5,7 @@
 // otherwise.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -26,9 +27,11 @@ inline constexpr bool kChatroomPeopleUnique = true;
 
 class FrmChatroom {
  public:
-  // `reply_queue` is the main window's ReplyQueue and `server_on` its
-  // serving flag; both must outlive the window, as must `c`.
-  FrmChatroom(const ClientContext& c, ListBox& reply_queue,
+  // `queue` puts a line in the main window's chat output for the serving
+  // loop to say in its turn; `server_on` is the main window's serving
+  // flag, which must outlive the window, as must `c`.
+  FrmChatroom(const ClientContext& c,
+              std::function<void(const std::string&)> queue,
               const bool& server_on);
   ~FrmChatroom();
   FrmChatroom(const FrmChatroom&) = delete;
@@ -56,12 +59,12 @@ class FrmChatroom {
   // A key typed in txtSend; Return (13) says its text.
   void txtSend_KeyPress(int key);
 
-  // The caret of txtChat: at the end after every change.
+  // The caret of txtChat, in characters: at the end after every change.
   std::size_t txtChat_SelStart() const { return chat_caret_; }
 
  private:
   const ClientContext& c_;
-  ListBox& reply_queue_;
+  std::function<void(const std::string&)> queue_;
   const bool& server_on_;
   ChatScanner* scanner_ = nullptr;
   int reader_ = 0;

@@ -14,7 +14,9 @@ class ChatroomTest : public ClientTest {
   ChatScanner scanner{api, host};
   ListBox reply_queue{"ReplyQueue"};
   bool server_on = false;
-  FrmChatroom window{c, reply_queue, server_on};
+  FrmChatroom window{
+      c, [this](const std::string& text) { reply_queue.Add("send-" + text); },
+      server_on};
 };
 
 TEST_F(ChatroomTest, MirrorIsEmptiedAtSixHundredCharacters) {
@@ -25,6 +27,12 @@ TEST_F(ChatroomTest, MirrorIsEmptiedAtSixHundredCharacters) {
   EXPECT_EQ(window.txtChat_SelStart(), 599u);
   window.Timer1_Timer();
   EXPECT_EQ(window.txtChat.text.size(), 599u);
+
+  // Characters count, not bytes: 599 of them in 600 bytes stay.
+  window.txtChat.Set(std::string(598, 'b') + "\xC2\xB7");
+  EXPECT_EQ(window.txtChat_SelStart(), 599u);
+  window.Timer1_Timer();
+  EXPECT_EQ(window.txtChat.text.size(), 600u);
 
   window.txtChat.Set(std::string(600, 'b'));
   window.Timer1_Timer();

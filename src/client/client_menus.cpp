@@ -15,6 +15,20 @@ Hwnd FindToolbarRow(WindowApi& api, Hwnd frame) {
                    aol::kToolbarClass);
 }
 
+// The pop-up menu, once it shows.
+Hwnd VisibleMenu(WindowApi& api) {
+  const Hwnd menu = api.FindWindowA(aol::kPopupMenuClass, nullptr);
+  return menu != 0 && api.IsWindowVisible(menu) ? menu : 0;
+}
+
+// The wait for a tool-bar menu has no limit: the member sees the client
+// and can help it. A click the busy client lost is made again, at a pace.
+WaitOptions MenuClickedAgain(WindowApi& api, Hwnd icon) {
+  return {.repeat = [&api, icon] { PostClickIcon(api, icon); },
+          .pace = kAskAgainSeconds,
+          .pace_max = kAskAgainMaxSeconds};
+}
+
 }  // namespace
 
 void RunClientMenu(WindowApi& api, int submenu, int item) {
@@ -28,13 +42,13 @@ void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
   const Hwnd frame = c.api.FindWindowExA(0, 0, aol::kFrameClass, nullptr);
   const Hwnd first =
       FindChild(c.api, FindToolbarRow(c.api, frame), aol::kIconClass);
-  PostClickIcon(c.api, NextSibling(c.api, first, icon_number - 1));
+  const Hwnd icon = NextSibling(c.api, first, icon_number - 1);
+  PostClickIcon(c.api, icon);
 
   Hwnd menu = 0;
-  WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowExA(0, 0, aol::kPopupMenuClass, nullptr);
-    return menu != 0 && c.api.IsWindowVisible(menu);
-  });
+  WaitUntil(
+      c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
+      MenuClickedAgain(c.api, icon));
   Pause(c.host, 0.5);
   c.api.PostMessageA(menu, win::kWmChar, static_cast<unsigned char>(letter), 0);
 }
@@ -50,10 +64,9 @@ void OpenOfflineMailbox(const ClientContext& c) {
   PostClickIcon(c.api, mail_icon);
 
   Hwnd menu = 0;
-  WaitUntil(c.host, [&] {
-    menu = c.api.FindWindowA(aol::kPopupMenuClass, nullptr);
-    return menu != 0 && c.api.IsWindowVisible(menu);
-  });
+  WaitUntil(
+      c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
+      MenuClickedAgain(c.api, mail_icon));
   // Up twice, Right into the submenu, Return. The second Up has no key up;
   // the menu does not mind and it has always been sent so.
   PostKey(c.api, menu, win::kVkUp);

@@ -65,13 +65,15 @@ Hwnd FindClientChildWhere(WindowApi& api,
   return 0;
 }
 
+bool IsChatRoom(WindowApi& api, Hwnd w) {
+  return FindChild(api, w, aol::kRichTextClass) &&
+         FindChild(api, w, aol::kListClass) &&
+         FindChild(api, w, aol::kIconClass) &&
+         FindChild(api, w, aol::kStaticClass);
+}
+
 Hwnd FindChatRoom(WindowApi& api) {
-  return FindClientChildWhere(api, [&](Hwnd w) {
-    return FindChild(api, w, aol::kRichTextClass) &&
-           FindChild(api, w, aol::kListClass) &&
-           FindChild(api, w, aol::kIconClass) &&
-           FindChild(api, w, aol::kStaticClass);
-  });
+  return FindClientChildWhere(api, [&](Hwnd w) { return IsChatRoom(api, w); });
 }
 
 Hwnd FindOpenMail(WindowApi& api) {
@@ -79,7 +81,7 @@ Hwnd FindOpenMail(WindowApi& api) {
     const Hwnd rich = FindChild(api, w, aol::kRichTextClass);
     return rich && !api.FindWindowExA(w, rich, aol::kRichTextClass, nullptr) &&
            !FindChild(api, w, aol::kComboClass) &&
-           !FindChild(api, w, aol::kFontComboClass);
+           !FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
 }
 
@@ -88,8 +90,18 @@ Hwnd FindComposeWindow(WindowApi& api) {
     return FindChild(api, w, aol::kRichTextClass) &&
            FindChild(api, w, aol::kStaticClass) &&
            FindChild(api, w, aol::kComboClass) &&
-           FindChild(api, w, aol::kFontComboClass);
+           FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
+}
+
+Hwnd FindWriteMail(WindowApi& api) {
+  const Hwnd mdi = FindMdiClient(api);
+  if (!mdi) return 0;
+  for (Hwnd w = api.FindWindowExA(mdi, 0, aol::kChildClass, kWriteMail); w != 0;
+       w = api.FindWindowExA(mdi, w, aol::kChildClass, kWriteMail)) {
+    if (!IsChatRoom(api, w)) return w;
+  }
+  return 0;
 }
 
 Hwnd FindTabbedMailbox(WindowApi& api) {

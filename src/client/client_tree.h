@@ -40,9 +40,16 @@ Hwnd FindClientChildWhere(WindowApi& api,
                           const std::function<bool(Hwnd)>& test);
 // Recognised by their children.
 Hwnd FindChatRoom(WindowApi& api);
+// FindChatRoom's test: a room has a rich-text control, a people list, an
+// icon and a static text. A room has its style and font boxes as a mail
+// being written has, and any caption: every search for a mail window
+// passes over a window that passes this test.
+bool IsChatRoom(WindowApi& api, Hwnd window);
 Hwnd FindOpenMail(WindowApi& api);
 // A mail being written or forwarded.
 Hwnd FindComposeWindow(WindowApi& api);
+// The "Write Mail" window (never the room, whatever its name).
+Hwnd FindWriteMail(WindowApi& api);
 Hwnd FindTabbedMailbox(WindowApi& api);
 
 // The screen name from the "Welcome, NAME!" window, or "".

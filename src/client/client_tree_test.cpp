@@ -57,6 +57,28 @@ TEST_F(ClientTreeTest, DocumentWindowsByTheirChildren) {
   EXPECT_NE(FindTabbedMailbox(api), 0u);
 }
 
+TEST_F(ClientTreeTest, MailWindowSearchesPassOverTheRoom) {
+  // A plain room (no style boxes) named as the mail window is captioned.
+  sim.knobs().room_style_controls = false;
+  sim.SetRoomName(kWriteMail);
+  Launch();
+  const Hwnd room = FindChatRoom(api);
+  ASSERT_NE(room, 0u);
+  EXPECT_TRUE(IsChatRoom(api, room));
+  EXPECT_EQ(FindWriteMail(api), 0u);
+  EXPECT_EQ(FindOpenMail(api), 0u);
+  PostClickIcon(api, FindToolbarIcon(api, 2));
+  Run(1);
+  const Hwnd write = FindWriteMail(api);
+  ASSERT_NE(write, 0u);
+  EXPECT_NE(write, room);
+  EXPECT_FALSE(IsChatRoom(api, write));
+  EXPECT_EQ(FindComposeWindow(api), write);
+  // Back on top, the room is still passed over.
+  api.SetWindowPos(room, 0, 0, 0, 0, 0, win::kSwpNoSize | win::kSwpNoMove);
+  EXPECT_EQ(FindWriteMail(api), write);
+}
+
 TEST_F(ClientTreeTest, OfflineMailboxThroughTheMailMenuKeys) {
   Launch();
   api.SetCursorPos(100, 200);

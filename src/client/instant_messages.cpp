@@ -17,26 +17,31 @@ void SendIM(const ClientContext& c, std::string_view recipient,
   Keyword(api, address);
 
   Hwnd window = 0, field = 0, send = 0;
-  WaitUntil(
-      c.host,
-      [&] {
-        window = FindDocument(api, kSendIm);
-        field = FindChild(api, window, aol::kRichTextClass);
-        send = FindNthChildAfter(api, window, field, aol::kIconClass,
-                                 aol::kImSendIcon);
-        return window && field && send;
-      },
-      {.every = kImWindowRounds, .repeat = [&] { Keyword(api, address); }});
+  WaitUntil(c.host,
+            [&] {
+              window = FindDocument(api, kSendIm);
+              field = FindChild(api, window, aol::kRichTextClass);
+              send = FindNthChildAfter(api, window, field, aol::kIconClass, 9);
+              return window && field && send;
+            },
+            {.repeat = [&] { Keyword(api, address); },
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
 
   SetText(api, field, message);
   ClickIcon(api, send);
 
+  // A click lost on a busy client is made again, at a pace.
   Hwnd box = 0;
-  WaitUntil(c.host, [&] {
-    box = api.FindWindowA(aol::kDialogClass, "America Online");
-    window = FindDocument(api, kSendIm);
-    return box || !window;
-  });
+  WaitUntil(c.host,
+            [&] {
+              box = api.FindWindowA(aol::kDialogClass, "America Online");
+              window = FindDocument(api, kSendIm);
+              return box || !window;
+            },
+            {.repeat = [&] { ClickIcon(api, send); },
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
   if (!box) return;  // sent without an answer box
   PostKey(api, FindChild(api, box, "Button"), win::kVkSpace);
   api.PostMessageA(window, win::kWmClose, 0, 0);

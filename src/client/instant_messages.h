@@ -8,9 +8,6 @@
 
 namespace quorvex {
 
-// Rounds of waiting for the message window before the keyword is run again.
-inline constexpr int kImWindowRounds = 30000;
-
 // Sends one instant message and presses the client's answer box, if any.
 void SendIM(const ClientContext& c, std::string_view recipient,
             std::string_view message);

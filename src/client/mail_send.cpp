@@ -11,7 +11,9 @@ namespace quorvex {
 
 namespace {
 
-constexpr int kNudgeRounds = 200;  // rounds between repeated Write clicks
+constexpr int kWriteSendNow = 16;
+// How long the previous "Write Mail" window may take to go out.
+constexpr double kPreviousMailSeconds = 60;
 
 enum class Send { kNowThenLater, kNow, kUntilSent };
 
@@ -98,25 +100,76 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   ShrinkStatusWindow(api);
 }
 
+// A "Write Mail" window still open is the previous mail going out: a new
+// one asked for now would be found as that one and written into, and the
+// previous mail lost. Waits until it has gone, clicking its Send Now again
+// at a pace in case every click was lost. One without recipients is no
+// mail going out (a slow client answered a repeated click late) and is
+// closed at once; one still there after a minute (a person's draft) too.
+// False when signed off.
+bool WaitForPreviousWrite(const ClientContext& c) {
+  WindowApi& api = c.api;
+  auto none_left = [&] {
+    Hwnd w = FindWriteMail(api);
+    while (w != 0 &&
+           GetText(api, FindNthChild(api, w, aol::kEditClass, 1)).empty()) {
+      CloseWindow(api, w);
+      const Hwnd next = FindWriteMail(api);
+      if (next == w) break;  // it would not close
+      w = next;
+    }
+    return w == 0;
+  };
+  const WaitEnd end = WaitUntil(c.host, none_left,
+                                {.give_up = SignedOff(api),
+                                 .repeat =
+                                     [&] {
+                                       const Hwnd send_now = FindNthChild(
+                                           api, FindWriteMail(api),
+                                           aol::kIconClass, kWriteSendNow);
+                                       if (GetText(api, send_now) == "Send Now")
+                                         ClickIcon(api, send_now);
+                                     },
+                                 .pace = kAskAgainSeconds,
+                                 .pace_max = kAskAgainMaxSeconds,
+                                 .within = kPreviousMailSeconds});
+  if (end == WaitEnd::kGaveUp) return false;
+  if (end == WaitEnd::kOutOfTime) {
+    return WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
+                     {.give_up = SignedOff(api), .every = 1, .repeat = [&] {
+                        CloseWindow(api, FindWriteMail(api));
+                      }}) == WaitEnd::kMet;
+  }
+  return true;
+}
+
 void Write(const ClientContext& c, std::string_view recipients,
            std::string_view subject, std::string_view body, Send how) {
   WindowApi& api = c.api;
   const bool later = how == Send::kNowThenLater;
+  if (!WaitForPreviousWrite(c)) return;
   const Hwnd frame = FindFrame(api);
-  const Hwnd write_icon = FindToolbarIcon(api, 2);
+  const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
 
   MailControls mail;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            mail.Find(api, FindDocument(api, kWriteMail), 16, true);
-            return !GetText(api, mail.send_now).empty() &&
-                   (!later || !GetText(api, mail.send_later).empty());
-          },
-          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = [&] {
-             PostClickIcon(api, write_icon);
-           }}) != WaitEnd::kMet)
+  Hwnd window = 0;
+  if (WaitUntil(c.host,
+                [&] {
+                  window = FindWriteMail(api);
+                  mail.Find(api, window, kWriteSendNow, true);
+                  return !GetText(api, mail.send_now).empty() &&
+                         (!later || !GetText(api, mail.send_later).empty());
+                },
+                {.give_up = SignedOff(api),
+                 // Asked again only while no window has come: one that
+                 // came is still filling in its icons.
+                 .repeat =
+                     [&] {
+                       if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
+                     },
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   SetText(api, mail.edit[0], recipients);
@@ -141,7 +194,9 @@ void Write(const ClientContext& c, std::string_view recipients,
                   PauseSeconds(c.host, 0.6f);
                   ClickIcon(api, mail.send_now);
                   DoEvents(c.host, 2);
-                  return FindDocument(api, kWriteMail) == 0;
+                  // Its own window: one more, empty, that a slow client
+                  // opened late is not this mail.
+                  return !api.IsWindow(window);
                 },
                 {.give_up = SignedOff(api)});
       break;

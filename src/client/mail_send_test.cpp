@@ -68,6 +68,44 @@ TEST_F(MailSendTest, AForwardWindowIsFilledOnlyWhenSendNowIsThere) {
   EXPECT_EQ(mails.size(), 1u);
 }
 
+TEST_F(MailSendTest, EachWriteWaitsForThePreviousWindowToGo) {
+  Launch();
+  WriteMailNow(c, "Ann", "one", "first");
+  WriteMail(c, "Bob", "two", "second");
+  WriteMailNow(c, "Ann", "three", "third");
+  Run(3);
+  ASSERT_EQ(mails.size(), 3u);
+  EXPECT_EQ(mails[0], (MailSeen{"Ann", "one", "first", true}));
+  EXPECT_EQ(mails[1], (MailSeen{"Bob", "two", "second", true}));
+  EXPECT_EQ(mails[2], (MailSeen{"Ann", "three", "third", true}));
+
+  // A window without recipients is no mail going out: closed at once.
+  PostClickIcon(api, FindToolbarIcon(api, aol::kToolbarWriteIcon));
+  Run(1);
+  ASSERT_NE(FindWriteMail(api), 0u);
+  double start = host.Elapsed();
+  WriteMailNow(c, "Bob", "four", "fourth");
+  EXPECT_LT(host.Elapsed() - start, 2);
+  Run(2);
+  ASSERT_EQ(mails.size(), 4u);
+  EXPECT_EQ(mails[3], (MailSeen{"Bob", "four", "fourth", true}));
+
+  // One addressed but never sent (every click lost) is sent for it, at a
+  // pace, before the next mail is written.
+  PostClickIcon(api, FindToolbarIcon(api, aol::kToolbarWriteIcon));
+  Run(1);
+  SetText(api, FindNthChild(api, FindWriteMail(api), aol::kEditClass, 1),
+          "Cal");
+  start = host.Elapsed();
+  WriteMailNow(c, "Ann", "five", "fifth");
+  EXPECT_GE(host.Elapsed() - start, kAskAgainSeconds);
+  EXPECT_LT(host.Elapsed() - start, kAskAgainSeconds + 2);
+  Run(2);
+  ASSERT_EQ(mails.size(), 6u);
+  EXPECT_EQ(mails[4].to, "Cal");
+  EXPECT_EQ(mails[5], (MailSeen{"Ann", "five", "fifth", true}));
+}
+
 TEST_F(MailSendTest, UntilSentOutlastsLostClicks) {
   sim.knobs().lost_click_chance = 1;  // every click while busy is lost
   sim.knobs().busy = 2;

@@ -13,7 +13,10 @@ namespace quorvex {
 
 namespace {
 
-constexpr int kNudgeRounds = 200;  // rounds between repeated clicks
+// The mail whose window is shrunk (zero-based), and how long each of the
+// windows may take to come before the shrinking is given up.
+constexpr int kShrinkMail = 2;
+constexpr double kShrinkWindowSeconds = 60;
 
 Hwnd FindIncomingMail(WindowApi& api) {
   return FindDocument(api, kIncomingMail);
@@ -44,14 +47,14 @@ Hwnd OpenIncomingMail(const ClientContext& c) {
 
 // Closes every window the finder finds.
 void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
-  WaitUntil(c.host, [&] {
-    const Hwnd w = find(c.api);
-    if (w) CloseWindow(c.api, w);
-    return w == 0;
-  });
+  WaitUntil(c.host,
+            [&] {
+              const Hwnd w = find(c.api);
+              if (w) CloseWindow(c.api, w);
+              return w == 0;
+            },
+            {.give_up = SignedOff(c.api)});
 }
-
-Hwnd FindWriteMail(WindowApi& api) { return FindDocument(api, kWriteMail); }
 
 // Shrinks the window and has the client remember its size for the next
 // windows of its kind.
@@ -71,8 +74,12 @@ std::string MailTitleOf(std::string_view item) {
   return ReplaceAll(title, std::string_view("\0", 1), "");
 }
 
+bool IsForeignListTitle(std::string_view title) {
+  return Like(title, "*velo-grid list number *");
+}
+
 void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
-                 StatusStrip& status) {
+                 StatusStrip& status, std::vector<int>* positions) {
   WindowApi& api = c.api;
   Hwnd tree = 0;
   int count = 0;
@@ -88,9 +95,10 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
   for (int i = 0; i < count; ++i) {
     c.host.DoEvents();
     list.Add(MailTitleOf(ListText(api, tree, i)));
-    if (skipForeignLists &&
-        Like(list.Item(list.Count() - 1), "*velo-grid list number *"))
+    if (skipForeignLists && IsForeignListTitle(list.Item(list.Count() - 1)))
       list.Remove(list.Count() - 1);
+    else if (positions)
+      positions->push_back(i);
     // The index, not the number read: the first report says 0 mails.
     if (i % 10 == 0)
       status.Draw("status: refreshed " + std::to_string(i) + " mails",
@@ -188,35 +196,54 @@ void DeleteMailWaiting(const ClientContext& c) {
 
 void ShrinkMailWindows(const ClientContext& c) {
   WindowApi& api = c.api;
+  const auto signed_off = SignedOff(api);
   Hwnd box = 0;
-  WaitUntil(c.host, [&] { return (box = OpenIncomingMail(c)) != 0; });
+  if (WaitUntil(c.host, [&] { return (box = OpenIncomingMail(c)) != 0; },
+                {.give_up = signed_off}) != WaitEnd::kMet)
+    return;
   MinimizeWindow(api, box);
   DoEvents(c.host, 2);
 
+  // The third mail; the last one of a shorter mailbox, which would
+  // otherwise never open.
+  const int position =
+      std::max(0, std::min(kShrinkMail, GetMailCount(api) - 1));
+  auto open = [&] { OpenMail(c, position); };
+  const WaitOptions nudged{.give_up = signed_off,
+                           .repeat = open,
+                           .pace = kAskAgainSeconds,
+                           .pace_max = kAskAgainMaxSeconds,
+                           .within = kShrinkWindowSeconds};
+  open();
   Hwnd mail = 0;
-  WaitUntil(c.host, [&] {
-    OpenMail(c, 2);
-    return (mail = FindOpenMail(api)) != 0;
-  });
+  if (WaitUntil(
+          c.host, [&] { return (mail = FindOpenMail(api)) != 0; }, nudged) !=
+      WaitEnd::kMet)
+    return;
   RememberSmall(c, mail);
 
   const Hwnd forward_icon =
       FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   Hwnd forward = 0;
-  WaitUntil(
-      c.host, [&] { return (forward = FindComposeWindow(api)) != 0; },
-      {.every = kNudgeRounds, .repeat = [&] { ClickIcon(api, forward_icon); }});
+  WaitOptions click_again = nudged;
+  click_again.repeat = [&] { ClickIcon(api, forward_icon); };
+  if (WaitUntil(
+          c.host, [&] { return (forward = FindComposeWindow(api)) != 0; },
+          click_again) != WaitEnd::kMet)
+    return;
   RememberSmall(c, forward);
   CloseAll(c, FindComposeWindow);
   CloseAll(c, FindOpenMail);
 
-  const Hwnd write_icon = FindToolbarIcon(api, 2);
+  const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
   Hwnd write = 0;
-  WaitUntil(c.host, [&] { return (write = FindWriteMail(api)) != 0; },
-            {.every = kNudgeRounds,
-             .repeat = [&] { PostClickIcon(api, write_icon); }});
+  click_again.repeat = [&] { PostClickIcon(api, write_icon); };
+  if (WaitUntil(
+          c.host, [&] { return (write = FindWriteMail(api)) != 0; },
+          click_again) != WaitEnd::kMet)
+    return;
   RememberSmall(c, write);
   CloseAll(c, FindWriteMail);
 }

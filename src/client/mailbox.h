@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "client/client_context.h"
 #include "model/label.h"
@@ -19,9 +20,13 @@ std::string MailTitleOf(std::string_view item);
 // Appends the mailbox's titles to `list` in mailbox order, showing progress
 // every ten mails. Opens the mailbox when it is missing and, while it is
 // empty, closes and opens it again without end: a served mailbox is never
-// empty. With skipForeignLists, list mails of other servers are dropped.
+// empty. With skipForeignLists, list mails of other servers are dropped;
+// `positions`, when given, receives for each title added the mail's
+// zero-based position in the mailbox, which is what OpenMail takes.
 void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
-                 StatusStrip& status);
+                 StatusStrip& status, std::vector<int>* positions = nullptr);
+// Whether a title is the list mail of another server.
+bool IsForeignListTitle(std::string_view title);
 // Mails in "Incoming/Saved Mail"; 0 when it is not open.
 int GetMailCount(WindowApi& api);
 // The title at a zero-based position, "" past the end.

@@ -32,6 +32,9 @@ TEST_F(MailboxTest, LoadOpensTheMailboxAndReadsEveryTitle) {
   ListBox skipping("lstMails");
   LoadMailbox(c, skipping, true, status);
   EXPECT_EQ(skipping.Count(), 12);
+  EXPECT_TRUE(IsForeignListTitle("velo-grid list number 1"));
+  EXPECT_FALSE(IsForeignListTitle("velo-grid list number"));
+  EXPECT_FALSE(IsForeignListTitle("Velo-Grid list number 1"));
 
   // By position; past the end nothing opens.
   EXPECT_EQ(GetMailCount(api), 13);
@@ -44,6 +47,27 @@ TEST_F(MailboxTest, LoadOpensTheMailboxAndReadsEveryTitle) {
   Run(1);
   ASSERT_NE(FindOpenMail(api), 0u);
   EXPECT_EQ(GetCaption(api, FindOpenMail(api)), "mail 2");
+}
+
+TEST_F(MailboxTest, PositionsSkipOtherServersListsWhereverTheyStand) {
+  sim.AddMail("velo-grid list number 1");
+  AddMails(2);
+  sim.AddMail("old velo-grid list number 2");
+  AddMails(1, "tune ");
+  sim.AddMail("velo-grid list number 3");
+  Launch();
+  StatusStrip status;
+  ListBox lstMails("lstMails");
+  std::vector<int> positions;
+  LoadMailbox(c, lstMails, true, status, &positions);
+  EXPECT_EQ(lstMails.Items(),
+            (std::vector<std::string>{"mail 0", "mail 1", "tune 0"}));
+  EXPECT_EQ(positions, (std::vector<int>{1, 2, 4}));
+  // Kept, every title has its own position.
+  positions.clear();
+  ListBox all("lstMails");
+  LoadMailbox(c, all, false, status, &positions);
+  EXPECT_EQ(positions, (std::vector<int>{0, 1, 2, 3, 4, 5}));
 }
 
 TEST_F(MailboxTest, AnEmptyMailboxIsOpenedAndClosedUntilTheRunEnds) {

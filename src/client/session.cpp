@@ -21,8 +21,6 @@ constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
 constexpr int kCloseRounds = 100;
 constexpr float kCloseWait = 0.4f;
-// Rounds of waiting for a preferences window before asking again.
-constexpr int kAskAgainRounds = 30000;
 constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
@@ -95,8 +93,13 @@ void SignOn(const SessionContext& s) {
   SetStatus(s, "status: signing online");
   while (true) {
     host.DoEvents();
+    // The sign-on may end while the round looks at its progress: the
+    // "Sign On" window is then gone for good, and signed on is the end.
     Hwnd button = 0;
-    WaitUntil(host, [&] { return (button = FindSignOnButton(api)) != 0; });
+    WaitUntil(host, [&] {
+      return (button = FindSignOnButton(api)) != 0 || IsSignedOn(api);
+    });
+    if (IsSignedOn(api)) return;
     ClickIcon(api, button);
     Pause(host, 5);
 
@@ -222,11 +225,11 @@ void SetMailPreferences(const ClientContext& c) {
 
   // The "Preferences" window, by its keyword.
   Keyword(api, "Preferences");
-  if (WaitUntil(
-          c.host, [&] { return FindDocument(api, "Preferences") != 0; },
-          {.give_up = signed_off, .every = kAskAgainRounds, .repeat = [&] {
-             Keyword(api, "Preferences");
-           }}) != WaitEnd::kMet)
+  if (WaitUntil(c.host, [&] { return FindDocument(api, "Preferences") != 0; },
+                {.give_up = signed_off,
+                 .repeat = [&] { Keyword(api, "Preferences"); },
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
@@ -242,8 +245,9 @@ void SetMailPreferences(const ClientContext& c) {
                                                  "Mail Preferences")) != 0;
                 },
                 {.give_up = signed_off,
-                 .every = kAskAgainRounds,
-                 .repeat = click_mail_tab}) != WaitEnd::kMet)
+                 .repeat = click_mail_tab,
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // A click toggles a box: only those not yet as wanted are clicked.
@@ -256,9 +260,11 @@ void SetMailPreferences(const ClientContext& c) {
     ClickIcon(api, api.FindWindowExA(page, 0, "_AOL_icon", "OK"));
   };
   click_ok();
-  WaitUntil(
-      c.host, [&] { return !api.IsWindow(page); },
-      {.give_up = signed_off, .every = kAskAgainRounds, .repeat = click_ok});
+  WaitUntil(c.host, [&] { return !api.IsWindow(page); },
+            {.give_up = signed_off,
+             .repeat = click_ok,
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
   CloseWindow(api, FindDocument(api, "Preferences"));
 }
 

@@ -85,6 +85,19 @@ class SessionTest : public ClientTest {
   std::vector<std::string> started, client_events;
 };
 
+TEST_F(SessionTest, ASignOnThatEndsAsItsProgressIsReadIsTheEnd) {
+  InstallClient();
+  // The modal comes after 2 s and its three steps take 1 s each: the
+  // client signs on at the very moment the 5-second pause ends and the
+  // progress still reads "step 3". The "Sign On" window is gone after it.
+  sim.SetLatency(2);
+  Launch();
+  sim.SignOff();
+  AOLRestart(Session());
+  EXPECT_EQ(Events("signs on"), 1);
+  EXPECT_EQ(sim.current_room(), "Lobby");
+}
+
 // The steps, statuses and events of a restart are checked by the
 // client_restart scenario; these tests check what a transcript does not show.
 TEST_F(SessionTest, RestartsASignedOffClientBackIntoItsFullRoom) {

@@ -1,5 +1,6 @@
 #include "client/wait.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "model/text_util.h"
@@ -14,16 +15,30 @@ constexpr double kPollSeconds = 0.01;
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
                   const WaitOptions& how, WaitPlace where) {
   const WaitTrace trace(how.name, where.function, where.file, where.line);
+  const double began = host.Clock();
+  const bool repeats = how.repeat && (how.every > 0 || how.pace > 0);
+  double last_repeat = began;
+  double pace = how.pace;
+  std::int64_t since_repeat = 0;
   for (std::int64_t round = 1;; ++round) {
     const bool done = met();
     if (how.give_up && how.give_up()) return WaitEnd::kGaveUp;
     if (done) return WaitEnd::kMet;
     if (how.rounds > 0 && round >= how.rounds) return WaitEnd::kOutOfRounds;
+    if (how.within > 0 && host.Clock() - began >= how.within)
+      return WaitEnd::kOutOfTime;
     // A wait may sleep until something happens, but polls at least every
     // 10 ms for a condition nothing announces.
     host.DoEvents(how.wake_by > 0 ? how.wake_by : host.Clock() + kPollSeconds);
     if (how.speed > 0) PauseSeconds(host, how.speed);
-    if (how.every > 0 && how.repeat && round % how.every == 0) how.repeat();
+    ++since_repeat;
+    if (!repeats || since_repeat < std::max<std::int64_t>(how.every, 1) ||
+        host.Clock() - last_repeat < pace)
+      continue;
+    how.repeat();
+    since_repeat = 0;
+    last_repeat = host.Clock();
+    if (how.pace_max > pace) pace = std::min(pace * 2, how.pace_max);
   }
 }
 

@@ -26,12 +26,29 @@ struct WaitOptions {
   std::int64_t rounds = 0;
   // A Clock() value the yield need not sleep past (time-bounded waits).
   double wake_by = 0;
+  // With a pace, `repeat` also waits until this many seconds have passed
+  // since the wait began or since the previous repeat, so that a slow
+  // client is not asked again while its answer may still come; each
+  // repeat doubles the pace, up to `pace_max` (0: the pace stays). Only
+  // the pace counts when `every` is 0.
+  double pace = 0;
+  double pace_max = 0;
+  // Ends the wait this many seconds after it began; 0: no limit.
+  double within = 0;
   // What the wait is for, as a watchdog reports a run stuck in it; without
   // a name the place of the call says which wait it is.
   const char* name = nullptr;
 };
 
-enum class WaitEnd { kMet, kGaveUp, kOutOfRounds };
+enum class WaitEnd { kMet, kGaveUp, kOutOfRounds, kOutOfTime };
+
+// The pace of asking the client again for something it has not answered
+// (a window, a click): the first time after kAskAgainSeconds, then ever
+// more slowly. The client opens a window within a few seconds even when
+// slow, so that a request is rarely repeated while the first is still
+// under way.
+inline constexpr double kAskAgainSeconds = 10;
+inline constexpr double kAskAgainMaxSeconds = 40;
 
 // Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
 // yield (DoEvents); pause; repeat action. There is no time limit of its

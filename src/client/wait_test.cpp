@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "ports/virtual_host.h"
 
@@ -96,6 +97,33 @@ TEST(WaitUntilTest, AStuckWaitIsNamedByTheWatchdog) {
       EXPECT_NE(what.find("wait_test.cpp:"), std::string::npos) << what;
     }
   }
+}
+
+TEST(WaitUntilTest, RepeatsAtAPaceThatSlowsDownAndEndsInTime) {
+  VirtualHost host;
+  std::vector<double> repeats;
+  EXPECT_EQ(WaitUntil(host, [] { return false; },
+                      {.repeat = [&] { repeats.push_back(host.Elapsed()); },
+                       .pace = 1,
+                       .pace_max = 4,
+                       .within = 12}),
+            WaitEnd::kOutOfTime);
+  // After 1 s, then 2, then 4 and 4 again: never sooner, hardly later.
+  const std::vector<double> due = {1, 3, 7, 11};
+  ASSERT_EQ(repeats.size(), due.size());
+  for (std::size_t i = 0; i < due.size(); ++i) {
+    EXPECT_GE(repeats[i], due[i]);
+    EXPECT_LT(repeats[i], due[i] + 0.011);
+  }
+  EXPECT_GE(host.Elapsed(), 12.0);
+  EXPECT_LT(host.Elapsed(), 12.011);
+
+  // Rounds and pace together: both must have passed.
+  int nudges = 0;
+  const double start = host.Elapsed();
+  WaitUntil(host, [&] { return host.Elapsed() - start >= 2.5; },
+            {.every = 50, .repeat = [&] { ++nudges; }, .pace = 1});
+  EXPECT_EQ(nudges, 2);  // at 1 s and 2 s (100 and 200 rounds of 10 ms)
 }
 
 }  // namespace

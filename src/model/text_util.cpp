@@ -59,6 +59,13 @@ bool ContainsIgnoreCase(std::string_view haystack, std::string_view needle) {
   return LCase(haystack).find(LCase(needle)) != std::string::npos;
 }
 
+std::size_t Len(std::string_view s) {
+  std::size_t n = 0;
+  for (unsigned char ch : s)
+    if ((ch & 0xC0) != 0x80) ++n;
+  return n;
+}
+
 std::string Trim(std::string_view s) {
   size_t b = 0, e = s.size();
   while (b < e && s[b] == ' ') ++b;

@@ -3,6 +3,7 @@
 // as the runtime writes them, and the "Like" pattern match.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,9 @@ bool StartsWith(std::string_view s, std::string_view prefix);
 bool ContainsIgnoreCase(std::string_view haystack, std::string_view needle);
 
 // Trim: removes leading and trailing blanks (spaces only, not tabs).
+// Len: the characters of a UTF-8 text (its code points), as a text box
+// counts them.
+std::size_t Len(std::string_view s);
 std::string Trim(std::string_view s);
 std::string RemoveSpaces(std::string_view s);
 

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "model/text_util.h"
+#include "requests/pending_line.h"
+#include "requests/reply_order.h"
 
 namespace quorvex {
 
@@ -221,7 +223,7 @@ TakenGroup PendingQueue::TakeNextFind(Label& lblPending) {
 }
 
 void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
-  ReplyQueue.Add(sn + "-mailbox");
+  ReplyQueue.Add(ReplyOrder::Make(sn, "mailbox"));
   auto it = by_dash_name_.find(sn);
   if (it == by_dash_name_.end()) return;
 
@@ -251,6 +253,17 @@ void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
     last_removed = pos;
   }
   RemoveIds(drop);
+}
+
+std::optional<std::string> PendingQueue::TakeFirstMailFor(
+    const std::string& number) {
+  auto it = mail_by_wanted_.find(number);
+  if (it == mail_by_wanted_.end() || it->second.empty()) return std::nullopt;
+  const std::uint64_t id = it->second.front();
+  std::string sn(
+      PendingLine::Requester(lstPending_.Item(lstPending_.IndexOfId(id)), '-'));
+  lstPending_.RemoveId(id);
+  return sn;
 }
 
 int PendingQueue::RemovePerson(std::string_view sn) {

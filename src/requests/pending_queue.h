@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -90,6 +91,10 @@ class PendingQueue {
   // one is not looked at (so of two adjacent lines only the first goes).
   // Finds stay. The label is not refreshed here.
   void DropFullMailbox(const std::string& sn, ListBox& ReplyQueue);
+
+  // A mail the client will not forward: removes the first mail line that
+  // wants `number` and gives its requester; nothing when none is left.
+  std::optional<std::string> TakeFirstMailFor(const std::string& number);
 
   // Removes every line that contains "-" and whose text before the first
   // "-" is `sn` (a ban earned by mistakes). Returns how many went.

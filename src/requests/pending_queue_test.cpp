@@ -204,5 +204,16 @@ TEST_F(PendingQueueTest, CountersReadTheStoredTotalAndSaturate) {
   EXPECT_EQ(lblSession.caption(), "session: 2147483647");
 }
 
+TEST_F(PendingQueueTest, DeadMailTakesEveryMailLineForItsNumberOnly) {
+  // Past an empty line too; not finds, lists or other numbers that share
+  // the digits.
+  Queue({"bob-12", "amy~12", "", "cal-120", "dan-12", "eve-list", "fay-12"});
+  Lines gone;
+  while (auto sn = q.TakeFirstMailFor("12")) gone.push_back(*sn);
+  EXPECT_EQ(gone, (Lines{"bob", "dan", "fay"}));
+  EXPECT_EQ(q.list().Items(), (Lines{"amy~12", "", "cal-120", "eve-list"}));
+  EXPECT_FALSE(q.TakeFirstMailFor("list"));
+}
+
 }  // namespace
 }  // namespace quorvex

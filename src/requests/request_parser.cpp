@@ -3,6 +3,8 @@
 #include <cmath>
 
 #include "model/text_util.h"
+#include "requests/pending_line.h"
+#include "requests/reply_order.h"
 
 namespace quorvex {
 
@@ -44,7 +46,7 @@ bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
   entry += item;
   if (!ctx.pending.Has(entry)) return false;
   if (ctx.frmBanning.chkDupReqs.value == 1)
-    ctx.ReplyQueue.Add(sn + "-duplication");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "duplication"));
   return true;
 }
 
@@ -62,7 +64,7 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   // The span is y - x, one less than the mails asked for.
   if (ctx.frmBanning.chkPending.value == 1 &&
       y - x + pending > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(sn + "-pending");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
     return End::kRefresh;
   }
   if (!(y > x)) return End::kRefresh;
@@ -71,7 +73,7 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   ForEachInRange(x, y, ctx.lstMails.Count(), [&](double i) {
     std::string number = NumberText(i);
     if (!CheckDuplicate(ctx, sn, "-", number))
-      ctx.pending.Append(sn + "-" + number);
+      ctx.pending.Append(PendingLine::Mail(sn, number));
   });
   return End::kRefresh;
 }
@@ -80,11 +82,11 @@ End WordRequest(RequestContext& ctx, const std::string& sn,
                 std::string_view rest) {
   if (rest == "list") {
     if (CheckDuplicate(ctx, sn, "-", "list")) return End::kSilent;
-    ctx.pending.Append(sn + "-list");
+    ctx.pending.Append(PendingLine::List(sn));
   } else if (StartsWith(rest, "than") && ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(sn + "-thankyou");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
   } else if (rest == "status" && ctx.settings.ScrollStatus) {
-    ctx.ReplyQueue.Add(sn + "-status");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "status"));
   }
   return End::kRefresh;
 }
@@ -97,13 +99,13 @@ End SingleRequest(RequestContext& ctx, const std::string& sn,
   double n = Val(Trim(rest));
   if (ctx.frmBanning.chkPending.value == 1 &&
       pending + 1 > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(sn + "-pending");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
     return End::kRefresh;
   }
   if (n > 0 && n <= ctx.lstMails.Count()) {
     std::string number = NumberText(n);
     if (!CheckDuplicate(ctx, sn, "-", number))
-      ctx.pending.Append(sn + "-" + number);
+      ctx.pending.Append(PendingLine::Mail(sn, number));
   }
   return End::kRefresh;
 }
@@ -132,10 +134,10 @@ End FindRequest(RequestContext& ctx, const std::string& sn,
     // The second text follows the first "&" of the whole line.
     std::string first = Trim(rest.substr(0, amp));
     std::string second = Trim(msg.substr(msg.find('&') + 1));
-    ctx.pending.Append(sn + "~" + first);
-    ctx.pending.Append(sn + "~" + second);
+    ctx.pending.Append(PendingLine::Find(sn, first));
+    ctx.pending.Append(PendingLine::Find(sn, second));
   } else {
-    ctx.pending.Append(sn + "~" + std::string(rest));
+    ctx.pending.Append(PendingLine::Find(sn, rest));
   }
   return End::kRefresh;
 }
@@ -161,7 +163,7 @@ void HandleChatLine(RequestContext& ctx, std::string_view speaker,
     end = SendRequest(ctx, sn, msg, send_key.size());
   } else if (StartsWith(after_slash, thank_key) &&
              ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(sn + "-thankyou");
+    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
   } else if (StartsWith(after_slash, find_key) && ctx.settings.FindsEnable) {
     end = FindRequest(ctx, sn, msg, find_key.size());
   }

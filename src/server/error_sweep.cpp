@@ -30,30 +30,14 @@ void AnnounceDeadMail(FrmMain& frm, const ClientContext& c,
 }
 
 // Nobody waits for a mail that cannot be sent: every other mail entry for
-// the number leaves the queue, each told so. Walked again after every
-// removal, as the pauses let new lines in.
+// the number leaves the queue, each told so, found through the queue's
+// index of mail lines by number.
 void DropDeadRequests(FrmMain& frm, const ClientContext& c,
                       const std::string& number) {
-  int from = 0;
-  for (;;) {
-    const ListBox& list = frm.lstPending();
-    int found = -1;
-    std::string sn;
-    for (int i = from; i < list.Count(); ++i) {
-      const std::string& line = list.Item(i);
-      const auto dash = line.find('-');
-      if (dash == std::string::npos || line.find('~') != std::string::npos)
-        continue;
-      if (line.compare(dash + 1, std::string::npos, number) != 0) continue;
-      found = i;
-      sn = line.substr(0, dash);
-      break;
-    }
-    if (found < 0) return;
-    frm.lstPending().Remove(found);
+  // One at a time: each notice pauses, and new lines may come meanwhile.
+  while (std::optional<std::string> sn = frm.pending.TakeFirstMailFor(number)) {
     frm.pending.RefreshLabel(frm.lblPending);
-    AnnounceDeadMail(frm, c, sn, number);
-    from = found;
+    AnnounceDeadMail(frm, c, *sn, number);
   }
 }
 

@@ -20,9 +20,9 @@ namespace {
 
 constexpr float kBeforeLine = 0.55f;
 constexpr float kAfterLine = 0.45f;
-// Rounds of waiting between two nudges of a client that lost the request
-// (the same rhythm as the client's other waits).
-constexpr std::int64_t kNudgeRounds = 200;
+constexpr int kSendNow = 14, kSendLater = 15;  // of a forward window
+// How long the mail's window and its forward window may take to come.
+constexpr double kMailWindowSeconds = 60;
 
 // The open mail whose caption is the title: another mail window left open
 // must not be forwarded in its place.
@@ -31,7 +31,7 @@ Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
     return GetCaption(api, w) == title &&
            FindChild(api, w, aol::kRichTextClass) &&
            !FindChild(api, w, aol::kComboClass) &&
-           !FindChild(api, w, aol::kFontComboClass);
+           !FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
 }
 
@@ -55,6 +55,28 @@ std::string DeadMailLine(std::string_view sn, std::string_view number) {
          "</U> is a dead mail";
 }
 
+namespace {
+
+// A mail whose window never came: said dead, and not opened again.
+void GiveUpDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
+  PauseSeconds(c.host, kBeforeLine);
+  Say(frm, c, DeadMailLine(f.sn, f.number));
+  PauseSeconds(c.host, kAfterLine);
+  if (!IsDeadMail(frm, f.number)) frm.dead_mails.push_back(f.number);
+  f.error = true;
+}
+
+// Where mail `number` (1-based in lstMails) stands in the mailbox.
+int MailboxPosition(const FrmMain& frm, int number) {
+  // Without positions (a list filled by other means) numbers are positions.
+  if (frm.mail_positions.size() !=
+      static_cast<std::size_t>(frm.lstMails.Count()))
+    return number - 1;
+  return frm.mail_positions[static_cast<std::size_t>(number - 1)];
+}
+
+}  // namespace
+
 std::string FirstRequester(std::string_view requesters) {
   const auto open = requesters.find('(');
   if (open == std::string_view::npos) return "";
@@ -76,19 +98,19 @@ Hwnd FindForwardWindow(WindowApi& api) {
            FindChild(api, w, aol::kRichTextClass) &&
            FindChild(api, w, aol::kStaticClass) &&
            FindChild(api, w, aol::kComboClass) &&
-           FindChild(api, w, aol::kFontComboClass);
+           FindChild(api, w, aol::kFontComboClass) && !IsChatRoom(api, w);
   });
 }
 
 bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
                        std::string_view recipients, std::string_view body,
-                       const ForwardSteps& steps) {
+                       const ForwardSteps& steps, ForwardScratch& f) {
   WindowApi& api = c.api;
   // The parser checks numbers against the mailbox; a mailbox that shrank
   // since would leave the job waiting for a mail that never opens.
   if (number < 1 || number > frm.lstMails.Count()) return false;
-  const int position = number - 1;
-  const std::string title = frm.lstMails.Item(position);
+  const int position = MailboxPosition(frm, number);
+  const std::string title = frm.lstMails.Item(number - 1);
 
   frm.SetStatus(steps.opening);
   // The mailbox stays open while serving; one closed by hand is reopened.
@@ -100,17 +122,32 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
     }
     OpenMail(c, position);
   };
+  // Asked again at a pace a slow client can answer, and not for ever: a
+  // mail whose window does not come is given up as a dead one.
+  const WaitOptions nudged{.give_up = SignedOff(api),
+                           .pace = kAskAgainSeconds,
+                           .pace_max = kAskAgainMaxSeconds,
+                           .within = kMailWindowSeconds};
+  auto with_repeat = [&](std::function<void()> repeat) {
+    WaitOptions how = nudged;
+    how.repeat = std::move(repeat);
+    return how;
+  };
+  auto give_up = [&](WaitEnd end) {
+    if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(frm, c, f);
+    return false;
+  };
+
   open();
   Hwnd mail = 0;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            mail = FindMailWindow(api, title);
-            return mail != 0;
-          },
-          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
-      WaitEnd::kMet)
-    return false;
+  WaitEnd end = WaitUntil(
+      c.host,
+      [&] {
+        mail = FindMailWindow(api, title);
+        return mail != 0;
+      },
+      with_repeat(open));
+  if (end != WaitEnd::kMet) return give_up(end);
 
   frm.SetStatus(steps.forwarding);
   auto click_forward = [&] {
@@ -119,15 +156,14 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   };
   click_forward();
   Hwnd forward = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  forward = FindForwardWindow(api);
-                  return forward != 0;
-                },
-                {.give_up = SignedOff(api),
-                 .every = kNudgeRounds,
-                 .repeat = click_forward}) != WaitEnd::kMet)
-    return false;
+  end = WaitUntil(
+      c.host,
+      [&] {
+        forward = FindForwardWindow(api);
+        return forward != 0;
+      },
+      with_repeat(click_forward));
+  if (end != WaitEnd::kMet) return give_up(end);
 
   frm.SetStatus(steps.sending);
   if (frm.settings.MailMethod)
@@ -136,8 +172,22 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
     ForwardMailNow(c, recipients, forward, body);
 
   frm.SetStatus(steps.sent);
-  // The forward window goes first, the mail's window with or after it.
-  const WaitOptions poll{.speed = steps.speed, .give_up = SignedOff(api)};
+  // The forward window goes first, the mail's window with or after it. A
+  // forward still there long after its clicks had every one of them lost
+  // on a busy client: its send is clicked again, at a pace (a window that
+  // is sending takes no more clicks).
+  const Hwnd send_again =
+      FindNthChild(api, forward, aol::kIconClass,
+                   frm.settings.MailMethod ? kSendLater : kSendNow);
+  const WaitOptions poll{.speed = steps.speed,
+                         .give_up = SignedOff(api),
+                         .repeat =
+                             [&] {
+                               if (api.IsWindow(forward))
+                                 ClickIcon(api, send_again);
+                             },
+                         .pace = kAskAgainSeconds,
+                         .pace_max = kAskAgainMaxSeconds};
   for (const Hwnd window : {forward, mail, forward}) {
     if (WaitUntil(
             c.host, [&] { return !api.IsWindow(window); }, poll) !=
@@ -176,7 +226,7 @@ void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   ForwardSteps steps{"status: opening mail", "status: forwarding mail",
                      "status: sending mail", "status: sent mail",
                      frm.settings.MailSpeed};
-  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps))
+  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps, f))
     return;
 
   ForwardErrorSweep(frm, c, f);

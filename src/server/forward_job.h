@@ -44,14 +44,6 @@ struct ForwardSteps {
 // A forward window: a mail being written that is not a "Write Mail" one.
 Hwnd FindForwardWindow(WindowApi& api);
 
-// Opens mail `number` (1-based position in lstMails), forwards it to
-// `recipients` with `body` (send later or send now as MailMethod says) and
-// waits until the forward window and the mail's window are gone. False
-// when the client signed off meanwhile, or the number is no mail.
-bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
-                       std::string_view recipients, std::string_view body,
-                       const ForwardSteps& steps);
-
 // What a forward leaves for the error sweep that follows it, and the
 // sweep for the forward: the first requester and the mail number being
 // forwarded, which a dead-mail notice names; whether the sweep found the
@@ -65,6 +57,17 @@ struct ForwardScratch {
   bool error = false;
   bool in_sweep = false;
 };
+
+// Opens mail `number` (1-based position in lstMails), forwards it to
+// `recipients` with `body` (send later or send now as MailMethod says) and
+// waits until the forward window and the mail's window are gone. False
+// when the client signed off meanwhile, or the number is no mail; also
+// when the mail's window (or its forward window) has not come within a
+// minute: the mail `f` names is then said to be dead and is not opened
+// again.
+bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
+                       std::string_view recipients, std::string_view body,
+                       const ForwardSteps& steps, ForwardScratch& f);
 
 // Step 8 of the tick: takes the next mail group and, unless it is a list
 // group or nothing, forwards it.

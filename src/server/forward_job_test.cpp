@@ -73,6 +73,47 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   EXPECT_EQ(FindForwardWindow(sim), 0u);
 }
 
+TEST_F(ForwardJobTest, NumbersOpenTheirOwnMailPastOtherServersLists) {
+  sim.AddMail("velo-grid list number 4");
+  sim.AddMail("first");
+  sim.AddMail("my velo-grid list number 5");
+  Launch(2);
+  frm.lstMails.Clear();
+  LoadMailbox(c, frm.lstMails, true, frm.status, &frm.mail_positions);
+  ASSERT_EQ(frm.lstMails.Items(), (Lines{"first", "mail 1", "mail 2"}));
+  Queue({"ann-1", "bob-3"});
+  RunMailJob(frm, c, scratch);
+  RunMailJob(frm, c, scratch);
+  EXPECT_EQ(Forwarded("ann"), Lines{"first"});
+  EXPECT_EQ(Forwarded("bob"), Lines{"mail 2"});
+}
+
+TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
+  Launch(3);
+  // The mailbox no longer holds what the list says: the window captioned
+  // "mail 2" cannot come.
+  frm.lstMails.Clear();
+  for (const char* title : {"mail 1", "gone", "mail 3"})
+    frm.lstMails.Add(title);
+  Queue({"ann-2"});
+  const double start = host.Elapsed();
+  RunMailJob(frm, c, scratch);
+  EXPECT_GE(host.Elapsed() - start, 60);
+  EXPECT_LT(host.Elapsed() - start, 70);
+  EXPECT_EQ(Said().back(), DeadMailLine("ann", "2"));
+  EXPECT_TRUE(IsDeadMail(frm, "2"));
+  EXPECT_TRUE(Forwarded("ann").empty());
+  // The mail was asked for again at a pace, not on every poll: one window
+  // for each request.
+  const Hwnd mdi = FindMdiClient(sim);
+  int opened = 0;
+  for (Hwnd w = sim.FindWindowExA(mdi, 0, "AOL Child", "mail 2"); w;
+       w = sim.FindWindowExA(mdi, w, "AOL Child", "mail 2"))
+    ++opened;
+  EXPECT_GE(opened, 2);
+  EXPECT_LE(opened, 6);
+}
+
 TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
   sim.SetDeadMail(4);
   Launch(6);

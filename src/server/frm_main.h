@@ -16,6 +16,7 @@
 #include "model/menu.h"
 #include "ports/host.h"
 #include "ports/machine.h"
+#include "ports/ports.h"
 #include "ports/profile_file.h"
 #include "ports/prompter.h"
 #include "ports/registry.h"
@@ -30,17 +31,6 @@
 
 namespace quorvex {
 
-// The doors to the outside, shared by everything on the main window.
-struct Ports {
-  Host& host;
-  WindowApi& api;
-  Registry& registry;
-  ProfileFile& profiles;
-  Prompter& prompter;
-  Machine& machine;
-  std::uint64_t seed = 1;  // of every random choice
-};
-
 struct FrmMain {
   explicit FrmMain(Ports p) : ports(p) {}
   FrmMain(const FrmMain&) = delete;
@@ -54,6 +44,10 @@ struct FrmMain {
 
   // Lists and the program's collections.
   ListBox lstMails{"lstMails"};
+  // Where each title of lstMails stands in the mailbox (zero-based, as
+  // OpenMail takes it): the list leaves out other servers' list mails, so
+  // that mail number n is not always the n-th mail of the mailbox.
+  std::vector<int> mail_positions;
   ListBox lstBanned{"lstBanned"};
   PendingQueue pending;  // its list box is `lstPending`
   ListBox ReplyQueue{"ReplyQueue"};

@@ -20,7 +20,6 @@ namespace {
 
 constexpr const char* kCrLf = "\r\n";
 constexpr double kBetweenLists = 2;
-constexpr std::int64_t kNudgeRounds = 200;
 constexpr const char* kSessionCaption = "Automatic AOL";
 constexpr const char* kSessionText = "AOL session is";
 
@@ -95,8 +94,10 @@ void BuildLists(FrmMain& frm, const ClientContext& c) {
   // The lists are in the mailbox now; read it again so that they are
   // served this session, as they would be after the next start.
   frm.lstMails.Clear();
+  frm.mail_positions.clear();
   frm.lstLists.Clear();
-  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status);
+  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status,
+              &frm.mail_positions);
   frm.lblMails.Set("mails: " + Str(frm.lstMails.Count()));
   CollectLists(frm);
 }
@@ -106,14 +107,15 @@ void RunAutomaticAol(const ClientContext& c) {
   auto open = [&] { RunToolbarMenu(c, aol::kToolbarMailIcon, 'a'); };
   open();
   Hwnd session = 0;
-  if (WaitUntil(
-          c.host,
-          [&] {
-            session = api.FindWindowA(aol::kModalClass, kSessionCaption);
-            return session != 0;
-          },
-          {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = open}) !=
-      WaitEnd::kMet)
+  if (WaitUntil(c.host,
+                [&] {
+                  session = api.FindWindowA(aol::kModalClass, kSessionCaption);
+                  return session != 0;
+                },
+                {.give_up = SignedOff(api),
+                 .repeat = open,
+                 .pace = kAskAgainSeconds,
+                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
     return;
 
   // "AOL session is in progress." until every waiting mail went out.
@@ -132,9 +134,11 @@ void RunAutomaticAol(const ClientContext& c) {
     ClickIcon(api, FindChild(api, session, aol::kIconClass));
   };
   close();
-  WaitUntil(
-      c.host, [&] { return !api.IsWindow(session); },
-      {.give_up = SignedOff(api), .every = kNudgeRounds, .repeat = close});
+  WaitUntil(c.host, [&] { return !api.IsWindow(session); },
+            {.give_up = SignedOff(api),
+             .repeat = close,
+             .pace = kAskAgainSeconds,
+             .pace_max = kAskAgainMaxSeconds});
 }
 
 void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
@@ -162,7 +166,7 @@ void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
     const std::string body =
         ForwardBody(frm, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(frm, c, static_cast<int>(Val(list.position)),
-                           group.requesters, body, steps))
+                           group.requesters, body, steps, f))
       return;
     ForwardErrorSweep(frm, c, f);
     if (s.ListNotify && !f.error)

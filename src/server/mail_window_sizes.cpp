@@ -14,9 +14,8 @@ namespace {
 // The frame's Window menu and its "Forget Window Size and Position".
 constexpr int kWindowMenu = 2;
 constexpr int kForgetSize = 6;
-constexpr int kNudgeRounds = 200;  // rounds between repeated clicks
-
-Hwnd FindWriteMail(WindowApi& api) { return FindDocument(api, kWriteMail); }
+// How long each window may take to come before the clean-up gives up.
+constexpr double kWindowSeconds = 60;
 
 // Closes every window the finder finds.
 void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
@@ -50,24 +49,28 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   DoEvents(c.host, 2);
 
   // Any mail will do: the first one is there whenever the box is not empty.
+  // Asked again at a pace: a slow client answers each request with one
+  // more window.
+  auto open = [&] { OpenMail(c, 0); };
+  const WaitOptions nudged{.give_up = SignedOff(api),
+                           .repeat = open,
+                           .pace = kAskAgainSeconds,
+                           .pace_max = kAskAgainMaxSeconds,
+                           .within = kWindowSeconds};
+  open();
   Hwnd mail = 0;
   end = WaitUntil(
-      c.host,
-      [&] {
-        OpenMail(c, 0);
-        return (mail = FindOpenMail(api)) != 0;
-      },
-      signed_on);
+      c.host, [&] { return (mail = FindOpenMail(api)) != 0; }, nudged);
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
 
   const Hwnd forward_icon =
       FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
-  end = WaitUntil(c.host, [&] { return FindComposeWindow(api) != 0; },
-                  {.give_up = SignedOff(api),
-                   .every = kNudgeRounds,
-                   .repeat = [&] { ClickIcon(api, forward_icon); }});
+  WaitOptions click_again = nudged;
+  click_again.repeat = [&] { ClickIcon(api, forward_icon); };
+  end = WaitUntil(
+      c.host, [&] { return FindComposeWindow(api) != 0; }, click_again);
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
   CloseAll(c, FindComposeWindow);
@@ -75,10 +78,9 @@ void ForgetMailWindowSizes(const ClientContext& c) {
 
   const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
-  end = WaitUntil(c.host, [&] { return FindWriteMail(api) != 0; },
-                  {.give_up = SignedOff(api),
-                   .every = kNudgeRounds,
-                   .repeat = [&] { PostClickIcon(api, write_icon); }});
+  click_again.repeat = [&] { PostClickIcon(api, write_icon); };
+  end = WaitUntil(
+      c.host, [&] { return FindWriteMail(api) != 0; }, click_again);
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
   CloseAll(c, FindWriteMail);

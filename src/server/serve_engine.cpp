@@ -8,6 +8,7 @@
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "requests/ban_policy.h"
+#include "requests/reply_order.h"
 #include "server/machine_restart.h"
 #include "server/mail_window_sizes.h"
 #include "server/replies.h"
@@ -73,8 +74,9 @@ void ServeEngine::cmdStart_Click() {
 void ServeEngine::Start() {
   const Settings& s = frm_.settings;
   frm_.lstMails.Clear();
+  frm_.mail_positions.clear();
   frm_.lstLists.Clear();
-  LoadMailbox(c_, frm_.lstMails, true, frm_.status);
+  LoadMailbox(c_, frm_.lstMails, true, frm_.status, &frm_.mail_positions);
   int lists = jobs_.collect_lists ? jobs_.collect_lists(frm_) : 0;
   frm_.SetStatus("status: found #" + std::to_string(lists) + " lists");
   if (lists == 0) {
@@ -205,9 +207,8 @@ void ServeEngine::ReplyPhase() {
     const std::string entry = frm_.ReplyQueue.Item(0);
     if (entry.empty()) break;
     const std::uint64_t id = frm_.ReplyQueue.IdAt(0);
-    const auto dash = entry.find('-');
-    if (dash != std::string::npos)
-      Reply(entry.substr(0, dash), entry.substr(dash + 1));
+    ReplyOrder order;
+    if (ReplyOrder::Read(entry, &order)) Reply(order.sn, order.kind);
     frm_.ReplyQueue.RemoveId(id);
   }
 }
@@ -233,7 +234,7 @@ void ServeEngine::Reply(const std::string& sn, const std::string& kind) {
   } else if (kind == "pending") {
     PauseSeconds(host, kAround);
     Say(frm_, c_, "(" + sn + ") you have to many pending");
-  } else if (sn == "send") {
+  } else if (sn == ReplyOrder::kSend) {
     PauseSeconds(host, kAround);
     Say(frm_, c_, kind);
     PauseSeconds(host, kAfterReply);

@@ -249,6 +249,12 @@ void SimClient::AddIcons(Hwnd parent, const std::vector<const char*>& texts,
     Add(parent, aol::kIconClass, with_text ? t : "", kRoleIcon, ++n);
 }
 
+bool SimClient::Blocked(Hwnd doc) {
+  auto it = docs_.find(doc);
+  return it != docs_.end() && it->second.blocker != 0 &&
+         tree_.Exists(it->second.blocker);
+}
+
 Hwnd SimClient::Icon(Hwnd doc, int n) const {
   return tree_.NthChild(doc, aol::kIconClass, n);
 }
@@ -287,12 +293,10 @@ void SimClient::CloseDoc(Hwnd hwnd) {
 void SimClient::OnDestroyed(const SimWindow& w) {
   auto it = docs_.find(w.hwnd);
   if (it != docs_.end()) {
-    if (it->second.kind == Kind::kBox) {
-      auto held = docs_.find(it->second.box_for);
-      if (held != docs_.end() && held->second.blocker == w.hwnd)
-        held->second.blocker = 0;
-    }
     docs_.erase(it);
+    // Whatever it held takes input again.
+    for (auto& [hwnd, doc] : docs_)
+      if (doc.blocker == w.hwnd) doc.blocker = 0;
   }
   if (w.hwnd == room_) {
     for (const PeopleEntry& e : people_entries_) FreePeopleEntry(e);
@@ -592,7 +596,9 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
       } else if (role == kRoleInput && c == '\r') {
         SendChatInput();
       } else if (role == kRoleKeyword && c == '\r') {
-        RunKeyword(w->text);
+        // The keyword box is the frame's: a box held over the frame (a
+        // full room's) lets nothing through until it is dismissed.
+        if (!Blocked(frame_)) RunKeyword(w->text);
       } else if (role == kRoleInput || role == kRoleKeyword ||
                  role == kRoleEdit || role == kRoleBody) {
         TypeChar(*w, c);
@@ -637,8 +643,8 @@ void SimClient::Click(Hwnd hwnd) {
     return;
   }
   if (w->role != kRoleIcon) return;
-  // A window held by a message box takes no clicks.
-  if (d->blocker && tree_.Exists(d->blocker)) return;
+  // A window held by a modal box takes no clicks.
+  if (Blocked(d->hwnd)) return;
   if (ClickLost()) return;
   const int n = w->tag;
   const Hwnd doc = d->hwnd;

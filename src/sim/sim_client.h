@@ -47,6 +47,14 @@ inline constexpr char kDeadMailText[] =
     "That message is no longer available for forwarding.";
 inline constexpr char kTooLongText[] = "Message is too long or too complex";
 inline constexpr char kFullMailboxReason[] = "Mailbox is full";
+inline constexpr char kMailSentNote[] = "Your mail has been sent.";
+inline constexpr char kSpellCheckNote[] = "No misspellings found.";
+
+// The mail preferences whose boxes change how mail is sent.
+inline constexpr char kPrefConfirm[] = "Confirm mail after it has been sent";
+inline constexpr char kPrefClose[] = "Close mail after it has been sent";
+inline constexpr char kPrefSpellCheck[] =
+    "Perform a spell check before sending mail";
 
 class SimClient : public WindowApi {
  public:
@@ -119,6 +127,8 @@ class SimClient : public WindowApi {
   void SetPreference(const std::string& label, int checked) {
     preferences_[label] = checked ? 1 : 0;
   }
+  // The "Mail Preferences" page's boxes as saved, in the page's order.
+  std::vector<std::pair<std::string, int>> MailPreferences() const;
   Point WindowSize(Hwnd hwnd) const;
 
   // --- WindowApi ---
@@ -221,6 +231,7 @@ class SimClient : public WindowApi {
     int loaded = 0;       // online mailbox: sent mails listed so far
     int step = 0;         // sign-on modal: 1..3; automatic AOL: mails sent
     bool failed = false;  // sign-on modal: shows the error
+    bool spell_checked = false;  // mail windows: the spelling was checked
     BoxKind box = BoxKind::kPlain;
     Hwnd box_for = 0;  // a message box: the window it holds
   };
@@ -303,6 +314,12 @@ class SimClient : public WindowApi {
   std::vector<std::string> Deliver(const OutMail& mail);
   void ShowErrors(const std::vector<std::string>& lines);
   Hwnd ShowBox(BoxKind kind, const std::string& text, Hwnd holds = 0);
+  // One of the client's own modal notes ("_AOL_Modal" with its text and an
+  // "OK" button), holding `holds` until it is dismissed.
+  Hwnd ShowNote(const std::string& caption, const std::string& text,
+                Hwnd holds = 0);
+  // A window held by a modal takes no input until the modal is dismissed.
+  bool Blocked(Hwnd doc);
   void PressBoxButton(Hwnd box);
   void OpenOnlineMailbox(int tab);
   void FillSentList(Hwnd doc);

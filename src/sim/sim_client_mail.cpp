@@ -271,6 +271,14 @@ void SimClient::SendMail(Doc& doc, bool now) {
     ShowBox(BoxKind::kTooLong, kTooLongText, h);
     return;
   }
+  if (Preference(kPrefSpellCheck) == 1 && !doc.spell_checked) {
+    // The check comes first and holds the mail; the click that asked for
+    // it sends nothing.
+    doc.spell_checked = true;
+    MarkBusy();
+    ShowNote("Spell Check", kSpellCheckNote, h);
+    return;
+  }
   if (doc.kind == Kind::kForward) {
     const MailItem* src = MailById(doc.mail_id);
     m.forward_of = src ? src->title : "";
@@ -298,8 +306,10 @@ void SimClient::SendMail(Doc& doc, bool now) {
 void SimClient::FinishSend(Hwnd doc, Hwnd status, const OutMail& mail) {
   std::vector<std::string> errors = Deliver(mail);
   sent_.push_back(mail);
-  if (docs_.count(doc)) CloseDoc(doc);
+  // Without "close mail after it has been sent" the window stays, sent.
+  if (docs_.count(doc) && Preference(kPrefClose) == 1) CloseDoc(doc);
   if (docs_.count(status)) tree_.Destroy(status);
+  if (Preference(kPrefConfirm) == 1) ShowNote("America Online", kMailSentNote);
   if (!errors.empty()) ShowErrors(errors);
 }
 
@@ -351,6 +361,17 @@ Hwnd SimClient::ShowBox(BoxKind kind, const std::string& text, Hwnd holds) {
   auto held = docs_.find(holds);
   if (held != docs_.end()) held->second.blocker = box;
   return box;
+}
+
+Hwnd SimClient::ShowNote(const std::string& caption, const std::string& text,
+                         Hwnd holds) {
+  Hwnd note = NewTopLevel(Kind::kBox, aol::kModalClass, caption);
+  docs_[note].box_for = holds;
+  Add(note, aol::kViewClass, text);
+  Add(note, aol::kButtonClass, "OK", kRoleButton);
+  auto held = docs_.find(holds);
+  if (held != docs_.end()) held->second.blocker = note;
+  return note;
 }
 
 void SimClient::PressBoxButton(Hwnd box) {

@@ -57,7 +57,9 @@ class SimMailTest : public ::testing::Test {
       bool combo = api_.FindWindowExA(w, 0, "_AOL_Combobox", nullptr) != 0;
       bool font = api_.FindWindowExA(w, 0, "_AOL_Fontcombo", nullptr) != 0;
       bool stat = api_.FindWindowExA(w, 0, "_AOL_Static", nullptr) != 0;
-      if (compose && rich && combo && font && stat) return w;
+      // The room has its style boxes too; its people list tells it apart.
+      bool room = api_.FindWindowExA(w, 0, "_AOL_Listbox", nullptr) != 0;
+      if (compose && rich && combo && font && stat && !room) return w;
       if (!compose && rich &&
           !api_.FindWindowExA(w, rich, "RICHCNTL", nullptr) && !combo && !font)
         return w;

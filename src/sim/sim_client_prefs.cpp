@@ -1,7 +1,7 @@
 // The client's preferences: the "Preferences" window (keyword
 // Preferences) and its pages, modal dialogs of check boxes. The boxes are
-// remembered between openings; the client's behaviour does not yet
-// depend on them.
+// remembered between openings; the mail page's confirm, close and spell
+// check boxes change how mail is sent (sim_client_mail.cpp).
 #include "ports/client_windows.h"
 #include "sim/sim_client.h"
 
@@ -14,12 +14,12 @@ struct Default {
   int checked;
 };
 const std::vector<Default> kMailPreferences = {
-    {"Confirm mail after it has been sent", 1},
-    {"Close mail after it has been sent", 1},
+    {kPrefConfirm, 1},
+    {kPrefClose, 1},
     {"Retain all mail I send in my Personal Filing Cabinet", 0},
     {"Retain all mail I read in my Personal Filing Cabinet", 0},
     {"Show addresses as hyperlinks", 1},
-    {"Perform a spell check before sending mail", 0},
+    {kPrefSpellCheck, 0},
 };
 const std::vector<Default> kGeneralPreferences = {
     {"Show AOL Channels at sign on", 1},
@@ -36,6 +36,13 @@ int SimClient::Preference(const std::string& label) const {
     for (const Default& d : *list)
       if (label == d.label) return d.checked;
   return -1;
+}
+
+std::vector<std::pair<std::string, int>> SimClient::MailPreferences() const {
+  std::vector<std::pair<std::string, int>> out;
+  for (const Default& d : kMailPreferences)
+    out.emplace_back(d.label, Preference(d.label));
+  return out;
 }
 
 void SimClient::OpenPreferences() {

@@ -168,7 +168,7 @@ void SimClient::RunKeyword(const std::string& address) {
       if (room_ && ScreenNameKey(current_room_) == ScreenNameKey(room)) {
         tree_.BringToTop(room_);
       } else if (!world_.TryEnterRoom(room)) {
-        ShowBox(BoxKind::kRoomFull, kRoomFullText);
+        ShowBox(BoxKind::kRoomFull, kRoomFullText, frame_);
         FreePlaceLater(room);
       } else {
         EnterRoom(room);

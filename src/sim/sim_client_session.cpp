@@ -100,6 +100,9 @@ void SimClient::BeginSignOn() {
     Add(modal, aol::kStaticClass, kSignOnSteps[0]);
     AddIcons(modal, {"Cancel"});
     docs_[modal].step = 1;
+    // The modal holds the "Sign On" window, in progress as with its
+    // error, until it goes.
+    if (Doc* sign_on = FindDoc(Kind::kSignOn)) sign_on->blocker = modal;
     Later(knobs_.signon_step, [this, modal] { SignOnStep(modal); });
   });
 }

@@ -39,9 +39,11 @@ TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
   EXPECT_EQ(api_.GetWindowTextA(welcome, 10), "Welcome, ");  // cut to 9
   EXPECT_EQ(rig_.Text(api_.FindWindowExA(top, 0, "_AOL_Static", nullptr)),
             "Lobby 12");
-  // The room holds no style combos, so it is never taken for a mail
-  // being written.
-  EXPECT_EQ(api_.FindWindowExA(top, 0, "_AOL_Combobox", nullptr), 0u);
+  // The room holds its style and font boxes, as a mail being written does:
+  // only its people list tells it apart.
+  EXPECT_NE(api_.FindWindowExA(top, 0, "_AOL_Combobox", nullptr), 0u);
+  EXPECT_NE(api_.FindWindowExA(top, 0, "_AOL_FontCombo", nullptr), 0u);
+  EXPECT_NE(api_.FindWindowExA(top, 0, "_AOL_Listbox", nullptr), 0u);
   EXPECT_EQ(api_.GetClassNameA(top, 4), "AOL");
 }
 

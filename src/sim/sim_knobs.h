@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "ports/window_api.h"
 
@@ -34,8 +37,9 @@ struct SimKnobs {
   // Seconds after a refused entry into a room at capacity until one of
   // its people leaves, so that a place frees up; 0: nobody leaves.
   double full_room_leave_time = 0;
-  // The chat room also carries the style combo and font combo.
-  bool room_style_controls = false;
+  // The chat room carries its style combo and font combo, as the real
+  // client's does; off, a plainer room.
+  bool room_style_controls = true;
   // Sent mails the online mailbox lists per `latency` as it fills.
   int sent_fill_step = 25;
   // What GetVersionExA reports.
@@ -44,5 +48,15 @@ struct SimKnobs {
   int screen_width = 1024;
   int screen_height = 768;
 };
+
+// Sets the knob called `name` (the member's name above: "latency",
+// "lost_click_chance", "room_style_controls", ...) from its text: seconds
+// and chances as decimals, counts as whole numbers, switches as 0/1 or
+// false/true. Returns what is wrong with the name or the value, "" when it
+// was set. With `knobs` null it only checks.
+std::string SetKnob(SimKnobs* knobs, std::string_view name,
+                    std::string_view value);
+// The knobs' names, in the order above.
+std::vector<std::string> KnobNames();
 
 }  // namespace quorvex

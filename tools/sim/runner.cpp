@@ -12,6 +12,7 @@
 #include "app/quorvex_app.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
+#include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
@@ -196,6 +197,11 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
   state["registry"] = reg;
   state["files"] = files;
   state["mailboxes"] = mailboxes;
+  // The client's mail preferences as saved: what the program set, or left.
+  ordered_json preferences = ordered_json::object();
+  for (const auto& [label, checked] : client.MailPreferences())
+    preferences[label] = checked;
+  state["preferences"] = preferences;
   return state;
 }
 
@@ -304,6 +310,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [room, tries] : sc.full_rooms)
     client.RefuseRoom(room, tries);
+  for (const auto& [name, value] : sc.knobs)
+    SetKnob(&client.knobs(), name, value);
   client.Launch();
   client.SetObserver(&observer);
 
@@ -346,8 +354,13 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     if (!std::exchange(first_app, false)) return;
     // The mailbox's titles stand in lstMails from the start, as if read,
     // so that requests can be made before the server is started; starting
-    // reads the mailbox again.
-    for (const std::string& m : sc.mails) frm.lstMails.Add(m);
+    // reads the mailbox again. As the start reads it: other servers' list
+    // mails left out, and each title's place in the mailbox kept.
+    for (std::size_t i = 0; i < sc.mails.size(); ++i) {
+      if (IsForeignListTitle(sc.mails[i])) continue;
+      frm.lstMails.Add(sc.mails[i]);
+      frm.mail_positions.push_back(static_cast<int>(i));
+    }
     frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "sim/sim_knobs.h"
+
 namespace quorvex::sim {
 
 namespace {
@@ -267,12 +269,20 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
       sc.full_rooms.emplace_back(
           room, static_cast<int>(p.Whole(line.substr(blank + 1),
                                          "a number of tries", 1, 1000000)));
+    } else if (verb == "knob") {
+      std::string name = TakeWord(rest);
+      std::string value = TakeWord(rest);
+      if (name.empty() || value.empty()) p.Fail("expected 'knob NAME VALUE'");
+      if (const std::string wrong = SetKnob(nullptr, name, value);
+          !wrong.empty())
+        p.Fail(wrong);
+      sc.knobs.emplace_back(name, value);
     } else {
       p.Fail("unknown directive '" + verb + "'");
     }
     if (verb == "seed" || verb == "dead-mail" || verb == "latency" ||
         verb == "clock" || verb == "signed-off" || verb == "signon-fails" ||
-        verb == "fault") {
+        verb == "fault" || verb == "knob") {
       if (!TrimBlanks(rest).empty())
         p.Fail("unexpected text after '" + verb + "'");
     }

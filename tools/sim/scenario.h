@@ -59,6 +59,8 @@ struct Scenario {
   double profile_write_faults = 0;
   double disk_full_faults = 0;
   double vanish_faults = 0;
+  // The simulated client's knobs (name, value), set after everything else.
+  std::vector<std::pair<std::string, std::string>> knobs;
   std::vector<TimedLine> timeline;
   double run_until = 0;
 };

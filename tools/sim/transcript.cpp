@@ -48,6 +48,9 @@ std::string Transcript::TextLine(const std::string& ev,
     return "[mail " + Str(f, "send") + "] from " + Str(f, "from") + " to " +
            Str(f, "to") + ": " + Str(f, "subject");
   if (ev == "im") return "[im] to " + Str(f, "to") + ": " + Str(f, "text");
+  if (ev == "prompt" && Str(f, "kind") == "message")
+    return "[message] " + Str(f, "title") + " / " + Str(f, "prompt");
+  if (ev == "window") return "[" + Str(f, "name") + "] " + Str(f, "what");
   if (ev == "prompt")
     return "[" + Str(f, "kind") + " box] " + Str(f, "title") + " / " +
            Str(f, "prompt") + " -> " + JsonDump(f.value("answer", ""));

@@ -1,0 +1,33 @@
+// One order of the ReplyQueue: sn + "-" + kind ("thankyou", "status",
+// "pending", "duplication", "mailbox"), or "send-" + a text to be said as
+// it stands. The request handling, the serve-and-chat window and the
+// serving loop's reply phase build and read orders through this type.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quorvex {
+
+struct ReplyOrder {
+  std::string sn;    // "send" for a text to say
+  std::string kind;  // the kind, or the text to say
+
+  static constexpr std::string_view kSend = "send";
+
+  static std::string Make(std::string_view sn, std::string_view kind) {
+    return std::string(sn) + "-" + std::string(kind);
+  }
+  static std::string Say(std::string_view text) { return Make(kSend, text); }
+
+  // Split at the first "-"; false for an entry without one.
+  static bool Read(std::string_view entry, ReplyOrder* order) {
+    const auto dash = entry.find('-');
+    if (dash == std::string_view::npos) return false;
+    order->sn = std::string(entry.substr(0, dash));
+    order->kind = std::string(entry.substr(dash + 1));
+    return true;
+  }
+};
+
+}  // namespace quorvex

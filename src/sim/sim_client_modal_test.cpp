@@ -1,0 +1,124 @@
+// The client's modal boxes hold their owners until dismissed, and the mail
+// preferences change how mail is sent.
+#include <gtest/gtest.h>
+
+#include "testing/sim_rig.h"
+
+namespace quorvex {
+namespace {
+
+class SimModalTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    api_.SetUserName("Host");
+    api_.SetRoomName("Lobby");
+    api_.AddPerson("Ann");
+  }
+  void PressSpace(Hwnd button) {
+    api_.SendMessageA(button, win::kWmKeyDown, win::kVkSpace, 0);
+    api_.SendMessageA(button, win::kWmKeyUp, win::kVkSpace, 0);
+  }
+  // A new "Write Mail" window addressed to Ann.
+  Hwnd WriteToAnn() {
+    rig_.Click(rig_.ToolbarIcon(2));
+    rig_.Run(1);
+    const Hwnd write = rig_.Doc("Write Mail");
+    rig_.SetText(rig_.Nth(write, "_AOL_Edit", 1), "Ann");
+    return write;
+  }
+
+  SimRig rig_;
+  SimClient& api_ = rig_.client;
+};
+
+TEST_F(SimModalTest, SignOnErrorHoldsTheSignOnWindowUntilDismissed) {
+  api_.knobs().signon_failures = 1;
+  api_.SetSignedOffAtStart();
+  api_.Launch();
+  const Hwnd sign_on_button = rig_.Nth(rig_.Doc("Sign On"), "_AOL_Icon", 2);
+  rig_.Click(sign_on_button);
+  rig_.Run(10);
+  const Hwnd error = api_.FindWindowA("_AOL_Modal", nullptr);
+  ASSERT_NE(error, 0u);
+  EXPECT_NE(rig_.Text(rig_.Nth(error, "_AOL_Static", 1)).find("failed"),
+            std::string::npos);
+
+  // Clicked again with the error standing, Sign On does nothing.
+  rig_.Click(sign_on_button);
+  rig_.Run(10);
+  EXPECT_FALSE(api_.signed_on());
+  EXPECT_TRUE(api_.IsWindow(error));
+
+  rig_.Click(rig_.Nth(error, "_AOL_Icon", 1));
+  EXPECT_FALSE(api_.IsWindow(error));
+  rig_.Click(sign_on_button);
+  rig_.Run(10);
+  EXPECT_TRUE(api_.signed_on());
+}
+
+TEST_F(SimModalTest, FullRoomBoxHoldsTheKeywordBoxAndTheToolBar) {
+  api_.Launch();
+  api_.RefuseRoom("Private", 1);
+  rig_.Keyword("aol://2719:2-2-Private");
+  rig_.Run(1);
+  const Hwnd box = api_.FindWindowA("#32770", "America Online");
+  ASSERT_NE(box, 0u);
+
+  // The next try would get in, but the box lets nothing through.
+  rig_.Keyword("aol://2719:2-2-Private");
+  rig_.Click(rig_.ToolbarIcon(2));
+  rig_.Run(1);
+  EXPECT_EQ(api_.current_room(), "Lobby");
+  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+
+  api_.SendMessageA(box, win::kWmClose, 0, 0);
+  rig_.Keyword("aol://2719:2-2-Private");
+  rig_.Run(1);
+  EXPECT_EQ(api_.current_room(), "Private");
+}
+
+TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
+  api_.Launch();
+  // As the client comes: confirm and close on, no spell check.
+  Hwnd write = WriteToAnn();
+  rig_.Click(rig_.Nth(write, "_AOL_Icon", 16));
+  rig_.Run(1);
+  EXPECT_FALSE(api_.IsWindow(write));
+  const Hwnd sent_note = api_.FindWindowA("_AOL_Modal", "America Online");
+  ASSERT_NE(sent_note, 0u);
+  EXPECT_EQ(rig_.Text(rig_.Nth(sent_note, "_AOL_View", 1)), kMailSentNote);
+  PressSpace(rig_.Nth(sent_note, "_AOL_Button", 1));
+  EXPECT_FALSE(api_.IsWindow(sent_note));
+  ASSERT_EQ(rig_.events.mails.size(), 1u);
+
+  api_.SetPreference(kPrefConfirm, 0);
+  api_.SetPreference(kPrefClose, 0);
+  api_.SetPreference(kPrefSpellCheck, 1);
+  write = WriteToAnn();
+  const Hwnd send_now = rig_.Nth(write, "_AOL_Icon", 16);
+  rig_.Click(send_now);
+  rig_.Run(1);
+  // The spelling is checked first, and the check holds the mail.
+  const Hwnd spell = api_.FindWindowA("_AOL_Modal", "Spell Check");
+  ASSERT_NE(spell, 0u);
+  rig_.Click(send_now);
+  rig_.Run(1);
+  EXPECT_EQ(rig_.events.mails.size(), 1u);
+  PressSpace(rig_.Nth(spell, "_AOL_Button", 1));
+  rig_.Click(send_now);
+  rig_.Run(1);
+  EXPECT_EQ(rig_.events.mails.size(), 2u);
+  EXPECT_EQ(api_.Mailboxes().at("Ann").size(), 2u);
+  // Sent, the window stays open, and no note says so.
+  EXPECT_TRUE(api_.IsWindow(write));
+  EXPECT_EQ(api_.FindWindowA("_AOL_Modal", nullptr), 0u);
+
+  const auto prefs = api_.MailPreferences();
+  ASSERT_EQ(prefs.size(), 6u);
+  EXPECT_EQ(prefs[0], std::make_pair(std::string(kPrefConfirm), 0));
+  EXPECT_EQ(prefs[1], std::make_pair(std::string(kPrefClose), 0));
+  EXPECT_EQ(prefs[5], std::make_pair(std::string(kPrefSpellCheck), 1));
+}
+
+}  // namespace
+}  // namespace quorvex
