@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "sim/demo.h"
+#include "sim/interrupt.h"
 #include "sim/runner.h"
 #include "sim/scenario.h"
 
@@ -53,6 +54,7 @@ int main(int argc, char** argv) {
   }
   options.root = root;
   options.realtime = realtime;
+  InstallInterruptHandlers();
   try {
     if (!out_path.empty()) {
       std::ofstream out(out_path, std::ios::binary);
@@ -64,6 +66,9 @@ int main(int argc, char** argv) {
     } else {
       RunScenario(scenario, options, std::cout);
     }
+  } catch (const RunInterrupted& e) {
+    // The run has unwound: its temporary folder is gone.
+    EndBySignal(e.signal);
   } catch (const std::exception& e) {
     std::cerr << "quorvex-sim: " << e.what() << "\n";
     return 1;
