@@ -27,5 +27,31 @@ function(qv_folder_tests folder)
   set(exe qv_${folder}_test)
   add_executable(${exe} ${tests})
   target_link_libraries(${exe} PRIVATE qv_${folder} ${ARGN} GTest::gtest_main GTest::gmock)
-  gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 60)
+  qv_discover_tests(${exe})
+endfunction()
+
+# qv_discover_tests(EXE): registers a GoogleTest program's tests. Under
+# Wine they share one wineserver, kept up for the whole run by the "wine"
+# fixture (see qv_wine_fixture).
+function(qv_discover_tests exe)
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 60
+      PROPERTIES FIXTURES_REQUIRED wine)
+  else()
+    gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 60)
+  endif()
+endfunction()
+
+# Under Wine: start the test prefix's wineserver before the first test and
+# stop it after the last, so that no server outlives the run.
+function(qv_wine_fixture)
+  if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
+    return()
+  endif()
+  add_test(NAME wine.start
+    COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh start)
+  add_test(NAME wine.stop
+    COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh stop)
+  set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
+  set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
 endfunction()

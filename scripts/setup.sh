@@ -5,6 +5,8 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           nlohmann-json3-dev libcli11-dev clang-format
+          # the fuzz targets: clang with libFuzzer and the sanitizers
+          clang libclang-rt-14-dev
           # the Windows build and Wine to run it headless
           g++-mingw-w64-x86-64-posix wine wine64)
 

@@ -1,16 +1,23 @@
 #!/usr/bin/env bash
-# Builds and runs every test, in the default preset and under
-# AddressSanitizer + UndefinedBehaviorSanitizer. Pass preset names to run
+# Builds and runs every test (unit, scenario, kill test, short soak, a brief
+# run of each fuzz target): the default preset, AddressSanitizer +
+# UndefinedBehaviorSanitizer, and the Windows build under Wine (the desktop
+# program's tests included). Pass preset names to run
 # only some of them: scripts/test.sh default
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
 presets=("$@")
-((${#presets[@]})) || presets=(default asan)
+((${#presets[@]})) || presets=(default asan windows)
 for preset in "${presets[@]}"; do
   echo "=== preset $preset"
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset" -j2
   ctest --preset "$preset"
 done
+# Each fuzz target briefly (about 20 s in all); the kill test and a short
+# soak run in ctest above. Longer runs: scripts/fuzz.sh all 600,
+# scripts/kill-test.sh 3000, scripts/soak.sh 1000.
+echo "=== fuzz (brief)"
+scripts/fuzz.sh all 4

@@ -3,12 +3,13 @@
 #   NAME.expect  what the transcript must hold (see tools/expect_main.cpp)
 #   NAME.exit    optional: the expected exit status and a text stderr must
 #                contain ("2 FILE:LINE: ..."), for scenarios that must be refused
+# EMULATOR, when set, runs the programs (Wine for the Windows build).
 get_filename_component(name ${SCENARIO} NAME_WE)
 get_filename_component(dir ${SCENARIO} DIRECTORY)
 file(MAKE_DIRECTORY ${WORK})
 set(out ${WORK}/${name}.jsonl)
 file(REMOVE ${out})
-execute_process(COMMAND ${SIM} ${SCENARIO} --out ${out}
+execute_process(COMMAND ${EMULATOR} ${SIM} ${SCENARIO} --out ${out}
   RESULT_VARIABLE rc ERROR_VARIABLE err WORKING_DIRECTORY ${dir})
 if(EXISTS ${dir}/${name}.exit)
   file(READ ${dir}/${name}.exit want)
@@ -27,7 +28,7 @@ endif()
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "${name}: quorvex-sim exited with ${rc}\n${err}")
 endif()
-execute_process(COMMAND ${EXPECT} ${out} ${dir}/${name}.expect
+execute_process(COMMAND ${EMULATOR} ${EXPECT} ${out} ${dir}/${name}.expect
   RESULT_VARIABLE rc2 OUTPUT_VARIABLE o ERROR_VARIABLE e)
 if(NOT rc2 EQUAL 0)
   message(FATAL_ERROR "${name}: ${e}${o}")

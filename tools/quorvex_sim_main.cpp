@@ -5,12 +5,16 @@
 #include <iostream>
 
 #include "sim/demo.h"
+#include "sim/interrupt.h"
 #include "sim/runner.h"
 #include "sim/scenario.h"
 
 int main(int argc, char** argv) {
   using namespace quorvex::sim;
   CLI::App cli{"Runs the Quorvex mail server on a simulated chat client"};
+  // Options are spelled the same everywhere: on Windows a path such as
+  // /work/x.scn must stay a path, not become an option.
+  cli.allow_windows_style_options(false);
   std::string scenario_path, out_path, format = "jsonl", root;
   bool realtime = false, demo = false;
   auto* scenario_option =
@@ -50,6 +54,7 @@ int main(int argc, char** argv) {
   }
   options.root = root;
   options.realtime = realtime;
+  InstallInterruptHandlers();
   try {
     if (!out_path.empty()) {
       std::ofstream out(out_path, std::ios::binary);
@@ -61,6 +66,9 @@ int main(int argc, char** argv) {
     } else {
       RunScenario(scenario, options, std::cout);
     }
+  } catch (const RunInterrupted& e) {
+    // The run has unwound: its temporary folder is gone.
+    EndBySignal(e.signal);
   } catch (const std::exception& e) {
     std::cerr << "quorvex-sim: " << e.what() << "\n";
     return 1;

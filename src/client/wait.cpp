@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "model/text_util.h"
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 
@@ -12,7 +13,8 @@ constexpr double kPollSeconds = 0.01;
 }  // namespace
 
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how) {
+                  const WaitOptions& how, WaitPlace where) {
+  const WaitTrace trace(how.name, where.function, where.file, where.line);
   const double began = host.Clock();
   const bool repeats = how.repeat && (how.every > 0 || how.pace > 0);
   double last_repeat = began;
@@ -48,17 +50,20 @@ double ClockToWholeSecond(const Host& host) {
   return RoundHalfEven(std::floor(host.Clock() * 1000.0 + 1e-6) / 1000.0);
 }
 
-void Pause(Host& host, double seconds) {
+void Pause(Host& host, double seconds, WaitPlace where) {
   if (seconds <= 0) return;  // no pause, whatever the clock's fraction
   // Clock() keeps growing past midnight where the day clock starts again
   // at 0, so a pause across midnight lasts as long as any other.
   const double start = ClockToWholeSecond(host);
   const double end = start + seconds;
   // Half a microsecond of slack: the host's clock counts whole microseconds.
-  WaitUntil(host, [&] { return host.Clock() - start + 5e-7 >= seconds; },
-            {.wake_by = end});
+  WaitUntil(
+      host, [&] { return host.Clock() - start + 5e-7 >= seconds; },
+      {.wake_by = end, .name = "pause"}, where);
 }
 
-void PauseSeconds(Host& host, float seconds) { Pause(host, seconds); }
+void PauseSeconds(Host& host, float seconds, WaitPlace where) {
+  Pause(host, seconds, where);
+}
 
 }  // namespace quorvex

@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "ports/host.h"
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 
@@ -34,6 +35,9 @@ struct WaitOptions {
   double pace_max = 0;
   // Ends the wait this many seconds after it began; 0: no limit.
   double within = 0;
+  // What the wait is for, as a watchdog reports a run stuck in it; without
+  // a name the place of the call says which wait it is.
+  const char* name = nullptr;
 };
 
 enum class WaitEnd { kMet, kGaveUp, kOutOfRounds, kOutOfTime };
@@ -48,9 +52,10 @@ inline constexpr double kAskAgainMaxSeconds = 40;
 
 // Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
 // yield (DoEvents); pause; repeat action. There is no time limit of its
-// own: a virtual host ends a run by throwing out of DoEvents.
+// own: a virtual host ends a run by throwing out of DoEvents (at its end,
+// or when its watchdog finds the run stuck; `where` names the wait then).
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
-                  const WaitOptions& how = {});
+                  const WaitOptions& how = {}, WaitPlace where = {});
 
 // The clock (Host::Clock) at whole milliseconds, rounded half-to-even to a
 // whole second, as the old runtime stored its timer in a whole number.
@@ -62,7 +67,8 @@ void DoEvents(Host& host, int times);
 // Waits `seconds` from the clock rounded to a whole second: the rounding is
 // deliberate, a pause may end up to half a second early or late. A pause
 // of 0 (or less) returns at once.
-void Pause(Host& host, double seconds);
-void PauseSeconds(Host& host, float seconds);
+// `where` is the caller, named when a watchdog stops a run in the pause.
+void Pause(Host& host, double seconds, WaitPlace where = {});
+void PauseSeconds(Host& host, float seconds, WaitPlace where = {});
 
 }  // namespace quorvex

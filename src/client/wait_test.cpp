@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "ports/virtual_host.h"
@@ -74,6 +76,27 @@ TEST(WaitUntilTest, RoundsRepeatsAndGivingUp) {
   EXPECT_EQ(WaitUntil(host, [] { return false; },
                       {.give_up = [&] { return ++rounds == 4; }}),
             WaitEnd::kGaveUp);
+}
+
+TEST(WaitUntilTest, AStuckWaitIsNamedByTheWatchdog) {
+  VirtualHost host;
+  host.SetWatchdog({.turns_without_time = 1000, .turns_per_second = 0});
+  std::function<void()> again = [&] { host.Schedule(0, again); };
+  host.Schedule(0, again);
+  for (const char* name :
+       {"forward window", static_cast<const char*>(nullptr)}) {
+    try {
+      WaitUntil(host, [] { return false; }, {.name = name});
+      FAIL() << "the wait never ended";
+    } catch (const NoProgress& e) {
+      const std::string what = e.what();
+      // Named by its name, or else by where it was called from.
+      EXPECT_NE(what.find(name ? "in forward window (" : "in a wait ("),
+                std::string::npos)
+          << what;
+      EXPECT_NE(what.find("wait_test.cpp:"), std::string::npos) << what;
+    }
+  }
 }
 
 TEST(WaitUntilTest, RepeatsAtAPaceThatSlowsDownAndEndsInTime) {

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 
@@ -192,11 +196,36 @@ void VirtualHost::AdvanceTo(std::int64_t t) {
   }
   double from = now_us_ / 1e6;
   now_us_ = t;
+  turns_at_time_ = 0;
   if (pacer_) pacer_(from, now_us_ / 1e6);
+}
+
+void VirtualHost::Turn() {
+  ++turns_;
+  ++turns_at_time_;
+  if (now_us_ / 1000000 != second_) {
+    second_ = now_us_ / 1000000;
+    turns_in_second_ = 0;
+  }
+  ++turns_in_second_;
+  char at[32];
+  std::snprintf(at, sizeof at, "%.6f", now_us_ / 1e6);
+  if (watchdog_.turns_without_time > 0 &&
+      turns_at_time_ > watchdog_.turns_without_time)
+    throw NoProgress("no progress: virtual time stuck at " + std::string(at) +
+                     " s for " + std::to_string(turns_at_time_ - 1) +
+                     " turns of the message loop, in " + WaitTrace::Describe());
+  if (watchdog_.turns_per_second > 0 &&
+      turns_in_second_ > watchdog_.turns_per_second)
+    throw NoProgress("runaway loop: " + std::to_string(turns_in_second_ - 1) +
+                     " turns of the message loop within virtual second " +
+                     std::to_string(second_) + " (at " + at + " s), in " +
+                     WaitTrace::Describe());
 }
 
 void VirtualHost::DoEvents(double wake_by) {
   if (now_us_ >= end_us_) throw RunEnded();
+  Turn();
   if (RunDue()) return;
   // A plain yield costs a moment; a wait (wake_by given) lets time run on
   // to the next thing that is due, but not past wake_by.
@@ -213,6 +242,7 @@ void VirtualHost::DoEvents(double wake_by) {
 void VirtualHost::RunUntil(double end_seconds) {
   std::int64_t end = Micros(end_seconds);
   while (true) {
+    Turn();
     RunDue();
     std::int64_t next = NextDue();
     // Nothing left before `end`: time goes to `end` (throwing RunEnded

@@ -20,6 +20,23 @@ struct RunEnded : std::runtime_error {
   RunEnded() : std::runtime_error("virtual run ended") {}
 };
 
+// Thrown out of DoEvents (or RunUntil) when the watchdog finds the run
+// stuck: virtual time no longer moves, or the loop turns far more often per
+// virtual second than any working program does. The message names the
+// waits the program is in.
+struct NoProgress : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// The watchdog's limits, in turns of the message loop (a DoEvents, or a
+// round of RunUntil); 0 switches a limit off. A working program yields at
+// most some ten thousand times a virtual second (a plain yield costs 0.1
+// ms), and time moves on every yield that finds nothing due.
+struct WatchdogLimits {
+  std::int64_t turns_without_time = 1'000'000;
+  std::int64_t turns_per_second = 2'000'000;
+};
+
 class VirtualHost : public Host {
  public:
   // `start` is the clock at virtual time 0.
@@ -55,6 +72,11 @@ class VirtualHost : public Host {
   // left to do; throws RunEnded when the end set with SetEnd comes first.
   void RunUntil(double end_seconds);
 
+  // On by default, with the limits above.
+  void SetWatchdog(WatchdogLimits limits) { watchdog_ = limits; }
+  // Turns of the message loop so far (a run's work, for figures).
+  std::int64_t turns() const { return turns_; }
+
  private:
   class TimerImpl;
   friend class TimerImpl;
@@ -69,6 +91,8 @@ class VirtualHost : public Host {
   // Runs everything due now that was queued before the call; true if any.
   bool RunDue();
   void AdvanceTo(std::int64_t t);
+  // Counts a turn of the loop; throws NoProgress past the limits.
+  void Turn();
 
   std::int64_t
       start_of_day_us_;  // clock at time 0, microseconds since midnight
@@ -81,6 +105,11 @@ class VirtualHost : public Host {
       queue_;
   std::vector<TimerImpl*> timers_;
   std::function<void(double, double)> pacer_;
+  WatchdogLimits watchdog_;
+  std::int64_t turns_ = 0;
+  std::int64_t turns_at_time_ = 0;    // turns since the clock last moved
+  std::int64_t second_ = 0;           // the virtual second being counted
+  std::int64_t turns_in_second_ = 0;  // turns within it
 };
 
 // Days since 1970-01-01 for a civil date, and back.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ports/scripted_prompter.h"
+#include "ports/wait_trace.h"
 
 namespace quorvex {
 namespace {
@@ -136,6 +137,49 @@ TEST(VirtualHostTest, CalendarAndTimerAcrossMidnightAndMonthEnds) {
   host.RunUntil(1.0004);
   EXPECT_DOUBLE_EQ(host.Timer(), 0.5);
   EXPECT_DOUBLE_EQ(host.Clock(), 86400.5004);
+}
+
+TEST(WatchdogTest, StopsARunWhoseTimeStandsStillNamingTheWait) {
+  VirtualHost host;
+  host.SetWatchdog({.turns_without_time = 100, .turns_per_second = 0});
+  // Something that posts itself again at once: every yield runs it and
+  // time never moves.
+  std::function<void()> again = [&] { host.Schedule(0, again); };
+  host.Schedule(0, again);
+  const WaitTrace outer("mail window", "OpenMail", "src/mailbox.cpp", 12);
+  const WaitTrace inner(nullptr, "Pause", "/x/wait.cpp", 40);
+  for (int i = 0; i < 100; ++i) host.DoEvents();  // the limit itself is fine
+  try {
+    host.DoEvents();
+    FAIL() << "the stuck run went on";
+  } catch (const NoProgress& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "no progress: virtual time stuck at 0.000000 s for 100 turns of "
+              "the message loop, in a wait (Pause, wait.cpp:40) inside mail "
+              "window (OpenMail, mailbox.cpp:12)");
+  }
+}
+
+TEST(WatchdogTest, StopsALoopThatTurnsTooOftenPerVirtualSecond) {
+  VirtualHost host;
+  host.SetYieldStep(0.001);
+  host.SetWatchdog({.turns_without_time = 0, .turns_per_second = 1000});
+  EXPECT_EQ(WaitTrace::Describe(), "no wait");
+  // 1000 plain yields of 1 ms fill second 0 exactly; the next is second
+  // 1's first.
+  for (int i = 0; i < 1999; ++i) host.DoEvents();
+  EXPECT_EQ(host.ElapsedMicros(), 1999000);
+  // Second 1 has had 1000 turns; a cheaper yield makes the next one too
+  // many in the same second.
+  host.SetYieldStep(0.0000001);
+  host.DoEvents();
+  EXPECT_THROW(host.DoEvents(), NoProgress);
+  // A self-posting item inside RunUntil is caught the same way.
+  VirtualHost other;
+  other.SetWatchdog({.turns_without_time = 50, .turns_per_second = 0});
+  std::function<void()> again = [&] { other.Schedule(0, again); };
+  other.Schedule(0, again);
+  EXPECT_THROW(other.RunUntil(1), NoProgress);
 }
 
 TEST(ScriptedPrompterTest, AnswersInOrderAndReportsEveryBox) {

@@ -58,13 +58,16 @@ WindowsPath ParseWindowsPath(std::string_view path, const WindowsPath* base) {
 
 // The entry of `dir` named `name` ignoring case: the exact spelling when it
 // exists, else the first such name in byte order; "" when there is none.
+// The folder is listed even when the name as given exists: on a file
+// system that ignores case itself (Windows), that test says nothing about
+// the spelling on disk.
 std::string FindIgnoringCase(const fs::path& dir, const std::string& name) {
   std::error_code ec;
-  if (fs::exists(fs::symlink_status(dir / name, ec))) return name;
   std::string found;
   for (auto it = fs::directory_iterator(dir, ec);
        !ec && it != fs::directory_iterator(); it.increment(ec)) {
     std::string entry = it->path().filename().string();
+    if (entry == name) return entry;
     if (EqualsIgnoreCase(entry, name) && (found.empty() || entry < found))
       found = std::move(entry);
   }

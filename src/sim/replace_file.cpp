@@ -1,9 +1,102 @@
 #include "sim/replace_file.h"
 
-#include <fstream>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <system_error>
+#include <thread>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 namespace quorvex {
+namespace {
+
+std::string Reason() { return std::strerror(errno); }
+
+#ifdef _WIN32
+int OpenForWrite(const std::filesystem::path& p) {
+  return _wopen(p.c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY,
+                _S_IREAD | _S_IWRITE);
+}
+int WriteSome(int fd, const char* data, std::size_t size) {
+  unsigned chunk = size > (1u << 30) ? (1u << 30) : static_cast<unsigned>(size);
+  return _write(fd, data, chunk);
+}
+int FlushToDisk(int fd) { return _commit(fd); }
+int CloseFile(int fd) { return _close(fd); }
+// The folder's entry cannot be flushed on its own there: MoveFileEx writes
+// it through when the rename is done.
+bool FlushFolder(const std::filesystem::path&, std::string*) { return true; }
+#else
+int OpenForWrite(const std::filesystem::path& p) {
+  return ::open(p.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+}
+ssize_t WriteSome(int fd, const char* data, std::size_t size) {
+  return ::write(fd, data, size);
+}
+int FlushToDisk(int fd) { return ::fsync(fd); }
+int CloseFile(int fd) { return ::close(fd); }
+// The rename lives in the folder: until the folder is flushed, a power cut
+// may bring back the old name (or neither name on some file systems).
+bool FlushFolder(const std::filesystem::path& folder, std::string* error) {
+  const std::filesystem::path dir = folder.empty() ? "." : folder;
+  int fd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) {
+    *error = "cannot open folder " + dir.string() + ": " + Reason();
+    return false;
+  }
+  bool ok = ::fsync(fd) == 0 || errno == EINVAL;  // some file systems refuse
+  if (!ok) *error = "cannot flush folder " + dir.string() + ": " + Reason();
+  ::close(fd);
+  return ok;
+}
+#endif
+
+// Writes and flushes the whole of `contents` to a new file `tmp`.
+bool WriteDurably(const std::filesystem::path& tmp, std::string_view contents,
+                  std::string* error) {
+  int fd = OpenForWrite(tmp);
+  if (fd < 0) {
+    *error = "cannot create " + tmp.string() + ": " + Reason();
+    return false;
+  }
+  const char* p = contents.data();
+  std::size_t left = contents.size();
+  while (left > 0) {
+    auto n = WriteSome(fd, p, left);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) {
+      *error = "cannot write " + tmp.string() + ": " + Reason();
+      CloseFile(fd);
+      return false;
+    }
+    p += n;
+    left -= static_cast<std::size_t>(n);
+  }
+  if (FlushToDisk(fd) != 0) {
+    *error = "cannot flush " + tmp.string() + ": " + Reason();
+    CloseFile(fd);
+    return false;
+  }
+  if (CloseFile(fd) != 0) {
+    *error = "cannot close " + tmp.string() + ": " + Reason();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+namespace {
+constexpr int kRenameAttempts = 100;  // a second at most
+}  // namespace
 
 std::filesystem::path ReplacementPath(const std::filesystem::path& path) {
   std::filesystem::path tmp = path;
@@ -23,29 +116,27 @@ bool ReplaceFileContents(const std::filesystem::path& path,
       return false;
     }
   }
+  // Temporary file, flushed; renamed over the old one; the folder flushed.
+  // A crash at any point leaves the old file or the new one, whole.
   const fs::path tmp = ReplacementPath(path);
-  {
-    std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
-    if (!out) {
-      *error = "cannot create " + tmp.string();
-      return false;
-    }
-    out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-    out.close();
-    if (out.fail()) {
-      fs::remove(tmp, ec);
-      *error = "cannot write " + tmp.string();
-      return false;
-    }
+  if (!WriteDurably(tmp, contents, error)) {
+    fs::remove(tmp, ec);
+    return false;
   }
-  fs::rename(tmp, path, ec);
+  // On Windows a reader holding the file open makes the rename fail for a
+  // moment: try again briefly before giving up.
+  for (int attempt = 0; attempt < kRenameAttempts; ++attempt) {
+    fs::rename(tmp, path, ec);
+    if (!ec) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   if (ec) {
     *error = "cannot replace " + path.string() + ": " + ec.message();
     std::error_code ignored;
     fs::remove(tmp, ignored);
     return false;
   }
-  return true;
+  return FlushFolder(path.parent_path(), error);
 }
 
 }  // namespace quorvex

@@ -1,6 +1,6 @@
-// Writing a whole file so that a crash never leaves half of it: the
-// contents go to a temporary file in the same folder, which is then renamed
-// over the old one.
+// Writing a whole file so that a crash or a power cut never leaves half of
+// it: the contents go to a temporary file in the same folder, which is
+// flushed to disk, renamed over the old one, and the folder flushed in turn.
 #pragma once
 
 #include <filesystem>

@@ -733,7 +733,7 @@ void SimClient::BuildFrame() {
   ++starts_;
   pid_ = 0x5A4 + static_cast<std::uint32_t>(starts_) * 0x1C;
   memory_ =
-      SimMemory(0x00A3F000 + static_cast<std::uint32_t>(starts_) * 0x10000);
+      SimMemory(memory_base_ + static_cast<std::uint32_t>(starts_) * 0x10000);
   processes_.clear();
   menu_base_ = 0x0002A000 + static_cast<Hmenu>(starts_) * 0x10;
   frame_ = NewTopLevel(Kind::kFrame, aol::kFrameClass, "America Online");

@@ -86,6 +86,9 @@ class SimClient : public WindowApi {
   // The room is reported full for the next `times` tries.
   void RefuseRoom(std::string_view room, int times);
   SimKnobs& knobs() { return knobs_; }
+  // Where the client's heap (the people list's records) starts; each
+  // start of the client moves it on by 64 KB.
+  void SetMemoryBase(std::uint32_t base) { memory_base_ = base; }
   void SetObserver(SimObserver* observer) { observer_ = observer; }
   // Opens the client as set up, at once: running and, unless signed off
   // at start, signed on with the user in the room.
@@ -130,6 +133,8 @@ class SimClient : public WindowApi {
   // The "Mail Preferences" page's boxes as saved, in the page's order.
   std::vector<std::pair<std::string, int>> MailPreferences() const;
   Point WindowSize(Hwnd hwnd) const;
+  // The client's address space, where the people list's records lie.
+  const SimMemory& memory() const { return memory_; }
 
   // --- WindowApi ---
   Hwnd FindWindowA(const char* class_name, const char* caption) override;
@@ -354,6 +359,7 @@ class SimClient : public WindowApi {
   WindowTree tree_;
   std::map<Hwnd, Doc> docs_;
   SimMemory memory_;
+  std::uint32_t memory_base_ = 0x00A3F000;
   std::map<ProcessHandle, std::uint32_t> processes_;
   ProcessHandle next_process_handle_ = 0x1F4;
   std::uint32_t pid_ = 0;

@@ -27,6 +27,10 @@ class SimMemory {
   bool Read(std::uint32_t address, void* out, std::size_t size) const;
 
   int blocks() const { return static_cast<int>(blocks_.size()); }
+  // Every mapped block by its address (to lay them out in a real process).
+  const std::map<std::uint32_t, std::vector<std::uint8_t>>& mapped() const {
+    return blocks_;
+  }
 
  private:
   // The block holding [address, address + size), or end().

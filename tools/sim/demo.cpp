@@ -1,8 +1,11 @@
 #include "sim/demo.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace quorvex::sim {
 
@@ -89,6 +92,9 @@ run 360
 
 namespace {
 
+// The width of the summary's first column.
+constexpr std::size_t kWhatWidth = 15;
+
 bool Has(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
 }
@@ -137,20 +143,33 @@ std::string DemoSummary(const nlohmann::ordered_json& final_state,
   const size_t pending =
       lists_json.contains("lstPending") ? lists_json["lstPending"].size() : 0;
 
-  std::ostringstream out;
-  out << "--- quorvex demo summary ---\n"
-      << "mails forwarded:   " << forwards << " (to " << served.size()
-      << " people)\n"
-      << "lists sent:        " << lists << "\n"
-      << "finds sent:        " << finds << "\n"
-      << "replies mailed:    " << replies << "\n"
-      << "people warned:     " << warned + banned << "\n"
-      << "people banned:     " << banned_names << "\n"
-      << "still pending:     " << pending << "\n";
+  std::vector<std::pair<std::string, std::string>> rows = {
+      {"mails forwarded", std::to_string(forwards) + " (to " +
+                              std::to_string(served.size()) + " people)"},
+      {"lists sent", std::to_string(lists)},
+      {"finds sent", std::to_string(finds)},
+      {"replies mailed", std::to_string(replies)},
+      {"people warned", std::to_string(warned + banned)},
+      {"people banned", std::to_string(banned_names)},
+      {"still pending", std::to_string(pending)},
+  };
   if (labels.contains("lblSession"))
-    out << "counters:          " << labels["lblSession"].get<std::string>()
-        << ", " << labels.value("lblSent", "") << "\n";
-  out << "final status:      " << final_state.value("status", "") << "\n";
+    rows.push_back({"counters", labels["lblSession"].get<std::string>() + ", " +
+                                    labels.value("lblSent", "")});
+  rows.push_back({"final status", final_state.value("status", "")});
+
+  std::size_t wide = 0;
+  for (const auto& row : rows) wide = std::max(wide, row.second.size());
+  const std::string rule = "+" + std::string(kWhatWidth + 2, '-') + "+" +
+                           std::string(wide + 2, '-') + "+\n";
+  auto line = [&](const std::string& what, const std::string& value) {
+    return "| " + what + std::string(kWhatWidth - what.size(), ' ') + " | " +
+           value + std::string(wide - value.size(), ' ') + " |\n";
+  };
+  std::ostringstream out;
+  out << "\nWhat the server did in the demo room:\n" << rule;
+  for (const auto& [what, value] : rows) out << line(what, value);
+  out << rule;
   return out.str();
 }
 

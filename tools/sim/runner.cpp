@@ -20,9 +20,12 @@
 #include "ports/virtual_host.h"
 #include "server/machine_restart.h"
 #include "server/serve_engine.h"
+#include "sim/faulty_ports.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "sim/interrupt.h"
+#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
@@ -203,6 +206,9 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
   return state;
 }
 
+// Thrown from a timed "start" line to start the ended program again.
+struct UserStartsProgram {};
+
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
 void WriteProgramFile(const FolderMachine& machine) {
@@ -254,13 +260,16 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   Transcript transcript(
       out, options.format, [&host] { return host.Elapsed(); },
       [&host] { return host.Clock(); });
-  if (options.realtime) {
-    auto wall0 = std::chrono::steady_clock::now();
-    host.SetPacer([wall0](double, double to) {
+  // Whenever time moves: a signal ends the run here, and a real-time run
+  // waits for the wall clock.
+  const bool realtime = options.realtime;
+  const auto wall0 = std::chrono::steady_clock::now();
+  host.SetPacer([realtime, wall0](double, double to) {
+    ThrowIfInterrupted();
+    if (realtime)
       std::this_thread::sleep_until(
           wall0 + std::chrono::microseconds(static_cast<long long>(to * 1e6)));
-    });
-  }
+  });
 
   FileRegistry registry(root.path() / "registry.json");
   IniProfileFile profiles;
@@ -269,25 +278,28 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   SimWorld world;
   SimClient client(host, world, sc.seed);
   TranscriptObserver observer(transcript);
+  // The program's own doors to its files go through ports that fail when
+  // the scenario asks for faults; the set-up and the final state use the
+  // files themselves.
+  FaultDice dice(
+      {sc.registry_write_faults, sc.profile_write_faults, sc.disk_full_faults,
+       sc.vanish_faults},
+      sc.seed ^ 0x5eedfa17ULL,
+      [&transcript](const std::string& kind, const std::string& what) {
+        transcript.Write("fault", {{"kind", kind}, {"what", what}});
+      });
+  FaultyRegistry app_registry(registry, dice);
+  FaultyProfileFile app_profiles(profiles, dice);
+  FaultyMachine app_machine(machine, dice);
 
   // Set-up: stored values first, then the client as it stands at time 0.
-  for (const SetupValue& v : sc.registry)
-    registry.Save(kApp, v.section, v.key, v.value);
+  StageRegistry(sc, registry);
   for (const SetupValue& v : sc.ini)
     profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)),
                          v.section, v.key, v.value);
   InstallClient(machine, profiles, sc);
-  client.SetUserName(sc.user);
-  client.SetRoomName(sc.room);
-  for (const std::string& p : sc.people) client.AddPerson(p);
-  for (const std::string& m : sc.mails) client.AddMail(m);
-  for (const std::string& n : sc.full_mailboxes) client.SetFullMailbox(n);
-  for (int n : sc.dead_mails) client.SetDeadMail(n);
-  client.SetLatency(sc.latency_ms / 1000.0);
-  client.SetSignedOffAtStart(sc.signed_off);
-  client.knobs().signon_failures = sc.signon_failures;
-  for (const auto& [room, tries] : sc.full_rooms)
-    client.RefuseRoom(room, tries);
+  StageClient(sc, client);
+  client.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&client.knobs(), name, value);
   client.Launch();
@@ -354,9 +366,9 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     machine.SetAppPath(slash == std::string::npos ? "" : path.substr(0, slash));
     machine.SetExeName(name);
   };
-  QuorvexProgram program(
-      Ports{host, client, registry, profiles, prompter, machine, sc.seed},
-      {watch_app, machine_event, become});
+  QuorvexProgram program(Ports{host, client, app_registry, app_profiles,
+                               prompter, app_machine, sc.seed},
+                         {watch_app, machine_event, become});
 
   // The machine: the client's program starts the simulated client; any
   // other program is started by the boot loop below, once the program
@@ -398,14 +410,26 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
         program.app().Select(line.name, line.index);
       } else if (line.verb == "set") {
         program.app().Set(line.name, line.text);
+      } else if (line.verb == "start") {
+        // The user starts the program again once it has ended: the run
+        // unwinds to the loop below, which starts it on the same files.
+        if (program.app().ended()) throw UserStartsProgram{};
       }
     });
   }
 
   host.SetEnd(sc.run_until);
   try {
-    // Time 0 is the main window's load: the splash's second is not run.
-    program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+    // Time 0 is the main window's load: the splash's second is not run,
+    // nor when the user starts the program again.
+    for (bool again = true; again;) {
+      again = false;
+      try {
+        program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+      } catch (const UserStartsProgram&) {
+        again = true;
+      }
+    }
   } catch (const RunEnded&) {
     // The power went off: the state stands as it is.
   }

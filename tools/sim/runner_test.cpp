@@ -99,10 +99,13 @@ TEST(RunnerTest, DemoServesEveryKindOfRequest) {
 
   EXPECT_EQ(final_state["lists"]["lstBanned"], Json::array({"gina"}));
   const std::string summary = DemoSummary(final_state, sc.user);
-  EXPECT_NE(summary.find("lists sent:        6"), std::string::npos) << summary;
+  EXPECT_NE(summary.find("| lists sent      | 6 "), std::string::npos)
+      << summary;
   // cats, dog and bird (one request, two mails back to back) and guitar.
-  EXPECT_NE(summary.find("finds sent:        4"), std::string::npos) << summary;
-  EXPECT_NE(summary.find("people banned:     1"), std::string::npos) << summary;
+  EXPECT_NE(summary.find("| finds sent      | 4 "), std::string::npos)
+      << summary;
+  EXPECT_NE(summary.find("| people banned   | 1 "), std::string::npos)
+      << summary;
   EXPECT_EQ(
       final_state["mailboxes"]["alice"].back()["subject"],
       "\xC2\xB7\xE2\x80\xA2[ quorvex session served ]\xE2\x80\xA2\xC2\xB7");

@@ -155,8 +155,8 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
           p.Fail("unknown control to set: '" + t.name + "'");
       } else if (t.verb == "answer") {
         t.text = std::string(rest);
-      } else if (t.verb == "signoff") {
-        if (!TrimBlanks(rest).empty()) p.Fail("'signoff' takes nothing");
+      } else if (t.verb == "signoff" || t.verb == "start") {
+        if (!TrimBlanks(rest).empty()) p.Fail("'" + t.verb + "' takes nothing");
       } else if (t.verb == "join" || t.verb == "leave") {
         t.name = std::string(rest);
         if (TrimBlanks(t.name).empty())
@@ -241,6 +241,19 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
     } else if (verb == "latency") {
       sc.latency_ms =
           static_cast<int>(p.Whole(TakeWord(rest), "milliseconds", 0, 600000));
+    } else if (verb == "fault") {
+      const std::string kind = TakeWord(rest);
+      double* chance = kind == "lost-click"       ? &sc.lost_clicks
+                       : kind == "registry-write" ? &sc.registry_write_faults
+                       : kind == "profile-write"  ? &sc.profile_write_faults
+                       : kind == "disk-full"      ? &sc.disk_full_faults
+                       : kind == "vanish"         ? &sc.vanish_faults
+                                                  : nullptr;
+      if (!chance)
+        p.Fail(
+            "expected 'fault KIND PERCENT', KIND one of lost-click, "
+            "registry-write, profile-write, disk-full, vanish");
+      *chance = p.Whole(TakeWord(rest), "a percentage", 0, 100) / 100.0;
     } else if (verb == "signed-off") {
       sc.signed_off = true;
     } else if (verb == "signon-fails") {
@@ -269,7 +282,7 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
     }
     if (verb == "seed" || verb == "dead-mail" || verb == "latency" ||
         verb == "clock" || verb == "signed-off" || verb == "signon-fails" ||
-        verb == "knob") {
+        verb == "fault" || verb == "knob") {
       if (!TrimBlanks(rest).empty())
         p.Fail("unexpected text after '" + verb + "'");
     }

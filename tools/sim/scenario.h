@@ -28,7 +28,7 @@ struct TimedLine {
   int line = 0;  // line number in the file
   double at = 0;
   std::string
-      verb;  // say, press, select, set, answer, signoff, join, leave, ...
+      verb;  // say, press, select, set, answer, signoff, join, leave, start
   std::string name;  // speaker, control, list, person
   std::string text;  // said text, answer, value
   int index = 0;     // press: preset item (0 none); select: item
@@ -52,6 +52,13 @@ struct Scenario {
   int signon_failures = 0;  // the next sign-ons that fail
   // Rooms that refuse the user's next tries (room name, tries).
   std::vector<std::pair<std::string, int>> full_rooms;
+  // Faults, as chances from 0 to 1: the client losing a click that lands
+  // while it is busy, and the ports' faults (see sim/faulty_ports.h).
+  double lost_clicks = 0;
+  double registry_write_faults = 0;
+  double profile_write_faults = 0;
+  double disk_full_faults = 0;
+  double vanish_faults = 0;
   // The simulated client's knobs (name, value), set after everything else.
   std::vector<std::pair<std::string, std::string>> knobs;
   std::vector<TimedLine> timeline;

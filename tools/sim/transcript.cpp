@@ -56,7 +56,8 @@ std::string Transcript::TextLine(const std::string& ev,
            Str(f, "prompt") + " -> " + JsonDump(f.value("answer", ""));
   if (ev == "client") return "[client] " + Str(f, "what");
   if (ev == "machine") return "[machine] " + Str(f, "what");
-  if (ev == "final") return "[final]\n" + JsonDump(f, 2);
+  // The raw final state is for machines: --format jsonl has it.
+  if (ev == "final") return "[final] the run is over";
   return "[" + ev + "] " + JsonDump(f);
 }
 

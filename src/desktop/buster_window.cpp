@@ -1,0 +1,50 @@
+#include "desktop/buster_window.h"
+
+#include "desktop/control_ids.h"
+#include "desktop/desktop.h"
+
+namespace quorvex::desktop {
+
+void BusterWindow::Open(POINT at) {
+  if (open()) return;
+  CreateSmall(kBusterClass, "room buster", at.x, at.y, 250, 104);
+  FrmRoomBuster& buster = *desktop_.app().frm().frmRoomBuster;
+  Child(L"EDIT", buster.txtRoom.text, ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP,
+        8, 28, 234, 22, kIdTxtRoom);
+  Child(L"BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, 8, 56, 90, 24,
+        kIdBusterStart);
+  Child(L"STATIC", "", SS_LEFT, 108, 61, 134, 18, kIdLblBusts);
+  BindLabel(Item(kIdBusterStart), buster.cmdStart, alive_);
+  BindLabel(Item(kIdLblBusts), buster.lblBusts, alive_);
+  buster.cmdStart.Subscribe([this, alive = alive_](const Label&) {
+    if (*alive) Refresh();
+  });
+  Refresh();
+  ShowWindow(hwnd(), SW_SHOW);
+}
+
+void BusterWindow::Refresh() {
+  EnableWindow(Item(kIdTxtRoom),
+               desktop_.app().frm().frmRoomBuster->txtRoom.enabled);
+}
+
+void BusterWindow::OnControl(int id, int code, HWND control) {
+  QuorvexApp& app = desktop_.app();
+  if (id == kIdTxtRoom && code == EN_CHANGE) {
+    const std::string text = WindowText(control);
+    desktop_.Post([&app, text] { app.Set("frmRoomBuster.txtRoom", text); });
+  } else if (id == kIdBusterStart && code == BN_CLICKED) {
+    desktop_.Post([this, &app] {
+      app.Press("frmRoomBuster.cmdStart");
+      if (open()) Refresh();
+    });
+  }
+}
+
+void BusterWindow::lblExit_Click() {
+  QuorvexApp& app = desktop_.app();
+  desktop_.Post([&app] { app.Press("frmRoomBuster.lblExit"); });
+  Destroy();
+}
+
+}  // namespace quorvex::desktop

@@ -1,0 +1,61 @@
+// The desktop program's windows around one QuorvexApp: the main window and
+// the small windows it opens. A person's actions are handed to the core
+// through the message pump, so they run from the core's loop.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/quorvex_app.h"
+#include "desktop/message_pump.h"
+#include "ports/prompter.h"
+
+namespace quorvex::desktop {
+
+class MainWindow;
+class BanningWindow;
+class RoomWindow;
+class MessagesWindow;
+class BusterWindow;
+class InfoWindow;
+
+class Desktop {
+ public:
+  Desktop(QuorvexApp& app, MessagePump& pump, Prompter& prompter);
+  ~Desktop();
+
+  static void RegisterClasses();
+
+  QuorvexApp& app() { return app_; }
+  Prompter& prompter() { return prompter_; }
+  // Runs `fn` from the core's loop.
+  void Post(std::function<void()> fn) { pump_.Post(std::move(fn)); }
+
+  MainWindow& main() { return *main_; }
+  // A pick from one of the main window's menus, by entry name.
+  void RunMenu(const std::string& name);
+  // The right click on lstBanned: the room is read, then shown.
+  void OpenRoom();
+  // The program has ended: every window goes, and the loop stops.
+  void Close();
+
+ private:
+  QuorvexApp& app_;
+  MessagePump& pump_;
+  Prompter& prompter_;
+  std::unique_ptr<MainWindow> main_;
+  std::unique_ptr<BanningWindow> banning_;
+  std::unique_ptr<RoomWindow> room_;
+  std::unique_ptr<MessagesWindow> messages_;
+  std::unique_ptr<BusterWindow> buster_;
+  std::unique_ptr<InfoWindow> about_;
+  std::unique_ptr<InfoWindow> credits_;
+};
+
+// Where a small window opens: beside the main window.
+POINT BesideMain(const Desktop& desktop);
+
+}  // namespace quorvex::desktop

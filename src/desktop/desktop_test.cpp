@@ -1,0 +1,266 @@
+// The desktop program seen from outside, as a person sees it: started in
+// its own process with a simulated room, its windows and controls found
+// with plain Win32 calls, clicked and read while it serves.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "desktop/control_ids.h"
+#include "desktop/dialog_prompter.h"
+#include "desktop/remote.h"
+#include "desktop/wide_text.h"
+
+namespace quorvex::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace remote;
+
+// The number at the end of a counter's caption ("pending: 12" -> 12).
+int Count(const std::string& caption) {
+  const std::size_t colon = caption.rfind(": ");
+  return colon == std::string::npos ? -1
+                                    : std::atoi(caption.c_str() + colon + 2);
+}
+
+class DesktopTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    root_ = fs::temp_directory_path() /
+            ("quorvex-desktop-" + std::to_string(GetCurrentProcessId()));
+    fs::remove_all(root_);
+    // The program beside this test, in its simulated room, 20 times as
+    // fast as real time.
+    wchar_t self[MAX_PATH];
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    const fs::path exe = fs::path(self).parent_path() / "quorvex.exe";
+    std::wstring command = L"\"" + exe.wstring() +
+                           L"\" --simulate --speed 20 --root \"" +
+                           root_.wstring() + L"\"";
+    STARTUPINFOW si{};
+    si.cb = sizeof(si);
+    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE,
+                               0, nullptr, nullptr, &si, &process_));
+    main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
+    ASSERT_NE(main_, nullptr) << "the main window never showed";
+    // The main window's load has run once it marks the program running.
+    ASSERT_TRUE(WaitFor(
+        [&] {
+          return RegistryFile().find("\"Load\": \"True\"") != std::string::npos;
+        },
+        30));
+  }
+
+  void TearDown() override {
+    if (process_.hProcess) {
+      if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT)
+        TerminateProcess(process_.hProcess, 1);
+      WaitForSingleObject(process_.hProcess, 10000);
+      CloseHandle(process_.hThread);
+      CloseHandle(process_.hProcess);
+    }
+    std::error_code ec;
+    fs::remove_all(root_, ec);
+  }
+
+  HWND Control(int id) const { return GetDlgItem(main_, id); }
+  std::string Caption(int id) const { return Text(Control(id)); }
+  // A counter agrees with the list it counts, read at one moment.
+  bool Agrees(int label, int list) const {
+    return Count(Caption(label)) == ListCount(Control(list));
+  }
+  // Presses start and answers yes to the offer to build the list mails.
+  void Start() {
+    Click(Control(kIdCmdStart));
+    HWND box = WaitDialog("make lists", 30);
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(DialogPrompt(box), "do you want to make new lists?");
+    PressDialogButton(box, IDYES);
+  }
+  // The simulated registry as the program last wrote it. Opened so that
+  // the program can still replace the file while it is read (it renames a
+  // new file over it on every change).
+  std::string RegistryFile() const {
+    HANDLE f =
+        CreateFileW((root_ / "registry.json").c_str(), GENERIC_READ,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (f == INVALID_HANDLE_VALUE) return "";
+    std::string text;
+    char buffer[4096];
+    DWORD got = 0;
+    while (ReadFile(f, buffer, sizeof buffer, &got, nullptr) && got > 0)
+      text.append(buffer, got);
+    CloseHandle(f);
+    return text;
+  }
+
+  fs::path root_;
+  PROCESS_INFORMATION process_{};
+  HWND main_ = nullptr;
+};
+
+TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
+  // At load: the title, the idle status and the counters' captions.
+  EXPECT_EQ(Caption(kIdPicTitle), "quorvex mail server by kestrin");
+  EXPECT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 10));
+  EXPECT_EQ(Caption(kIdLblSession), "session: 0");
+  EXPECT_EQ(Caption(kIdLblSent), "sent: 0");
+  EXPECT_EQ(Caption(kIdCmdStart), "&start");
+  EXPECT_EQ(Caption(kIdCmdSettings), "&settings");
+
+  Start();
+  // Starting reads the mailbox into lstMails and counts it.
+  ASSERT_TRUE(WaitFor([&] { return ListCount(Control(kIdLstMails)) > 0; }, 30));
+  EXPECT_TRUE(WaitFor([&] { return Agrees(kIdLblMails, kIdLstMails); }, 10));
+  EXPECT_EQ(ListItem(Control(kIdLstMails), 0), "cats in the snow");
+
+  // Requests from the room are queued and then served: the pending list
+  // grows and shrinks with its counter, and the session counter climbs.
+  int most_pending = 0;
+  bool always_agreed = true;
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        const int pending = ListCount(Control(kIdLstPending));
+        most_pending = std::max(most_pending, pending);
+        if (!WaitFor([&] { return Agrees(kIdLblPending, kIdLstPending); }, 1))
+          always_agreed = false;
+        return Count(Caption(kIdLblSession)) >= 3;
+      },
+      90));
+  EXPECT_GT(most_pending, 0);
+  EXPECT_TRUE(always_agreed);
+  EXPECT_EQ(Caption(kIdCmdStart), "&stop");
+  EXPECT_EQ(Caption(kIdPicStatus).rfind("status: ", 0), 0u);
+  // Someone with a full mailbox is warned, then banned (two mistakes).
+  ASSERT_TRUE(
+      WaitFor([&] { return ListCount(Control(kIdLstBanned)) > 0; }, 120));
+  EXPECT_EQ(ListItem(Control(kIdLstBanned), 0), "gina");
+  EXPECT_TRUE(Agrees(kIdLblBanned, kIdLstBanned));
+
+  // A left click on lstBanned removes the name.
+  Click(Control(kIdLstBanned));
+  EXPECT_TRUE(
+      WaitFor([&] { return ListCount(Control(kIdLstBanned)) == 0; }, 10));
+  EXPECT_TRUE(
+      WaitFor([&] { return Caption(kIdLblBanned) == "banned: 0"; }, 10));
+
+  // lblExit says goodbye and ends the program.
+  Click(Control(kIdLblExit));
+  EXPECT_EQ(WaitForSingleObject(process_.hProcess, 30000), WAIT_OBJECT_0);
+  EXPECT_NE(RegistryFile().find("\"Load\": \"False\""), std::string::npos);
+}
+
+TEST_F(DesktopTest, SettingsChangeThroughTheirMenuAndInputBox) {
+  PickMenu(main_, "mnuBMax");
+  HWND box = WaitDialog("max block", 20);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(Text(GetDlgItem(box, kIdInputPrompt)),
+            "enter a number(0 for no limit)");
+  EXPECT_EQ(Text(GetDlgItem(box, kIdInputText)), "100");
+  SetText(GetDlgItem(box, kIdInputText), "40");
+  PressDialogButton(box, IDOK);
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return RegistryFile().find("\"BlockMax\": \"40\"") != std::string::npos;
+      },
+      20));
+  // Cancel keeps nothing for a text setting: the handle stays "srv".
+  PickMenu(main_, "mnuHandle");
+  box = WaitDialog("handle", 20);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(Text(GetDlgItem(box, kIdInputPrompt)), "enter your handle");
+  EXPECT_EQ(Text(GetDlgItem(box, kIdInputText)), "srv");
+  PressDialogButton(box, IDCANCEL);
+  // A preset item stores at once, with no box.
+  PickMenu(main_, "mnuMSpeed(3)");
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return RegistryFile().find("\"MailSpeed\": \"0.6899\"") !=
+               std::string::npos;
+      },
+      20));
+  EXPECT_NE(RegistryFile().find("\"Handle\": \"srv\""), std::string::npos);
+  // The contact info is a message titled as such.
+  PickMenu(main_, "mnuContactInfo");
+  box = WaitDialog("contact info", 20);
+  ASSERT_NE(box, nullptr);
+  EXPECT_NE(DialogPrompt(box).find("aol:"), std::string::npos);
+  PressDialogButton(box, IDOK);
+}
+
+TEST_F(DesktopTest, SmallWindowsOpenShowTheirModelsAndClose) {
+  // Banning options: the room's stored options, saved again on close.
+  PickMenu(main_, "mnuBanOpts");
+  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
+  ASSERT_NE(banning, nullptr);
+  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMistakes)), "2");
+  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMails)), "12");
+  EXPECT_EQ(SendMessageW(GetDlgItem(banning, kIdChkFullBox), BM_GETCHECK, 0, 0),
+            BST_CHECKED);
+  Click(GetDlgItem(banning, kIdChkDupReqs));  // unchecks it
+  Click(GetDlgItem(banning, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kBanningClass); }, 20));
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return RegistryFile().find("\"DupeRequests\": \"0\"") !=
+               std::string::npos;
+      },
+      20));
+
+  // Message editor: Return in the chat entry adds a line; exit closes.
+  PickMenu(main_, "mnuMessages");
+  HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
+  ASSERT_NE(messages, nullptr);
+  HWND chat = GetDlgItem(messages, kIdLstChat);
+  const int lines = ListCount(chat);
+  SetText(GetDlgItem(messages, kIdTxtAdd0), "a new line");
+  PressReturn(GetDlgItem(messages, kIdTxtAdd0));
+  EXPECT_TRUE(WaitFor([&] { return ListCount(chat) == lines + 1; }, 20));
+  EXPECT_EQ(ListItem(chat, lines), "a new line");
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(GetDlgItem(messages, kIdTxtAdd0)).empty(); }, 10));
+  Click(GetDlgItem(messages, kIdCmdExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+
+  // Room buster: idle captions.
+  PickMenu(main_, "mnuRoomBuster");
+  HWND buster = WaitWindow(kBusterClass, nullptr, 20);
+  ASSERT_NE(buster, nullptr);
+  EXPECT_EQ(Text(GetDlgItem(buster, kIdBusterStart)), "&start");
+  EXPECT_EQ(Text(GetDlgItem(buster, kIdLblBusts)), "busts: 0");
+  Click(GetDlgItem(buster, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
+
+  // About and credits.
+  PickMenu(main_, "mnuAbout");
+  HWND about = WaitWindow(kAboutClass, nullptr, 20);
+  ASSERT_NE(about, nullptr);
+  EXPECT_NE(
+      Text(GetDlgItem(about, kIdLblText)).find("coded for america online 5.0"),
+      std::string::npos);
+  Click(GetDlgItem(about, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
+
+  // Room people: a right click on lstBanned lists the room; a double
+  // click bans silently.
+  RightClick(Control(kIdLstBanned));
+  HWND room = WaitWindow(kRoomClass, nullptr, 20);
+  ASSERT_NE(room, nullptr);
+  HWND people = GetDlgItem(room, kIdLstRoom);
+  ASSERT_TRUE(WaitFor([&] { return ListCount(people) > 0; }, 20));
+  const int in_room = ListCount(people);
+  const std::string first = ListItem(people, 0);
+  DoubleClickItem(people, 0);
+  EXPECT_TRUE(WaitFor([&] { return ListCount(people) == in_room - 1; }, 20));
+  EXPECT_TRUE(
+      WaitFor([&] { return Caption(kIdLblBanned) == "banned: 1"; }, 20));
+  EXPECT_EQ(ListItem(Control(kIdLstBanned), 0), first);
+  Click(GetDlgItem(room, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kRoomClass); }, 20));
+}
+
+}  // namespace
+}  // namespace quorvex::desktop

@@ -1,0 +1,22 @@
+// The informational windows: frmAbout, frmCredits and the splash window,
+// each a title bar over a few lines of text.
+#pragma once
+
+#include "desktop/window.h"
+
+namespace quorvex::desktop {
+
+class InfoWindow : public SmallWindow {
+ public:
+  // `with_exit`: the splash window has no lblExit.
+  void Open(const wchar_t* class_name, const std::string& caption,
+            const std::string& text, POINT at, bool with_exit = true);
+
+ protected:
+  void lblExit_Click() override { Destroy(); }
+};
+
+// The splash window's text.
+std::string SplashText();
+
+}  // namespace quorvex::desktop

@@ -1,0 +1,180 @@
+#include "desktop/main_window.h"
+
+#include "desktop/band.h"
+#include "desktop/control_ids.h"
+#include "desktop/desktop.h"
+#include "desktop/menu_popup.h"
+#include "model/draw_status.h"
+
+namespace quorvex::desktop {
+
+void MainWindow::Create() {
+  CreateTopLevel(kMainClass, kTitleText, 80, 60, kWidth, kHeight);
+  CreateControls();
+  Bind();
+  ShowWindow(hwnd(), SW_SHOW);
+  UpdateWindow(hwnd());
+}
+
+void MainWindow::CreateControls() {
+  CreateBand(hwnd(), kIdPicTitle, 0, 0, kWidth, 20, true);
+  HWND minimize = Child(L"STATIC", "_", SS_CENTER | SS_NOTIFY, kWidth - 36, 3,
+                        14, 14, kIdLblMinimize);
+  HWND exit = Child(L"STATIC", "x", SS_CENTER | SS_NOTIFY, kWidth - 18, 3, 14,
+                    14, kIdLblExit);
+  SetWindowPos(minimize, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+  SetWindowPos(exit, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+  CreateBand(hwnd(), kIdPicStatus, 0, 21, kWidth, 18, false);
+
+  // The counters, three to a row.
+  const int col = (kWidth - 8) / 3;
+  struct Counter {
+    int id;
+    const char* tip;
+  };
+  const Counter counters[] = {
+      {kIdLblSession, "total mails sent this session"},
+      {kIdLblLists, "lists you current are serving"},
+      {kIdLblMails, "mails you are currently serving"},
+      {kIdLblSent, "total mails sent since install"},
+      {kIdLblBanned, nullptr},
+      {kIdLblPending, nullptr},
+  };
+  for (int i = 0; i < 6; ++i) {
+    HWND label = Child(L"STATIC", "", SS_LEFT | SS_NOTIFY, 6 + (i % 3) * col,
+                       44 + (i / 3) * 16, col - 4, 15, counters[i].id);
+    if (counters[i].tip) AddToolTip(hwnd(), label, counters[i].tip);
+  }
+
+  const DWORD list_style =
+      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER;
+  Child(L"LISTBOX", "", list_style, 4, 80, 152, 160, kIdLstMails);
+  HWND pending =
+      Child(L"LISTBOX", "", list_style, 162, 80, 154, 98, kIdLstPending);
+  HWND banned =
+      Child(L"LISTBOX", "", list_style, 162, 182, 154, 58, kIdLstBanned);
+  AddToolTip(hwnd(), pending, "right click for options");
+  AddToolTip(hwnd(), banned, "left click to remove, right click to add");
+  OnMouseDown(banned, [this](UINT msg) { lstBanned_MouseDown(msg); });
+  OnMouseDown(pending, [this](UINT msg) { lstPending_MouseDown(msg); });
+
+  const int button = (kWidth - 20) / 4;
+  const int ids[] = {kIdCmdStart, kIdCmdPause, kIdCmdFile, kIdCmdSettings};
+  for (int i = 0; i < 4; ++i)
+    Child(L"BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, 4 + i * (button + 4), 248,
+          button, 24, ids[i]);
+  SetText(Item(kIdCmdFile), "&file");
+  SetText(Item(kIdCmdSettings), "&settings");
+}
+
+void MainWindow::Bind() {
+  FrmMain& frm = desktop_.app().frm();
+  HWND title = Item(kIdPicTitle);
+  HWND status = Item(kIdPicStatus);
+  SetBand(title, kBandColour, frm.picTitle.caption());
+  frm.picTitle.Subscribe([title, alive = alive_](const Label& l) {
+    if (*alive) SetBand(title, kBandColour, l.caption());
+  });
+  SetBand(status, frm.status.colour(), frm.status.text());
+  frm.status.Subscribe([status, alive = alive_](const StatusStrip& s) {
+    if (*alive) SetBand(status, s.colour(), s.text());
+  });
+  BindLabel(Item(kIdLblSession), frm.lblSession, alive_);
+  BindLabel(Item(kIdLblLists), frm.lblLists, alive_);
+  BindLabel(Item(kIdLblMails), frm.lblMails, alive_);
+  BindLabel(Item(kIdLblSent), frm.lblSent, alive_);
+  BindLabel(Item(kIdLblBanned), frm.lblBanned, alive_);
+  BindLabel(Item(kIdLblPending), frm.lblPending, alive_);
+  BindLabel(Item(kIdCmdStart), frm.cmdStart, alive_);
+  BindLabel(Item(kIdCmdPause), frm.cmdPause, alive_);
+  BindList(Item(kIdLstMails), frm.lstMails, alive_);
+  BindList(Item(kIdLstPending), frm.lstPending(), alive_);
+  BindList(Item(kIdLstBanned), frm.lstBanned, alive_);
+}
+
+LRESULT MainWindow::Handle(UINT msg, WPARAM wp, LPARAM lp) {
+  switch (msg) {
+    case kMsgMenuCommand:
+      desktop_.RunMenu(
+          MenuEntryName(desktop_.app().frm().menus, static_cast<int>(wp)));
+      return 0;
+    case WM_CLOSE:
+      // Closing from the task bar leaves as lblExit does.
+      OnCommand(kIdLblExit, STN_CLICKED, nullptr);
+      return 0;
+  }
+  return Window::Handle(msg, wp, lp);
+}
+
+void MainWindow::OnCommand(int id, int code, HWND) {
+  QuorvexApp& app = desktop_.app();
+  Desktop& d = desktop_;
+  switch (id) {
+    case kIdLblMinimize:
+      if (code == STN_CLICKED) ShowWindow(hwnd(), SW_MINIMIZE);
+      return;
+    case kIdLblExit:
+      if (code == STN_CLICKED)
+        d.Post([&app, &d] {
+          app.Press("lblExit");
+          if (app.ended()) d.Close();
+        });
+      return;
+    case kIdCmdStart:
+      if (code == BN_CLICKED) d.Post([&app] { app.Press("cmdStart"); });
+      return;
+    case kIdCmdPause:
+      if (code == BN_CLICKED) d.Post([&app] { app.Press("cmdPause"); });
+      return;
+    case kIdCmdFile:
+      if (code == BN_CLICKED) PopUp("mnuFiles", kIdCmdFile);
+      return;
+    case kIdCmdSettings:
+      if (code == BN_CLICKED) PopUp("mnuSettings", kIdCmdSettings);
+      return;
+    case kIdLstMails:
+    case kIdLstPending:
+      if (code == LBN_SELCHANGE) {
+        const int sel =
+            static_cast<int>(SendMessageW(Item(id), LB_GETCURSEL, 0, 0));
+        const char* name = id == kIdLstMails ? "lstMails" : "lstPending";
+        d.Post([&app, name, sel] { app.Select(name, sel); });
+      }
+      return;
+  }
+}
+
+void MainWindow::PopUp(const std::string& menu, int button_id) {
+  RECT rc;
+  GetWindowRect(Item(button_id), &rc);
+  const std::string picked =
+      TrackMenu(desktop_.app().frm().menus, menu, hwnd(), {rc.left, rc.bottom});
+  if (!picked.empty()) desktop_.RunMenu(picked);
+}
+
+// A left click removes the selected name; a right click opens the room
+// people window to add one.
+void MainWindow::lstBanned_MouseDown(UINT msg) {
+  QuorvexApp& app = desktop_.app();
+  if (msg == WM_LBUTTONDOWN) {
+    const int sel =
+        static_cast<int>(SendMessageW(Item(kIdLstBanned), LB_GETCURSEL, 0, 0));
+    desktop_.Post([&app, sel] {
+      app.Select("lstBanned", sel);
+      app.Press("lstBanned", 1);
+    });
+  } else if (msg == WM_RBUTTONDOWN) {
+    desktop_.OpenRoom();
+  }
+}
+
+void MainWindow::lstPending_MouseDown(UINT msg) {
+  if (msg != WM_RBUTTONUP) return;
+  POINT at;
+  GetCursorPos(&at);
+  const std::string picked =
+      TrackMenu(desktop_.app().frm().menus, "mnuPendings", hwnd(), at);
+  if (!picked.empty()) desktop_.RunMenu(picked);
+}
+
+}  // namespace quorvex::desktop

@@ -1,0 +1,34 @@
+#include "desktop/room_window.h"
+
+#include "desktop/control_ids.h"
+#include "desktop/desktop.h"
+
+namespace quorvex::desktop {
+
+void RoomWindow::Open(POINT at) {
+  Destroy();  // it reads the room anew each time it opens
+  CreateSmall(kRoomClass, "room people", at.x, at.y, 240, 220);
+  Child(L"LISTBOX", "",
+        LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER, 6, 26, 228,
+        188, kIdLstRoom);
+  BindList(Item(kIdLstRoom), desktop_.app().frm().frmRoom.lstRoom, alive_);
+  ShowWindow(hwnd(), SW_SHOW);
+}
+
+void RoomWindow::OnControl(int id, int code, HWND control) {
+  if (id != kIdLstRoom || code != LBN_DBLCLK) return;
+  const int sel = static_cast<int>(SendMessageW(control, LB_GETCURSEL, 0, 0));
+  QuorvexApp& app = desktop_.app();
+  desktop_.Post([&app, sel] {
+    app.Select("frmRoom.lstRoom", sel);
+    app.Press("frmRoom.lstRoom");
+  });
+}
+
+void RoomWindow::lblExit_Click() {
+  QuorvexApp& app = desktop_.app();
+  desktop_.Post([&app] { app.Press("frmRoom.lblExit"); });
+  Destroy();
+}
+
+}  // namespace quorvex::desktop

@@ -1,0 +1,56 @@
+#include "desktop/simulation.h"
+
+#include <fstream>
+
+#include "model/text_util.h"
+#include "sim/demo.h"
+#include "sim/room_stage.h"
+#include "sim/runner.h"
+
+namespace quorvex::desktop {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A pause between two rounds of the room's talk.
+constexpr double kTalkRest = 45;
+
+}  // namespace
+
+Simulation::Simulation(VirtualHost& host, const fs::path& root)
+    : host_(host),
+      room_(sim::ParseScenario(sim::kDemoName, sim::kDemoScenario,
+                               sim::Controls())),
+      registry_((fs::create_directories(root), root / "registry.json")),
+      machine_(root),
+      client_(host, world_, room_.seed) {
+  machine_.SetAppPath("C:\\Program Files\\Quorvex");
+  machine_.SetExeName("quorvex");
+  if (!fs::exists(registry_.path()) || fs::file_size(registry_.path()) < 3)
+    sim::StageRegistry(room_, registry_);
+  sim::StageClient(room_, client_);
+  // A client restart starts the simulated client again; the simulated
+  // machine is never rebooted.
+  machine_.SetRunProgramHook([this](std::string_view path) {
+    const std::string lower = LCase(path);
+    if (lower.size() >= 8 &&
+        lower.compare(lower.size() - 8, 8, "\\aol.exe") == 0)
+      client_.Start();
+  });
+  machine_.SetRebootHook([] {});
+  const std::string client_folder = "C:\\Program Files\\AOL";
+  profiles_.WriteString(machine_.HostPath("C:\\Windows\\Win.INI"), "WAOL",
+                        "AppPath", client_folder);
+  const fs::path program = machine_.HostPath(client_folder + "\\AOL.exe");
+  fs::create_directories(program.parent_path());
+  std::ofstream(program, std::ios::binary) << "MZ";
+  client_.Launch();
+}
+
+void Simulation::StartTalk() {
+  const double last = sim::ScheduleRoomTalk(room_, host_, client_);
+  host_.Schedule(last + kTalkRest, [this] { StartTalk(); });
+}
+
+}  // namespace quorvex::desktop

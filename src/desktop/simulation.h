@@ -1,0 +1,44 @@
+// quorvex.exe --simulate: the simulated client in this process, with the
+// demo's room talking in real time, and a folder that stands for drive C:
+// (settings, queue and restart files included), so that anyone without
+// the client can watch the server work.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "ports/virtual_host.h"
+#include "sim/file_registry.h"
+#include "sim/folder_machine.h"
+#include "sim/ini_profile_file.h"
+#include "sim/scenario.h"
+#include "sim/sim_client.h"
+#include "sim/sim_world.h"
+
+namespace quorvex::desktop {
+
+class Simulation {
+ public:
+  // `root` holds the simulated drive and registry; a first run there
+  // stores the demo room's settings (the handle the room uses, ...).
+  Simulation(VirtualHost& host, const std::filesystem::path& root);
+
+  // Starts the room's talk, and again each time it has run its course.
+  void StartTalk();
+
+  Registry& registry() { return registry_; }
+  ProfileFile& profiles() { return profiles_; }
+  FolderMachine& machine() { return machine_; }
+  WindowApi& api() { return client_; }
+
+ private:
+  VirtualHost& host_;
+  sim::Scenario room_;
+  FileRegistry registry_;
+  IniProfileFile profiles_;
+  FolderMachine machine_;
+  SimWorld world_;
+  SimClient client_;
+};
+
+}  // namespace quorvex::desktop

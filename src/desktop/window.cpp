@@ -1,0 +1,179 @@
+#include "desktop/window.h"
+
+#include <windows.h>
+// windows.h first: commctrl.h needs its types.
+#include <commctrl.h>
+
+#include "desktop/band.h"
+#include "desktop/control_ids.h"
+#include "desktop/wide_text.h"
+
+namespace quorvex::desktop {
+
+Window::~Window() {
+  Destroy();
+  DeleteObject(back_);
+}
+
+void Window::Register(HINSTANCE instance, const wchar_t* class_name) {
+  WNDCLASSW wc{};
+  wc.lpfnWndProc = Proc;
+  wc.hInstance = instance;
+  wc.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+  wc.hbrBackground = nullptr;
+  wc.lpszClassName = class_name;
+  RegisterClassW(&wc);
+}
+
+void Window::Destroy() {
+  if (hwnd_) DestroyWindow(hwnd_);
+}
+
+void Window::CreateTopLevel(const wchar_t* class_name,
+                            const std::string& caption, int x, int y, int w,
+                            int h) {
+  *alive_ = false;
+  alive_ = MakeAlive();
+  CreateWindowExW(WS_EX_TOPMOST, class_name, Wide(caption).c_str(),
+                  WS_POPUP | WS_CLIPCHILDREN | WS_MINIMIZEBOX | WS_SYSMENU, x,
+                  y, w, h, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+}
+
+HWND Window::Child(const wchar_t* class_name, const std::string& text,
+                   DWORD style, int x, int y, int w, int h, int id,
+                   DWORD ex_style) {
+  HWND c = CreateWindowExW(ex_style, class_name, Wide(text).c_str(),
+                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, x,
+                           y, w, h, hwnd_,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                           GetModuleHandleW(nullptr), nullptr);
+  SendMessageW(c, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
+  return c;
+}
+
+LRESULT Window::Handle(UINT msg, WPARAM wp, LPARAM lp) {
+  switch (msg) {
+    case WM_COMMAND:
+      OnCommand(LOWORD(wp), HIWORD(wp), reinterpret_cast<HWND>(lp));
+      return 0;
+    case WM_ERASEBKGND: {
+      RECT rc;
+      GetClientRect(hwnd_, &rc);
+      FillRect(reinterpret_cast<HDC>(wp), &rc, back_);
+      return 1;
+    }
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN: {
+      HDC dc = reinterpret_cast<HDC>(wp);
+      SetTextColor(dc, kForeColour);
+      SetBkColor(dc, kBackColour);
+      return reinterpret_cast<LRESULT>(back_);
+    }
+  }
+  return DefWindowProcW(hwnd_, msg, wp, lp);
+}
+
+LRESULT CALLBACK Window::Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
+  Window* self;
+  if (msg == WM_NCCREATE) {
+    self = static_cast<Window*>(
+        reinterpret_cast<CREATESTRUCTW*>(lp)->lpCreateParams);
+    self->hwnd_ = hwnd;
+    SetWindowLongPtrW(hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+  } else {
+    self = reinterpret_cast<Window*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA));
+  }
+  if (!self) return DefWindowProcW(hwnd, msg, wp, lp);
+  if (msg == WM_NCDESTROY) {
+    *self->alive_ = false;
+    self->hwnd_ = nullptr;
+    SetWindowLongPtrW(hwnd, GWLP_USERDATA, 0);
+    self->OnDestroyed();
+    return DefWindowProcW(hwnd, msg, wp, lp);
+  }
+  return self->Handle(msg, wp, lp);
+}
+
+void SmallWindow::CreateSmall(const wchar_t* class_name,
+                              const std::string& caption, int x, int y, int w,
+                              int h, bool with_exit) {
+  CreateTopLevel(class_name, caption, x, y, w, h);
+  HWND title = CreateBand(hwnd(), kIdPicTitle, 0, 0, w, 20, true);
+  SetBand(title, "#4488BB", kTitleText);
+  if (with_exit) {
+    HWND exit = Child(L"STATIC", "x", SS_CENTER | SS_NOTIFY, w - 18, 3, 14, 14,
+                      kIdLblExit);
+    SetWindowPos(exit, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+  }
+}
+
+void SmallWindow::OnCommand(int id, int code, HWND control) {
+  if (id == kIdLblExit && code == STN_CLICKED) return lblExit_Click();
+  OnControl(id, code, control);
+}
+
+namespace {
+
+struct Hook {
+  WNDPROC original;
+  std::function<bool(wchar_t)> on_key;
+  std::function<void(UINT)> on_mouse;
+};
+
+LRESULT CALLBACK HookProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
+  auto* hook = reinterpret_cast<Hook*>(GetPropW(hwnd, L"quorvex.hook"));
+  const WNDPROC original = hook->original;
+  if (msg == WM_CHAR && hook->on_key && hook->on_key(static_cast<wchar_t>(wp)))
+    return 0;
+  if (msg == WM_NCDESTROY) {
+    RemovePropW(hwnd, L"quorvex.hook");
+    SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original));
+    delete hook;
+    return CallWindowProcW(original, hwnd, msg, wp, lp);
+  }
+  const LRESULT r = CallWindowProcW(original, hwnd, msg, wp, lp);
+  if ((msg == WM_LBUTTONDOWN || msg == WM_RBUTTONDOWN || msg == WM_RBUTTONUP) &&
+      hook->on_mouse)
+    hook->on_mouse(msg);
+  return r;
+}
+
+Hook* HookOf(HWND control) {
+  if (auto* h = reinterpret_cast<Hook*>(GetPropW(control, L"quorvex.hook")))
+    return h;
+  auto* h = new Hook{};
+  h->original = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
+      control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HookProc)));
+  SetPropW(control, L"quorvex.hook", h);
+  return h;
+}
+
+}  // namespace
+
+void OnChar(HWND control, std::function<bool(wchar_t)> on_key) {
+  HookOf(control)->on_key = std::move(on_key);
+}
+
+void OnMouseDown(HWND control, std::function<void(UINT)> on_mouse) {
+  HookOf(control)->on_mouse = std::move(on_mouse);
+}
+
+void AddToolTip(HWND owner, HWND control, const std::string& tip) {
+  static HWND tips = nullptr;
+  if (!tips || !IsWindow(tips)) {
+    tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                           WS_POPUP | TTS_ALWAYSTIP, CW_USEDEFAULT,
+                           CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner,
+                           nullptr, GetModuleHandleW(nullptr), nullptr);
+  }
+  std::wstring text = Wide(tip);
+  TOOLINFOW ti{};
+  ti.cbSize = sizeof(ti);
+  ti.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  ti.hwnd = owner;
+  ti.uId = reinterpret_cast<UINT_PTR>(control);
+  ti.lpszText = text.data();
+  SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&ti));
+}
+
+}  // namespace quorvex::desktop

@@ -1,0 +1,119 @@
+#include "sim/faulty_ports.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "ports/memory_registry.h"
+#include "sim/folder_machine.h"
+
+namespace quorvex {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Heard {
+  std::vector<std::string> faults;
+  FaultDice::Reporter Reporter() {
+    return [this](const std::string& kind, const std::string& what) {
+      faults.push_back(kind + " " + what);
+    };
+  }
+};
+
+TEST(FaultyPortsTest, WritesFailOnlyByTheirChanceAndAreReported) {
+  Heard heard;
+  MemoryRegistry registry;
+  MemoryProfileFile profiles;
+  {
+    FaultDice never({}, 1, heard.Reporter());
+    FaultyRegistry r(registry, never);
+    FaultyProfileFile p(profiles, never);
+    for (int i = 0; i < 50; ++i) {
+      r.Save("Quorvex", "Settings", "TotalSent", std::to_string(i));
+      p.WriteString("q.ini", "Quorvex", "TotalPending", std::to_string(i));
+    }
+    EXPECT_EQ(never.injected(), 0);
+  }
+  EXPECT_EQ(registry.Get("Quorvex", "Settings", "TotalSent"), "49");
+  EXPECT_EQ(profiles.GetString("q.ini", "Quorvex", "TotalPending", ""), "49");
+
+  FaultDice always({.registry_write = 1, .profile_write = 1}, 1,
+                   heard.Reporter());
+  FaultyRegistry r(registry, always);
+  FaultyProfileFile p(profiles, always);
+  r.Save("Quorvex", "Settings", "TotalSent", "50");
+  r.DeleteKey("Quorvex", "Settings", "TotalSent");
+  r.DeleteApp("Quorvex");
+  p.WriteStrings("q.ini", "Quorvex", {{"TotalPending", "50"}});
+  p.WriteStrings("q.ini", "Quorvex", {});  // nothing to write: no fault
+  // Nothing changed; reads pass through.
+  EXPECT_EQ(r.Get("Quorvex", "Settings", "TotalSent"), "49");
+  EXPECT_EQ(p.GetString("q.ini", "Quorvex", "TotalPending", ""), "49");
+  EXPECT_EQ(heard.faults,
+            (std::vector<std::string>{
+                "registry-write Settings\\TotalSent",
+                "registry-write delete Settings\\TotalSent",
+                "registry-write delete Quorvex", "profile-write q.ini"}));
+  EXPECT_EQ(always.injected(), 4);
+
+  // Chances between: about that share of the writes fail.
+  FaultDice some({.registry_write = 0.25}, 7, nullptr);
+  FaultyRegistry s(registry, some);
+  for (int i = 0; i < 4000; ++i) s.Save("Quorvex", "S", "k", "v");
+  EXPECT_NEAR(some.injected(), 1000, 120);
+}
+
+TEST(FaultyPortsTest, AFullDiskFailsThatSaveAndTheNextFew) {
+  Heard heard;
+  MemoryProfileFile profiles;
+  FaultDice dice({.disk_full = 1}, 3, heard.Reporter());
+  FaultyProfileFile p(profiles, dice);
+  p.WriteString("q.ini", "Quorvex", "k", "1");  // fills the disk
+  // Every write fails while the disk is full: the save that filled it and
+  // the next kFullWrites - 1; then the dice roll again.
+  for (int i = 1; i < FaultDice::kFullWrites; ++i)
+    p.WriteString("q.ini", "Quorvex", "k", "1");
+  EXPECT_EQ(dice.injected(), FaultDice::kFullWrites);
+  FaultDice once({.disk_full = 0}, 3, nullptr);
+  EXPECT_FALSE(once.SaveFails("q.ini"));
+  EXPECT_EQ(profiles.GetString("q.ini", "Quorvex", "k", "none"), "none");
+  EXPECT_EQ(heard.faults.size(), static_cast<size_t>(FaultDice::kFullWrites));
+
+  // A disk that filled once frees up after its few failed writes.
+  Heard h2;
+  FaultDice rare({.disk_full = 0.0001}, 1, h2.Reporter());
+  bool filled = false;
+  for (int i = 0; i < 100000 && !filled; ++i) filled = rare.SaveFails("f");
+  ASSERT_TRUE(filled);
+  for (int i = 1; i < FaultDice::kFullWrites; ++i)
+    EXPECT_TRUE(rare.SaveFails("f")) << i;
+  EXPECT_FALSE(rare.SaveFails("f"));
+}
+
+TEST(FaultyPortsTest, ProfileFilesVanishWhenLookedFor) {
+  const fs::path root = fs::temp_directory_path() / "qv-faulty-machine-test";
+  fs::remove_all(root);
+  fs::create_directories(root);
+  FolderMachine folder(root);
+  FaultDice dice({.vanish = 1}, 1, nullptr);
+  FaultyMachine machine(folder, dice);
+  const std::string ini = machine.AppPath() + "\\Quorvex.INI";
+  const std::string exe = machine.AppPath() + "\\prog.exe";
+  for (const std::string& f : {ini, exe}) {
+    fs::create_directories(fs::path(machine.HostPath(f)).parent_path());
+    std::ofstream(machine.HostPath(f)) << "x";
+  }
+  EXPECT_TRUE(machine.FileExists(exe));   // not a profile file: stays
+  EXPECT_FALSE(machine.FileExists(ini));  // vanished
+  EXPECT_FALSE(folder.FileExists(ini));
+  EXPECT_FALSE(machine.FileExists(ini));  // a missing file is no fault
+  EXPECT_EQ(dice.injected(), 1);
+  fs::remove_all(root);
+}
+
+}  // namespace
+}  // namespace quorvex

@@ -1,0 +1,74 @@
+// The Host port on the Windows message loop.
+//
+// DoEvents dispatches the thread's messages and runs what is due; a wait
+// that passes `wake_by` sleeps in MsgWaitForMultipleObjects until a
+// message arrives or something falls due, so polling costs no core.
+// Timers and scheduled calls are kept here and run from DoEvents, and
+// also from a hidden window's WM_TIMER so that they keep running inside
+// the platform's modal loops (message boxes, menus, a window drag). A
+// timer whose handler is running is skipped: handlers never re-enter.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "ports/host.h"
+
+namespace quorvex::win32 {
+
+class Win32Host : public Host {
+ public:
+  Win32Host();
+  ~Win32Host() override;
+  Win32Host(const Win32Host&) = delete;
+  Win32Host& operator=(const Win32Host&) = delete;
+
+  double Timer() const override;
+  double Clock() const override;
+  CivilTime Now() const override;
+  void DoEvents(double wake_by = 0) override;
+  void Schedule(double delay_seconds, std::function<void()> fn) override;
+  std::unique_ptr<HostTimer> CreateTimer(
+      std::function<void()> on_tick) override;
+
+  // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
+  // while nothing is due. Returns the exit code.
+  int Run();
+  void Quit(int exit_code = 0);
+  bool quitting() const { return quit_; }
+
+ private:
+  class TimerImpl;
+  friend class TimerImpl;
+  struct Pending {
+    std::uint64_t seq;
+    std::function<void()> fn;
+  };
+
+  // Runs the scheduled calls and timers due now; true when any ran.
+  bool RunDue();
+  // Clock() of the next thing due, or a huge number.
+  double NextDue() const;
+  // Sets the hidden window's timer for the next thing due.
+  void Arm();
+  bool PumpMessages();
+  static std::intptr_t __stdcall WakeProc(void* hwnd, unsigned msg,
+                                          std::uintptr_t wparam,
+                                          std::intptr_t lparam);
+
+  std::int64_t freq_ = 1;
+  std::int64_t start_count_ = 0;
+  double start_clock_ = 0;  // seconds since midnight at start
+  std::multimap<double, Pending> scheduled_;
+  std::uint64_t seq_ = 0;
+  std::vector<TimerImpl*> timers_;
+  void* wake_window_ = nullptr;
+  bool quit_ = false;
+  int exit_code_ = 0;
+  int depth_ = 0;
+};
+
+}  // namespace quorvex::win32

@@ -1,0 +1,23 @@
+// SIGINT and SIGTERM end a run the way its end does: the handler only
+// notes the signal; the run, the next time virtual time moves, throws
+// RunInterrupted, which unwinds it (removing its temporary folder) up to
+// main, which then ends by the same signal.
+#pragma once
+
+#include <stdexcept>
+
+namespace quorvex::sim {
+
+struct RunInterrupted : std::runtime_error {
+  explicit RunInterrupted(int signal)
+      : std::runtime_error("interrupted"), signal(signal) {}
+  int signal;
+};
+
+void InstallInterruptHandlers();
+// Throws RunInterrupted when a signal has come.
+void ThrowIfInterrupted();
+// Ends the process by `signal` with its default action.
+[[noreturn]] void EndBySignal(int signal);
+
+}  // namespace quorvex::sim

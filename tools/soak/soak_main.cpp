@@ -1,0 +1,132 @@
+// quorvex-soak: runs seeded random rooms through the whole program, in
+// virtual time, with faults, and checks after each run that it ended
+// normally and that every accepted request is accounted for. A failing
+// run prints its seed and writes the scenario that reproduces it.
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <random>
+#include <sstream>
+
+#include "invariants.h"
+#include "ports/virtual_host.h"
+#include "sim/runner.h"
+#include "sim/scenario.h"
+#include "soak_room.h"
+
+int main(int argc, char** argv) {
+  using namespace quorvex;
+  CLI::App cli{"Soak runs of the Quorvex mail server on random rooms"};
+  int runs = 50;
+  std::uint64_t first = 1;
+  std::vector<std::string> exclude;
+  std::string fail_dir = "soak-failures";
+  bool keep_going = true;
+  soak::RoomOptions room;
+  cli.add_option("--runs", runs, "how many runs (seeds FIRST, FIRST+1, ...)");
+  cli.add_option("--seed", first, "the first seed");
+  cli.add_option("--exclude", exclude,
+                 "fault kinds never to inject (repeatable): lost-click, "
+                 "signoff, full-mailbox, dead-mail, slow, registry-write, "
+                 "profile-write, disk-full, vanish");
+  cli.add_option("--fail-dir", fail_dir,
+                 "where the scenarios of failing runs are written");
+  cli.add_option("--max-seconds", room.max_seconds,
+                 "the longest busy stretch of a run, in virtual seconds");
+  cli.add_flag("!--stop", keep_going, "stop at the first failing run");
+  bool print = false;
+  cli.add_flag("--print", print,
+               "print the scenario of the first seed and run nothing");
+  CLI11_PARSE(cli, argc, argv);
+  for (const std::string& kind : exclude) {
+    if (!soak::kFaultKinds.count(kind)) {
+      std::cerr << "quorvex-soak: unknown fault kind '" << kind << "'\n";
+      return 2;
+    }
+    room.faults.erase(kind);
+  }
+  room.min_seconds = std::min(room.min_seconds, room.max_seconds);
+  if (print) {
+    std::cout << soak::MakeRoom(first, room);
+    return 0;
+  }
+
+  namespace fs = std::filesystem;
+  const fs::path work =
+      (fs::is_directory("/dev/shm") ? fs::path("/dev/shm")
+                                    : fs::temp_directory_path()) /
+      ("quorvex-soak-" + std::to_string(std::random_device{}()));
+  const auto wall0 = std::chrono::steady_clock::now();
+  int failed = 0;
+  std::int64_t accepted = 0, delivered = 0, excused = 0, in_flight = 0,
+               still_pending = 0;
+  std::map<std::string, int> faults;
+  std::map<std::string, int> violations;  // by first words
+  for (int i = 0; i < runs; ++i) {
+    const std::uint64_t seed = first + static_cast<std::uint64_t>(i);
+    const std::string text = soak::MakeRoom(seed, room);
+    const std::string name = "soak-" + std::to_string(seed) + ".scn";
+    std::vector<std::string> bad;
+    soak::RunFigures fig;
+    try {
+      const sim::Scenario sc = sim::ParseScenario(name, text, sim::Controls());
+      std::ostringstream transcript;
+      sim::RunOptions options;
+      // Every save is flushed to disk: a memory file system keeps a run
+      // from waiting on it.
+      options.root = (work / std::to_string(seed)).string();
+      std::filesystem::remove_all(options.root);
+      sim::RunScenario(sc, options, transcript);
+      std::filesystem::remove_all(options.root);
+      bad = soak::CheckRun(sc, transcript.str(), &fig);
+    } catch (const std::exception& e) {
+      bad.push_back(std::string("the run did not end normally: ") + e.what());
+    }
+    accepted += fig.accepted, delivered += fig.delivered;
+    excused += fig.excused, in_flight += fig.in_flight;
+    still_pending += fig.still_pending;
+    for (const auto& [kind, n] : fig.faults) faults[kind] += n;
+    if ((i + 1) % 50 == 0)
+      std::cout << "  ... " << i + 1 << " runs, " << failed << " failed"
+                << std::endl;
+    if (bad.empty()) continue;
+    ++failed;
+    std::filesystem::create_directories(fail_dir);
+    const std::filesystem::path file = std::filesystem::path(fail_dir) / name;
+    std::ofstream(file, std::ios::binary) << text;
+    std::cout << "seed " << seed << ": FAILED (" << bad.size()
+              << " violations; quorvex-sim " << file.string() << ")\n";
+    for (std::size_t k = 0; k < bad.size() && k < 5; ++k)
+      std::cout << "  " << bad[k] << "\n";
+    for (const std::string& b : bad) {
+      const auto colon = b.find(':');
+      ++violations[b.rfind("the run", 0) == 0
+                       ? b.substr(0, 60)
+                       : b.substr(colon == std::string::npos ? 0 : colon + 2,
+                                  24)];
+    }
+    if (!keep_going) break;
+  }
+  std::error_code ec;
+  std::filesystem::remove_all(work, ec);
+  const double wall =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - wall0)
+          .count();
+  int injected = 0;
+  for (const auto& [kind, n] : faults) injected += n;
+  std::cout << "soak: " << runs << " runs from seed " << first << ", " << failed
+            << " failed, " << wall << " s\n"
+            << "  requests: " << accepted << " mail requests accepted, "
+            << delivered << " forwarded mails received, " << still_pending
+            << " still pending at the end, " << excused << " ended otherwise ("
+            << in_flight << " in flight at a stop)\n"
+            << "  faults injected: " << injected;
+  for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
+  std::cout << "\n";
+  for (const auto& [what, n] : violations)
+    std::cout << "  violation '" << what << "': " << n << "\n";
+  return failed ? 1 : 0;
+}

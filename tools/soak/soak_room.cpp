@@ -1,0 +1,198 @@
+#include "soak_room.h"
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+#include <vector>
+
+namespace quorvex::soak {
+namespace {
+
+class Dice {
+ public:
+  explicit Dice(std::uint64_t seed) : rng_(seed) {}
+  int Int(int lo, int hi) {
+    return std::uniform_int_distribution<int>(lo, hi)(rng_);
+  }
+  bool Chance(double p) {
+    return std::uniform_real_distribution<double>(0, 1)(rng_) < p;
+  }
+  template <typename T>
+  const T& Pick(const std::vector<T>& v) {
+    return v[static_cast<std::size_t>(Int(0, static_cast<int>(v.size()) - 1))];
+  }
+
+ private:
+  std::mt19937_64 rng_;
+};
+
+const std::vector<std::string> kPeople = {"ann", "Bob Lee", "cat", "DanX",
+                                          "eve", "fay",     "Gus", "hal",
+                                          "ivy", "Jo Jo"};
+const std::vector<std::string> kWords = {
+    "cats", "dog", "mail", "song", "radio", "clip", "bird", "the", "a", "zz"};
+
+// Any printable text, with a few bytes above ASCII, no line break.
+std::string Garbage(Dice& d, int length) {
+  std::string s;
+  for (int i = 0; i < length; ++i) {
+    int c = d.Int(0, 20) == 0 ? d.Int(0xA0, 0xFF) : d.Int(0x20, 0x7E);
+    s += static_cast<char>(c);
+  }
+  return s;
+}
+
+std::string Request(Dice& d, int mails) {
+  const std::string h = d.Chance(0.1) ? "/SRV" : "/srv";
+  switch (d.Int(0, 15)) {
+    case 0:
+    case 1:
+    case 2:
+    case 3:
+      return h + " send " + std::to_string(d.Int(1, mails));
+    case 4: {
+      int a = d.Int(1, mails);
+      return h + " send " + std::to_string(a) + "-" +
+             std::to_string(std::min(mails, a + d.Int(0, 4)));
+    }
+    case 5:
+      return h + " send list";
+    case 6:
+      return h + " find " + d.Pick(kWords);
+    case 7:
+      return h + " find " + d.Pick(kWords) + "&" + d.Pick(kWords);
+    case 8:
+      return h + (d.Chance(0.5) ? " thanks" : " send thanks");
+    case 9:
+      return h + " send status";
+    // Invalid: refused by the parser's own rules.
+    case 10:
+      return h + " send " +
+             d.Pick(std::vector<std::string>{"0", "99999", "abc", "123456",
+                                             "-3", "5-2"});
+    case 11:
+      return d.Pick(std::vector<std::string>{" /srv send 1", "/srvsend 1",
+                                             "srv send 2", "/srv find x",
+                                             "/srv", "hello all"});
+    // Hostile: long, odd or huge.
+    case 12:
+      return h + " send 1-" + std::to_string(d.Int(100, 1000000));
+    case 13:
+      return h + " find " + Garbage(d, d.Int(0, 40));
+    case 14:
+      return Garbage(d, d.Int(1, 300));
+    default:
+      return h + " send " + Garbage(d, d.Int(1, 8));
+  }
+}
+
+}  // namespace
+
+std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
+  Dice d(seed);
+  auto on = [&o](const char* kind) { return o.faults.count(kind) > 0; };
+  std::ostringstream s;
+  const int mails = d.Int(3, 40);
+  const int end = d.Int(o.min_seconds, o.max_seconds);
+  s << "# soak room " << seed << "\n";
+  s << "seed " << seed << "\nuser Host\nroom Lobby\n";
+  std::vector<std::string> people;
+  for (const std::string& p : kPeople)
+    if (d.Chance(0.6)) people.push_back(p);
+  if (people.empty()) people.push_back("ann");
+  for (const std::string& p : people) s << "person " << p << "\n";
+  s << "registry Settings Handle = srv\n";
+  if (d.Chance(0.3)) s << "registry Settings ScrollMethod = False\n";
+  if (d.Chance(0.3)) s << "registry Banning Mails = " << d.Int(1, 12) << "\n";
+  if (d.Chance(0.3)) s << "registry Banning Mistakes = " << d.Int(1, 5) << "\n";
+  s << "mails " << mails << " song\n";
+  if (on("full-mailbox") && d.Chance(0.3))
+    s << "full-mailbox " << d.Pick(people) << "\n";
+  if (on("dead-mail") && d.Chance(0.3))
+    s << "dead-mail " << d.Int(1, mails) << "\n";
+  if (on("slow") && d.Chance(0.3)) s << "latency " << d.Int(100, 3000) << "\n";
+  for (const char* kind :
+       {"lost-click", "registry-write", "profile-write", "disk-full", "vanish"})
+    if (on(kind) && d.Chance(0.25))
+      s << "fault " << kind << " " << d.Int(1, 20) << "\n";
+
+  // The user starts serving at once (lists built when none are found).
+  s << "at 0.5 answer yes\nat 1 press cmdStart\n";
+  bool running = true, serving = true, paused = false;
+  double t = 2;
+  while (t < end) {
+    t += d.Int(1, 2000) / 1000.0;
+    char at[32];
+    std::snprintf(at, sizeof at, "at %.3f ", t);
+    const double what = d.Int(0, 199) / 2.0;
+    if (!running) {
+      // After an exit the user starts the program again, later.
+      s << at << "start\n";
+      running = true, serving = false, paused = false;
+    } else if (what < 60) {
+      s << at << "say " << d.Pick(people) << ": " << Request(d, mails) << "\n";
+    } else if (what < 63) {
+      // A flood: one person, many lines in a second.
+      const std::string p = d.Pick(people);
+      const int n = d.Int(10, 40);
+      for (int i = 0; i < n; ++i) {
+        std::snprintf(at, sizeof at, "at %.3f ", t + i * 0.02);
+        s << at << "say " << p << ": " << Request(d, mails) << "\n";
+      }
+      t += n * 0.02;
+    } else if (what < 68) {
+      const std::string name = d.Chance(0.5)
+                                   ? d.Pick(people)
+                                   : "newbie" + std::to_string(d.Int(1, 9));
+      s << at << (d.Chance(0.5) ? "join " : "leave ") << name << "\n";
+    } else if (what < 71) {
+      s << at << "press cmdPause\n";
+      paused = !paused;
+    } else if (what < 74) {
+      // Stop, or start again (lists built when none are found).
+      if (!serving) s << at << "answer yes\n";
+      s << at << "press cmdStart\n";
+      serving = !serving;
+    } else if (what < 74.5) {
+      s << at << "press mnuClearALL\n";
+    } else if (what < 79) {
+      s << at << "select lstPending " << d.Int(0, 3) << "\n"
+        << at << "press mnuRemoveSelected\n";
+    } else if (what < 81) {
+      s << at << "answer " << d.Pick(people) << "\n"
+        << at << "press mnuClearSN\n";
+    } else if (what < 83) {
+      // A ban from the room's people window.
+      s << at << "press lstBanned 2\n"
+        << at << "select frmRoom.lstRoom " << d.Int(0, 4) << "\n"
+        << at << "press frmRoom.lstRoom\n"
+        << at << "press frmRoom.lblExit\n";
+    } else if (what < 88) {
+      s << at << "press mnuMSpeed " << d.Int(1, 3) << "\n";
+    } else if (what < 92 && on("signoff")) {
+      s << at << "signoff\n";
+    } else if (what < 94) {
+      s << at << "press lblExit\n";
+      running = false;
+    }
+  }
+  // A quiet end: serving again, unpaused, while the queue drains.
+  t += 1;
+  char at[32];
+  std::snprintf(at, sizeof at, "at %.3f ", t);
+  if (!running) s << at << "start\n";
+  if (paused && running) s << at << "press cmdPause\n";
+  if (!serving || !running)
+    s << at << "answer yes\n" << at << "press cmdStart\n";
+  const double drain = t + 240;
+  // Half the runs end with the user's exit, the rest as if the power went.
+  if (d.Chance(0.5)) {
+    std::snprintf(at, sizeof at, "at %.3f ", drain);
+    s << at << "press lblExit\n";
+  }
+  std::snprintf(at, sizeof at, "run %.3f\n", drain + 5);
+  s << at;
+  return s.str();
+}
+
+}  // namespace quorvex::soak
