@@ -1,0 +1,192 @@
+// The whole program serving a room through real windows: the program core
+// with the Win32 ports in this process, the stand-in client in another.
+// People ask for a mail, the list and a find; the test checks what
+// reached their mailboxes and what the room heard. It also prints the
+// program's CPU cost while idle and per forwarded mail (figures only:
+// nothing here is timed against a limit).
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "app/program.h"
+#include "client/client_tree.h"
+#include "ports/client_windows.h"
+#include "ports/ports.h"
+#include "ports/scripted_prompter.h"
+#include "settings/settings.h"
+#include "standin_process.h"
+#include "win32/win32_host.h"
+#include "win32/win32_machine.h"
+#include "win32/win32_profile_file.h"
+#include "win32/win32_registry.h"
+#include "win32/win32_window_api.h"
+
+namespace quorvex {
+namespace {
+
+// CPU seconds (kernel + user) this process has used.
+double ProcessCpuSeconds(HANDLE process) {
+  FILETIME created, exited, kernel, user;
+  if (!::GetProcessTimes(process, &created, &exited, &kernel, &user)) return 0;
+  auto secs = [](const FILETIME& f) {
+    return ((static_cast<unsigned long long>(f.dwHighDateTime) << 32) |
+            f.dwLowDateTime) /
+           1e7;
+  };
+  return secs(kernel) + secs(user);
+}
+
+bool HasSubjectContaining(const nlohmann::json& box, const std::string& part) {
+  for (const auto& mail : box)
+    if (mail["subject"].get<std::string>().find(part) != std::string::npos)
+      return true;
+  return false;
+}
+
+bool HasForwardOf(const nlohmann::json& box, const std::string& title) {
+  for (const auto& mail : box)
+    if (mail["forward_of"] == title) return true;
+  return false;
+}
+
+class ServeTest : public testing::Test {
+ protected:
+  // A registry key of the test's own, so that a user's settings stay as
+  // they are.
+  static constexpr const char* kRoot = "Software\\Quorvex Serve Test";
+
+  ServeTest()
+      : standin("--user Host --room Lobby --mails 6 --people Ann,Bob,Cal"),
+        registry(kRoot) {
+    registry.DeleteApp(kApp);
+    registry.Save(kApp, "Settings", "Handle", "srv");
+  }
+  ~ServeTest() override { registry.DeleteApp(kApp); }
+
+  nlohmann::json MailboxOf(const nlohmann::json& state,
+                           const std::string& name) {
+    return state["mailboxes"].contains(name) ? state["mailboxes"][name]
+                                             : nlohmann::json::array();
+  }
+
+  // Serves, yielding to the message loop, until `done` holds for the
+  // stand-in's state (looked at twice a second) or `seconds` pass.
+  bool ServeUntil(const std::function<bool(const nlohmann::json&)>& done,
+                  double seconds) {
+    const double end = host.Clock() + seconds;
+    double next_look = 0;
+    while (host.Clock() < end) {
+      if (host.Clock() >= next_look) {
+        last_state = standin.State();
+        if (done(last_state)) return true;
+        next_look = host.Clock() + 0.5;
+      }
+      host.DoEvents(std::min(end, host.Clock() + 0.1));
+    }
+    last_state = standin.State();
+    return done(last_state);
+  }
+
+  test::StandInProcess standin;
+  win32::Win32Host host;
+  win32::Win32WindowApi api;
+  win32::Win32Registry registry;
+  win32::Win32ProfileFile profiles;
+  win32::Win32Machine machine;
+  ScriptedPrompter prompter;
+  nlohmann::json last_state;
+};
+
+// Disabled until the stand-in client shows its answer boxes as real
+// "#32770" windows: the start turns instant messages off, and the client
+// answers that IM with such a box; without it the IM window stays and the
+// start waits for the box (asking again at its pace) for ever.
+TEST_F(ServeTest, DISABLED_PeopleReceiveAMailTheListAndFindResults) {
+  ASSERT_TRUE(standin.running());
+  // Nothing may restart this machine.
+  machine.SetExitWindows([](unsigned) { return false; });
+  // A list made earlier stands in the mailbox: the start finds it and
+  // asks nothing (making one writes a mail to the user, which the
+  // stand-in client does not finish yet).
+  standin.Command(
+      "mail  \xC2\xB7\xE2\x80\xA2[ quorvex list number 1 ]"
+      "\xE2\x80\xA2\xC2\xB7");
+  std::vector<std::string> prompts;
+  prompter.SetObserver(
+      [&prompts](const PromptRecord& r) { prompts.push_back(r.prompt); });
+
+  QuorvexProgram program(
+      Ports{host, api, registry, profiles, prompter, machine, 1}, {});
+  bool served = false;
+  // Where the program stands, every few seconds, for a run that stalls.
+  auto progress = host.CreateTimer([&] {
+    std::fprintf(stderr,
+                 "[serve] %.1f s: %s (prefs %d, mail prefs %d, im %d)\n",
+                 host.Clock(), program.app().frm().status.text().c_str(),
+                 FindDocument(api, "Preferences") != 0,
+                 api.FindWindowA(aol::kModalClass, "Mail Preferences") != 0,
+                 FindDocument(api, kSendIm) != 0);
+  });
+  progress->SetInterval(5000);
+  progress->SetEnabled(true);
+  program.Run(false, [&] {
+    program.app().Press("cmdStart");
+    ASSERT_TRUE(program.app().frm().ServerOn)
+        << "status: " << program.app().frm().status.text();
+
+    // Idle serving: nobody talking.
+    const HANDLE self = ::GetCurrentProcess();
+    const double idle_wall0 = host.Clock();
+    const double idle_cpu0 = ProcessCpuSeconds(self);
+    const double idle_end = idle_wall0 + 10;
+    while (host.Clock() < idle_end) host.DoEvents(idle_end);
+    const double idle_share =
+        (ProcessCpuSeconds(self) - idle_cpu0) / (host.Clock() - idle_wall0);
+    std::fprintf(stderr,
+                 "[figure] idle serving: %.2f %% of a core over %.1f s\n",
+                 idle_share * 100, host.Clock() - idle_wall0);
+
+    const double cpu0 = ProcessCpuSeconds(self);
+    const double wall0 = host.Clock();
+    standin.Command("say Ann|/srv send 2");
+    standin.Command("say Bob|/srv send list");
+    standin.Command("say Cal|/srv find mail");
+    served = ServeUntil(
+        [this](const nlohmann::json& s) {
+          return HasForwardOf(MailboxOf(s, "Ann"), "mail 2") &&
+                 HasSubjectContaining(MailboxOf(s, "Bob"), "list number 1") &&
+                 HasSubjectContaining(MailboxOf(s, "Cal"), "find results");
+        },
+        90);
+    const double cpu = ProcessCpuSeconds(self) - cpu0;
+    std::fprintf(stderr,
+                 "[figure] three requests served in %.1f s wall, %.3f s CPU "
+                 "(%.3f s per forwarded mail)\n",
+                 host.Clock() - wall0, cpu, cpu / 3);
+    program.app().End();
+  });
+
+  EXPECT_TRUE(served) << last_state.dump(1);
+  EXPECT_EQ(prompts,
+            std::vector<std::string>{"do you want to make new lists?"});
+  // Only what each asked for, nothing to the others of it.
+  EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Bob"), "mail 2"));
+  EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Cal"), "mail 2"));
+  // The room heard the program come on and how to ask, as the user.
+  bool on = false, how = false;
+  for (const auto& line : last_state["lines"]) {
+    const std::string text = line;
+    if (text.rfind("Host:\t", 0) != 0) continue;
+    on = on ||
+         text.find("quorvex mail server <B><U>on</B></U>") != std::string::npos;
+    how = how || text.find("type /<B>srv send <U>x") != std::string::npos;
+  }
+  EXPECT_TRUE(on) << last_state["lines"].dump(1);
+  EXPECT_TRUE(how) << last_state["lines"].dump(1);
+}
+
+}  // namespace
+}  // namespace quorvex
