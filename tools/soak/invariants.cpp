@@ -13,6 +13,10 @@
 namespace quorvex::soak {
 namespace {
 
+// The longest a forward waits for the client's windows before it gives the
+// mail up as dead.
+constexpr double kForwardSeconds = 60;
+
 using Json = nlohmann::json;
 
 std::string NoSpaces(std::string s) {
@@ -228,6 +232,18 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       for (double h : handed.at(entry))
         for (double o : signoffs)
           if (o >= h && o - h <= 1.0) lost_by_client = true;
+    // The client signed off during the forward, before it took the mail:
+    // the step ends there and the group is lost, as the program intends.
+    if (last_taken.count(entry)) {
+      const double taken = last_taken.at(entry);
+      bool handed_since = false;
+      if (handed.count(entry))
+        for (double h : handed.at(entry))
+          if (h >= taken) handed_since = true;
+      if (!handed_since)
+        for (double o : signoffs)
+          if (o >= taken && o - taken <= kForwardSeconds) lost_by_client = true;
+    }
     if (lost_by_client) {
       fig->excused += asked_n - got - left;
       continue;
