@@ -45,6 +45,15 @@ Hwnd OpenIncomingMail(const ClientContext& c) {
   return FindIncomingMail(c.api);
 }
 
+// Shrinks the window and has the client remember its size for the next
+// windows of its kind.
+void RememberSmall(const ClientContext& c, Hwnd window) {
+  ShrinkWindow(c.api, window);
+  RunClientMenu(c.api, 2, 7);
+}
+
+}  // namespace
+
 // Closes every window the finder finds.
 void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
   WaitUntil(c.host,
@@ -55,15 +64,6 @@ void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
             },
             {.give_up = SignedOff(c.api)});
 }
-
-// Shrinks the window and has the client remember its size for the next
-// windows of its kind.
-void RememberSmall(const ClientContext& c, Hwnd window) {
-  ShrinkWindow(c.api, window);
-  RunClientMenu(c.api, 2, 7);
-}
-
-}  // namespace
 
 std::string MailTitleOf(std::string_view item) {
   const auto first = item.find('\t');

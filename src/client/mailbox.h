@@ -43,4 +43,8 @@ void DeleteMailWaiting(const ClientContext& c);
 // Write Mail windows.
 void ShrinkMailWindows(const ClientContext& c);
 
+// Closes every window `find` finds, one after the other, until it finds
+// none (or the client signs off).
+void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&));
+
 }  // namespace quorvex

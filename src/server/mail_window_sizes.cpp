@@ -17,17 +17,6 @@ constexpr int kForgetSize = 6;
 // How long each window may take to come before the clean-up gives up.
 constexpr double kWindowSeconds = 60;
 
-// Closes every window the finder finds.
-void CloseAll(const ClientContext& c, Hwnd (*find)(WindowApi&)) {
-  WaitUntil(c.host,
-            [&] {
-              const Hwnd w = find(c.api);
-              if (w) CloseWindow(c.api, w);
-              return w == 0;
-            },
-            {.give_up = SignedOff(c.api)});
-}
-
 }  // namespace
 
 void ForgetMailWindowSizes(const ClientContext& c) {
