@@ -10,6 +10,21 @@
 
 namespace quorvex {
 
+namespace {
+
+// The IM window's Send icon: the ninth "_AOL_Icon" counting on from the
+// message field. In a window the client is still making, fewer icons
+// follow the field yet: the count stops there instead of wrapping round
+// to the window's first icons (a click on one of those sends nothing).
+Hwnd NinthIconAfter(WindowApi& api, Hwnd window, Hwnd field) {
+  Hwnd icon = field;
+  for (int i = 0; i < 9 && icon != 0; ++i)
+    icon = api.FindWindowExA(window, icon, aol::kIconClass, nullptr);
+  return icon;
+}
+
+}  // namespace
+
 void SendIM(const ClientContext& c, std::string_view recipient,
             std::string_view message) {
   WindowApi& api = c.api;
@@ -21,7 +36,7 @@ void SendIM(const ClientContext& c, std::string_view recipient,
             [&] {
               window = FindDocument(api, kSendIm);
               field = FindChild(api, window, aol::kRichTextClass);
-              send = FindNthChildAfter(api, window, field, aol::kIconClass, 9);
+              send = NinthIconAfter(api, window, field);
               return window && field && send;
             },
             {.repeat = [&] { Keyword(api, address); },
@@ -31,13 +46,18 @@ void SendIM(const ClientContext& c, std::string_view recipient,
   SetText(api, field, message);
   ClickIcon(api, send);
 
-  // A click lost on a busy client is made again, at a pace.
+  // A click lost on a busy client is made again, at a pace. A box is
+  // made before its controls and shown after them: it is pressed once it
+  // shows (a key posted to a button not yet made goes nowhere, and one
+  // taken before the box shows is undone by the box taking the focus).
   Hwnd box = 0;
   WaitUntil(c.host,
             [&] {
               box = api.FindWindowA(aol::kDialogClass, "America Online");
               window = FindDocument(api, kSendIm);
-              return box || !window;
+              return box ? api.IsWindowVisible(box) &&
+                               FindChild(api, box, "Button") != 0
+                         : !window;
             },
             {.repeat = [&] { ClickIcon(api, send); },
              .pace = kAskAgainSeconds,

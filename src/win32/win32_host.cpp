@@ -71,7 +71,7 @@ class Win32Host::TimerImpl : public HostTimer {
   double due_ = 0;
 };
 
-Win32Host::Win32Host() {
+Win32Host::Win32Host(double speed) : speed_(speed > 0 ? speed : 1) {
   LARGE_INTEGER f, c;
   ::QueryPerformanceFrequency(&f);
   ::QueryPerformanceCounter(&c);
@@ -100,8 +100,13 @@ Win32Host::~Win32Host() {
 double Win32Host::Clock() const {
   LARGE_INTEGER c;
   ::QueryPerformanceCounter(&c);
-  return start_clock_ + static_cast<double>(c.QuadPart - start_count_) /
+  return start_clock_ + speed_ *
+                            static_cast<double>(c.QuadPart - start_count_) /
                             static_cast<double>(freq_);
+}
+
+double Win32Host::WallMsUntil(double clock) const {
+  return std::max(0.0, std::ceil((clock - Clock()) * 1000.0 / speed_));
 }
 
 double Win32Host::Timer() const {
@@ -170,7 +175,7 @@ void Win32Host::Arm() {
     ::KillTimer(w, kWakeTimer);
     return;
   }
-  const double ms = std::ceil((next - Clock()) * 1000.0);
+  const double ms = WallMsUntil(next);
   ::SetTimer(w, kWakeTimer,
              static_cast<UINT>(
                  std::clamp(ms, double{USER_TIMER_MINIMUM}, 2147483647.0)),
@@ -199,7 +204,7 @@ void Win32Host::DoEvents(double wake_by) {
   any |= RunDue();
   if (!any && wake_by > 0 && !quit_) {
     const double until = std::min(wake_by, NextDue());
-    const double wait_ms = std::ceil((until - Clock()) * 1000.0);
+    const double wait_ms = WallMsUntil(until);
     if (wait_ms > 0) {
       ::MsgWaitForMultipleObjectsEx(
           0, nullptr, static_cast<DWORD>(std::min(wait_ms, 86400000.0)),

@@ -7,6 +7,11 @@
 // also from a hidden window's WM_TIMER so that they keep running inside
 // the platform's modal loops (message boxes, menus, a window drag). A
 // timer whose handler is running is skipped: handlers never re-enter.
+//
+// With a speed above 1 the host's clock (Clock, and so every wait, pause
+// and timer interval) runs that many times faster than the wall clock;
+// Timer and Now stay the time of day. Tests use it to run long sequences
+// of pauses quickly.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +26,7 @@ namespace quorvex::win32 {
 
 class Win32Host : public Host {
  public:
-  Win32Host();
+  explicit Win32Host(double speed = 1);
   ~Win32Host() override;
   Win32Host(const Win32Host&) = delete;
   Win32Host& operator=(const Win32Host&) = delete;
@@ -59,6 +64,10 @@ class Win32Host : public Host {
                                           std::uintptr_t wparam,
                                           std::intptr_t lparam);
 
+  // Wall-clock milliseconds until Clock() reaches `clock`, at least 0.
+  double WallMsUntil(double clock) const;
+
+  double speed_ = 1;
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start
