@@ -10,21 +10,6 @@
 
 namespace quorvex {
 
-namespace {
-
-// The IM window's Send icon: the ninth "_AOL_Icon" counting on from the
-// message field. In a window the client is still making, fewer icons
-// follow the field yet: the count stops there instead of wrapping round
-// to the window's first icons (a click on one of those sends nothing).
-Hwnd NinthIconAfter(WindowApi& api, Hwnd window, Hwnd field) {
-  Hwnd icon = field;
-  for (int i = 0; i < 9 && icon != 0; ++i)
-    icon = api.FindWindowExA(window, icon, aol::kIconClass, nullptr);
-  return icon;
-}
-
-}  // namespace
-
 void SendIM(const ClientContext& c, std::string_view recipient,
             std::string_view message) {
   WindowApi& api = c.api;
@@ -36,7 +21,7 @@ void SendIM(const ClientContext& c, std::string_view recipient,
             [&] {
               window = FindDocument(api, kSendIm);
               field = FindChild(api, window, aol::kRichTextClass);
-              send = NinthIconAfter(api, window, field);
+              send = FindNthChildAfter(api, window, field, aol::kIconClass, 9);
               return window && field && send;
             },
             {.repeat = [&] { Keyword(api, address); },

@@ -11,6 +11,11 @@ namespace quorvex::win32 {
 namespace {
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
+// A timer ticks at most once per tick of the system clock, as the old
+// runtime's timers did on the Windows the client ran on (about 18 times a
+// second): a 1 ms serving timer that polled the client a thousand times a
+// second would take a tenth of a core while nothing happens.
+constexpr double kTimerTick = 0.055;
 constexpr UINT_PTR kWakeTimer = 1;
 const wchar_t kWakeClass[] = L"QuorvexHostWake";
 
@@ -50,7 +55,7 @@ class Win32Host::TimerImpl : public HostTimer {
     // not called again at once to catch up.
     on_tick_();
     running_ = false;
-    due_ = host_.Clock() + interval_ / 1000.0;
+    due_ = host_.Clock() + Period();
     return true;
   }
   double due() const {
@@ -58,8 +63,9 @@ class Win32Host::TimerImpl : public HostTimer {
   }
 
  private:
+  double Period() const { return std::max(interval_ / 1000.0, kTimerTick); }
   void Restart() {
-    due_ = host_.Clock() + interval_ / 1000.0;
+    due_ = host_.Clock() + Period();
     host_.Arm();
   }
 

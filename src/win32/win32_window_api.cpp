@@ -79,16 +79,17 @@ Hwnd Win32WindowApi::FindWindowExA(Hwnd parent, Hwnd child_after,
                                    const char* class_name,
                                    const char* caption) {
   // Windows searches on from `child_after` whatever its class; Wine finds
-  // nothing when it is not of the class looked for (the second icon after
-  // a text field, say). Searching on from it here is right on both.
-  if (child_after != 0) {
+  // nothing when it is not of the class looked for (the first icon after
+  // a text field, say). Then the search on from it is made here.
+  if (child_after != 0 && class_name &&
+      !Matches(H(child_after), class_name, nullptr)) {
     for (HWND h = ::GetWindow(H(child_after), GW_HWNDNEXT); h;
          h = ::GetWindow(h, GW_HWNDNEXT))
       if (Matches(h, class_name, caption)) return ToHwnd(h);
     return 0;
   }
   const auto c = Arg(class_name), t = Arg(caption);
-  return ToHwnd(::FindWindowExA(H(parent), nullptr, Ptr(c), Ptr(t)));
+  return ToHwnd(::FindWindowExA(H(parent), H(child_after), Ptr(c), Ptr(t)));
 }
 
 Hwnd Win32WindowApi::GetWindow(Hwnd hwnd, unsigned cmd) {

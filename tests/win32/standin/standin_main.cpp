@@ -10,7 +10,8 @@
 //   say NAME|TEXT   join NAME   leave NAME   signoff   start (the client's
 //   program is run)   full NAME (a full mailbox)   mail TITLE
 //   knob NAME VALUE (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N
-//   dump PATH (the room, the mailboxes and the open windows as JSON)   quit
+//   dump PATH (the room's display and every line it showed, the mailboxes
+//   and the open windows as JSON)   quit
 #include <windows.h>
 
 #include <fstream>
@@ -27,11 +28,21 @@
 namespace quorvex::standin {
 namespace {
 
+// Every line the room showed, in order: the program may empty the
+// display itself as it reads it.
+struct Heard : SimObserver {
+  void OnChat(const std::string& sn, const std::string& text) override {
+    lines.push_back(sn + ":\t" + text);
+  }
+  std::vector<std::string> lines;
+};
+
 struct App {
-  explicit App(double speed) : host(speed) {}
+  explicit App(double speed) : host(speed) { sim.SetObserver(&heard); }
   win32::Win32Host host;
   SimWorld world;
   SimClient sim{host, world, 7};
+  Heard heard;
   Mirror* mirror = nullptr;
 };
 App* g_app = nullptr;
@@ -43,6 +54,7 @@ void Dump(const std::string& path) {
   j["room"] = g_app->sim.current_room();
   j["lines"] = nlohmann::json::array();
   for (const auto& line : g_app->sim.DisplayLines()) j["lines"].push_back(line);
+  j["heard"] = g_app->heard.lines;
   // Captions of the client's windows: top-level ones and documents.
   j["windows"] = nlohmann::json::array();
   const WindowTree& tree = g_app->sim.tree();
