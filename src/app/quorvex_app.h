@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "app/frm_main.h"
 #include "app/small_windows.h"
 #include "client/chatroom_window.h"
 #include "client/client_context.h"
 #include "model/form.h"
-#include "server/frm_main.h"
 #include "settings/settings_menu.h"
 
 namespace quorvex {
