@@ -190,7 +190,7 @@ std::vector<const ListBox*> QuorvexApp::OpenLists() const {
   return lists;
 }
 
-std::vector<const Label*> QuorvexApp::Labels() const {
+std::vector<const Label*> QuorvexApp::LabelsOf(bool closed_too) const {
   std::vector<const Label*> labels = {&frm_.lblSession,
                                       &frm_.lblLists,
                                       &frm_.lblMails,
@@ -201,28 +201,12 @@ std::vector<const Label*> QuorvexApp::Labels() const {
                                       &frm_.cmdPause,
                                       &frm_.frmRoomBuster->cmdStart,
                                       &frm_.frmRoomBuster->lblBusts};
-  if (frmChatroom_->form.open()) labels.push_back(&frmChatroom_->lblPeople);
-  if (frmAbout_.form.open())
+  if (closed_too || frmChatroom_->form.open())
+    labels.push_back(&frmChatroom_->lblPeople);
+  if (closed_too || frmAbout_.form.open())
     for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
-  if (frmCredits_.form.open())
+  if (closed_too || frmCredits_.form.open())
     for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
-  return labels;
-}
-
-std::vector<const Label*> QuorvexApp::AllLabels() const {
-  std::vector<const Label*> labels = {&frm_.lblSession,
-                                      &frm_.lblLists,
-                                      &frm_.lblMails,
-                                      &frm_.lblSent,
-                                      &frm_.lblBanned,
-                                      &frm_.lblPending,
-                                      &frm_.cmdStart,
-                                      &frm_.cmdPause,
-                                      &frm_.frmRoomBuster->cmdStart,
-                                      &frm_.frmRoomBuster->lblBusts,
-                                      &frmChatroom_->lblPeople};
-  for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
-  for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
   return labels;
 }
 
