@@ -46,7 +46,8 @@ struct ServeContext {
 
 // The jobs of a tick, of its reply phase and of the start, as the
 // forwarding, list, find, reply and restart code provides them
-// (DefaultServeJobs, serve_jobs.h); tests may put others in.
+// (DefaultServeJobs, serve_jobs.h); tests may put others in. A job left
+// unset is skipped.
 struct ServeJobs {
   std::function<void()> mail;   // one forward
   std::function<void()> list;   // list serving
@@ -65,6 +66,7 @@ struct ServeJobs {
   // The machine restart.
   std::function<void()> cpu_restart;
 };
+
 class ServeEngine {
  public:
   // Creates Timer1 and Timer2 (disabled). What the context and `c` refer
