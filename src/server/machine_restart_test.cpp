@@ -53,7 +53,8 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
   EXPECT_EQ(State("QuorvexDirectory"),
             "C:\\Program Files\\Quorvex\\Quorvex.exe");
 
-  FrmMain again{frm.ports};
+  const auto next = NextProgram();
+  auto& again = *next;
   LoadRestartState(MakeRestartContext(again));
   EXPECT_EQ(again.room_name, "Lobby 7");
   EXPECT_EQ(again.lblSession.caption(), "session: 17");

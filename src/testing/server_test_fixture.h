@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -65,6 +66,10 @@ class ServerTest : public ::testing::Test {
   MailJobContext MailJobs() { return MakeMailJobContext(frm); }
   ReplyContext Replies() { return MakeReplyContext(frm); }
   RestartContext Restart() { return MakeRestartContext(frm); }
+  // The main window of the program that starts next on the same machine.
+  std::unique_ptr<FrmMain> NextProgram() {
+    return std::make_unique<FrmMain>(frm.ports);
+  }
 
   // What the user said in the room, without the chat mark-up.
   std::vector<std::string> Said() const {
