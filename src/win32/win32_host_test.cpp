@@ -29,6 +29,18 @@ TEST(Win32HostTest, TheClockFollowsTheDayAndWaitsEndWhenSomethingFallsDue) {
   EXPECT_EQ(ran.back(), "later");
 }
 
+TEST(Win32HostTest, ASpedUpClockRunsThatManyTimesFasterThanTheWallClock) {
+  Win32Host wall, fast(20);
+  const double wall0 = wall.Clock(), fast0 = fast.Clock();
+  // Two seconds of the fast clock: a tenth of a second of sleep.
+  const double end = fast0 + 2;
+  while (fast.Clock() < end) fast.DoEvents(end);
+  const double ratio = (fast.Clock() - fast0) / (wall.Clock() - wall0);
+  EXPECT_NEAR(ratio, 20, 1);
+  // The time of day is the day's, whatever the pace.
+  EXPECT_NEAR(fast.Timer(), wall.Timer(), 1);
+}
+
 TEST(Win32HostTest, DoEventsDispatchesMessagesAndTimersNeverReEnter) {
   Win32Host host;
   static std::vector<UINT> got;
