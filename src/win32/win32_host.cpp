@@ -100,8 +100,20 @@ Win32Host::~Win32Host() {
 double Win32Host::Clock() const {
   LARGE_INTEGER c;
   ::QueryPerformanceCounter(&c);
-  return start_clock_ + static_cast<double>(c.QuadPart - start_count_) /
+  return start_clock_ + speed_ *
+                            static_cast<double>(c.QuadPart - start_count_) /
                             static_cast<double>(freq_);
+}
+
+void Win32Host::SetSpeed(double speed) {
+  // The clock goes on from where it stands.
+  const double now = Clock();
+  LARGE_INTEGER c;
+  ::QueryPerformanceCounter(&c);
+  start_count_ = c.QuadPart;
+  start_clock_ = now;
+  speed_ = std::max(speed, 0.01);
+  Arm();
 }
 
 double Win32Host::Timer() const {
@@ -170,7 +182,7 @@ void Win32Host::Arm() {
     ::KillTimer(w, kWakeTimer);
     return;
   }
-  const double ms = std::ceil((next - Clock()) * 1000.0);
+  const double ms = std::ceil((next - Clock()) * 1000.0 / speed_);
   ::SetTimer(w, kWakeTimer,
              static_cast<UINT>(
                  std::clamp(ms, double{USER_TIMER_MINIMUM}, 2147483647.0)),
@@ -199,7 +211,7 @@ void Win32Host::DoEvents(double wake_by) {
   any |= RunDue();
   if (!any && wake_by > 0 && !quit_) {
     const double until = std::min(wake_by, NextDue());
-    const double wait_ms = std::ceil((until - Clock()) * 1000.0);
+    const double wait_ms = std::ceil((until - Clock()) * 1000.0 / speed_);
     if (wait_ms > 0) {
       ::MsgWaitForMultipleObjectsEx(
           0, nullptr, static_cast<DWORD>(std::min(wait_ms, 86400000.0)),

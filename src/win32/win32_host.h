@@ -34,6 +34,12 @@ class Win32Host : public Host {
   std::unique_ptr<HostTimer> CreateTimer(
       std::function<void()> on_tick) override;
 
+  // Makes Clock(), and with it every wait, timer and scheduled call, run
+  // `speed` times as fast as the wall clock (the time of day stays the
+  // wall's). The desktop's simulated room uses it to show a long session
+  // in a short time.
+  void SetSpeed(double speed);
+
   // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
   // while nothing is due. Returns the exit code.
   int Run();
@@ -62,6 +68,7 @@ class Win32Host : public Host {
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start
+  double speed_ = 1;
   std::multimap<double, Pending> scheduled_;
   std::uint64_t seq_ = 0;
   std::vector<TimerImpl*> timers_;
