@@ -2,7 +2,7 @@
 # Builds quorvex.exe and runs it under Wine, serving a simulated room:
 #   scripts/desktop.sh [--speed N]
 # or, with --client, as it runs on a machine with the chat client (under
-# Wine there is none: a start waits for it, showing "status: loading aol"):
+# Wine there is none: a start keeps asking for the client's mailbox):
 #   scripts/desktop.sh --client
 # Needs a display (your desktop session, or: xvfb-run scripts/desktop.sh).
 # Wine runs in a prefix of its own with its X11 driver (build/wine-x11).

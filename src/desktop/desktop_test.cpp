@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "desktop/control_ids.h"
 #include "desktop/dialog_prompter.h"
 #include "desktop/remote.h"
 #include "desktop/wide_text.h"
+#include "standin_process.h"
 
 namespace quorvex::desktop {
 namespace {
@@ -36,6 +38,13 @@ class ProgramTest : public ::testing::Test {
                                0, nullptr, root_.c_str(), &si, &process_));
     main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
     ASSERT_NE(main_, nullptr) << "the main window never showed";
+  }
+  // The program without --simulate, as a copy in the scratch folder (it
+  // keeps its queue beside itself).
+  void LaunchPlain() {
+    const fs::path copy = root_ / "quorvex.exe";
+    fs::copy_file(Program(), copy);
+    Launch(copy.wstring(), L"");
   }
   // The program built beside this test.
   static fs::path Program() {
@@ -328,11 +337,7 @@ class ClientlessTest : public ProgramTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
-    // A copy in the scratch folder: the program keeps its queue beside
-    // itself.
-    const fs::path copy = root_ / "quorvex.exe";
-    fs::copy_file(Program(), copy);
-    Launch(copy.wstring(), L"");
+    LaunchPlain();
   }
   // A value the program keeps in the user's registry.
   static std::string Setting(const wchar_t* key) {
@@ -364,6 +369,66 @@ TEST_F(ClientlessTest, StartsIdleAndAStartKeepsAskingForTheMailbox) {
   Click(Control(kIdLblExit));
   EXPECT_TRUE(Ends(30));
   EXPECT_EQ(Setting(L"Load"), "False");
+}
+
+// The plain program against the stand-in client: the client's windows in
+// a process of their own, operated through the Win32 ports.
+class OnStandInTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    standin_ = std::make_unique<test::StandInProcess>(
+        "--user Host --room Lobby --mails 6 --people Ann,Bob");
+    ASSERT_TRUE(standin_->running());
+    LaunchPlain();
+  }
+  void TearDown() override {
+    ProgramTest::TearDown();
+    standin_.reset();
+  }
+  std::unique_ptr<test::StandInProcess> standin_;
+};
+
+TEST_F(OnStandInTest, AStartReadsTheClientsMailboxAndALineIsSaidInItsRoom) {
+  ASSERT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  // The start reads the client's mailbox; with no list mails in it, it
+  // offers to make them, and a no leaves the server idle.
+  Click(Control(kIdCmdStart));
+  HWND box = WaitDialog("make lists", 60);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(ListCount(Control(kIdLstMails)), 6);
+  EXPECT_EQ(ListItem(Control(kIdLstMails), 5), "mail 6");
+  PressDialogButton(box, IDNO);
+  EXPECT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  EXPECT_EQ(Caption(kIdCmdStart), "&start");
+
+  // Serve and chat over the client's room: the people read from the
+  // client's memory (the user too), and a line typed while the server is
+  // idle said at once, then mirrored back from the room's display.
+  PickMenu(main_, "mnuServeNChat");
+  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
+  ASSERT_NE(chat, nullptr);
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(GetDlgItem(chat, kIdLblPeople)) == "people: 3"; }, 20));
+  EXPECT_EQ(ListCount(GetDlgItem(chat, kIdLstPeople)), 3);
+  HWND line = GetDlgItem(chat, kIdTxtSend);
+  SetText(line, "hello room");
+  PressReturn(line);
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return Text(GetDlgItem(chat, kIdTxtChat)).find("Host:") !=
+                   std::string::npos &&
+               Text(GetDlgItem(chat, kIdTxtChat)).find("[hello room]") !=
+                   std::string::npos;
+      },
+      30));
+  EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 10));
+
+  // lblExit ends the program.
+  Click(Control(kIdLblExit));
+  EXPECT_TRUE(Ends(30));
 }
 
 }  // namespace
