@@ -77,7 +77,7 @@ class Win32Host::TimerImpl : public HostTimer {
   double due_ = 0;
 };
 
-Win32Host::Win32Host(double speed) : speed_(speed > 0 ? speed : 1) {
+Win32Host::Win32Host(double speed) : speed_(std::max(speed, 0.01)) {
   LARGE_INTEGER f, c;
   ::QueryPerformanceFrequency(&f);
   ::QueryPerformanceCounter(&c);
@@ -113,6 +113,17 @@ double Win32Host::Clock() const {
 
 double Win32Host::WallMsUntil(double clock) const {
   return std::max(0.0, std::ceil((clock - Clock()) * 1000.0 / speed_));
+}
+
+void Win32Host::SetSpeed(double speed) {
+  // The clock goes on from where it stands.
+  const double now = Clock();
+  LARGE_INTEGER c;
+  ::QueryPerformanceCounter(&c);
+  start_count_ = c.QuadPart;
+  start_clock_ = now;
+  speed_ = std::max(speed, 0.01);
+  Arm();
 }
 
 double Win32Host::Timer() const {

@@ -7,11 +7,6 @@
 // also from a hidden window's WM_TIMER so that they keep running inside
 // the platform's modal loops (message boxes, menus, a window drag). A
 // timer whose handler is running is skipped: handlers never re-enter.
-//
-// With a speed above 1 the host's clock (Clock, and so every wait, pause
-// and timer interval) runs that many times faster than the wall clock;
-// Timer and Now stay the time of day. Tests use it to run long sequences
-// of pauses quickly.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +21,8 @@ namespace quorvex::win32 {
 
 class Win32Host : public Host {
  public:
+  // `speed`: as SetSpeed, from the start (tests of the stand-in client
+  // run both processes' clocks faster).
   explicit Win32Host(double speed = 1);
   ~Win32Host() override;
   Win32Host(const Win32Host&) = delete;
@@ -38,6 +35,12 @@ class Win32Host : public Host {
   void Schedule(double delay_seconds, std::function<void()> fn) override;
   std::unique_ptr<HostTimer> CreateTimer(
       std::function<void()> on_tick) override;
+
+  // Makes Clock(), and with it every wait, timer and scheduled call, run
+  // `speed` times as fast as the wall clock (the time of day stays the
+  // wall's). The desktop's simulated room uses it to show a long session
+  // in a short time.
+  void SetSpeed(double speed);
 
   // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
   // while nothing is due. Returns the exit code.
@@ -67,10 +70,10 @@ class Win32Host : public Host {
   // Wall-clock milliseconds until Clock() reaches `clock`, at least 0.
   double WallMsUntil(double clock) const;
 
-  double speed_ = 1;
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start
+  double speed_ = 1;
   std::multimap<double, Pending> scheduled_;
   std::uint64_t seq_ = 0;
   std::vector<TimerImpl*> timers_;
