@@ -8,7 +8,8 @@
 // A hidden window of class "QuorvexStandInControl" takes commands as
 // WM_COPYDATA texts (UTF-8), one per message:
 //   say NAME|TEXT   join NAME   leave NAME   signoff   start (the client's
-//   program is run)   full NAME (a full mailbox)   mail TITLE
+//   program is run)   full NAME (a full mailbox)   mail TITLE   dead N
+//   (mail N is dead)
 //   knob NAME VALUE (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N
 //   dump PATH (the room's display and every line it showed, the mailboxes
 //   and the open windows as JSON)   quit
@@ -113,6 +114,8 @@ void Command(const std::string& line) {
       sim.SetRoomCapacity(arg.substr(0, bar), n);
   } else if (verb == "full") {
     sim.SetFullMailbox(arg);
+  } else if (verb == "dead") {
+    sim.SetDeadMail(std::stoi(arg));
   } else if (verb == "mail") {
     sim.AddMail(arg);
   } else if (verb == "dump") {
