@@ -407,7 +407,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "press") {
         program.app().Press(line.name, line.index);
       } else if (line.verb == "select") {
-        program.app().Select(line.name, line.index);
+        if (line.text.empty())
+          program.app().Select(line.name, line.index);
+        else
+          program.app().SelectText(line.name, line.text);
       } else if (line.verb == "set") {
         program.app().Set(line.name, line.text);
       } else if (line.verb == "start") {
