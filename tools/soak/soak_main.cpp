@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
   const auto wall0 = std::chrono::steady_clock::now();
   int failed = 0;
   std::int64_t accepted = 0, delivered = 0, excused = 0, in_flight = 0,
-               still_pending = 0;
+               still_pending = 0, waiting = 0, deleted_waiting = 0, banned = 0;
   std::map<std::string, int> faults;
   std::map<std::string, int> violations;  // by first words
   for (int i = 0; i < runs; ++i) {
@@ -88,6 +88,8 @@ int main(int argc, char** argv) {
     accepted += fig.accepted, delivered += fig.delivered;
     excused += fig.excused, in_flight += fig.in_flight;
     still_pending += fig.still_pending;
+    waiting += fig.waiting, deleted_waiting += fig.deleted_waiting;
+    banned += fig.banned;
     for (const auto& [kind, n] : fig.faults) faults[kind] += n;
     if ((i + 1) % 50 == 0)
       std::cout << "  ... " << i + 1 << " runs, " << failed << " failed"
@@ -121,8 +123,11 @@ int main(int argc, char** argv) {
             << " failed, " << wall << " s\n"
             << "  requests: " << accepted << " mail requests accepted, "
             << delivered << " forwarded mails received, " << still_pending
-            << " still pending at the end, " << excused << " ended otherwise ("
-            << in_flight << " in flight at a stop)\n"
+            << " still pending at the end, " << waiting
+            << " handed to the client, waiting to be sent, " << deleted_waiting
+            << " waiting and deleted by the sent-mail check (by design), "
+            << banned << " removed by a ban, " << excused
+            << " ended otherwise (" << in_flight << " in flight at a stop)\n"
             << "  faults injected: " << injected;
   for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
   std::cout << "\n";
