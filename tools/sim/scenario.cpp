@@ -132,10 +132,10 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
                  "'");
       } else if (t.verb == "select") {
         t.name = TakeWord(rest);
-        const std::string_view item = TrimBlanks(rest);
+        const std::string item = TrimBlanks(rest);
         if (item.size() >= 2 && item.front() == '"' && item.back() == '"') {
           // An item by its text, as the user would pick it.
-          t.text = std::string(item.substr(1, item.size() - 2));
+          t.text = item.substr(1, item.size() - 2);
           if (t.text.empty()) p.Fail("the item's text is empty");
         } else {
           std::string idx = TakeWord(rest);
