@@ -325,9 +325,14 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       left += n_banned;
       if (got + left >= asked_n) continue;
     }
-    const bool excused =
-        dead.count(n) || full.count(sn) || by_user(entry) ||
-        (queue_file_fault && (!exits.empty() || !starts.empty()));
+    // The first known ending that applies, by name.
+    const char* ending =
+        dead.count(n)    ? "dead mail"
+        : full.count(sn) ? "full mailbox"
+        : by_user(entry) ? "cleared or removed by the user"
+        : queue_file_fault && (!exits.empty() || !starts.empty())
+            ? "lost with a fault of the queue's file"
+            : nullptr;
     // The client signed off while the mail was going out: the client lost
     // it, after the program had handed it over.
     bool lost_by_client = false;
@@ -351,15 +356,15 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         if (SignedOffAt(client_off, client_on, taken)) lost_by_client = true;
       }
     }
-    if (lost_by_client) {
-      fig->excused += asked_n - got - left;
-      continue;
+    if (!ending && lost_by_client) ending = "lost with a sign-off";
+    if (!ending && last_taken.count(entry) &&
+        stopped_within(last_taken[entry], 60)) {
+      ending = "in flight at a stop";
+      fig->in_flight += asked_n - got - left;
     }
-    const bool flight =
-        last_taken.count(entry) && stopped_within(last_taken[entry], 60);
-    if (excused || flight) {
+    if (ending) {
       fig->excused += asked_n - got - left;
-      if (!excused) fig->in_flight += asked_n - got - left;
+      fig->endings[ending] += asked_n - got - left;
       continue;
     }
     bad.push_back(who + ": asked " + std::to_string(asked_n) +

@@ -30,7 +30,8 @@ struct RunFigures {
   int banned = 0;           // removed from the list by a ban
   int excused = 0;          // accepted, not delivered, ended another known way
   int in_flight = 0;        // of those: taken when the program stopped
-  std::map<std::string, int> faults;  // injected, by kind
+  std::map<std::string, int> endings;  // those ended another way, by name
+  std::map<std::string, int> faults;   // injected, by kind
 };
 
 // The violations found (empty: the run is clean).

@@ -119,6 +119,13 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
   EXPECT_NE(bad[1].find("fay-1"), std::string::npos);
   EXPECT_EQ(figures.in_flight, 1);
   EXPECT_EQ(figures.excused, 6);
+  const std::map<std::string, int> endings = {
+      {"cleared or removed by the user", 1},
+      {"dead mail", 1},
+      {"full mailbox", 1},
+      {"in flight at a stop", 1},
+      {"lost with a sign-off", 2}};
+  EXPECT_EQ(figures.endings, endings);
 }
 
 TEST_F(InvariantsTest, WaitingDeletedByDesignAndBannedAreNamedEndings) {
