@@ -16,12 +16,12 @@
 #include <string>
 #include <vector>
 
+#include "app/frm_main.h"
 #include "client/client_context.h"
 #include "ports/memory_registry.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
 #include "requests/request_parser.h"
-#include "server/frm_main.h"
 #include "server/serve_engine.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
@@ -79,18 +79,18 @@ struct ServeRoom {
     sim.Launch();
 
     // The mail job timed in virtual seconds, with the forwards it made.
-    ServeJobs jobs = DefaultServeJobs();
+    ServeJobs jobs = MakeServeJobs(frm, c);
     auto mail = jobs.mail;
-    jobs.mail = [this, mail](FrmMain& f, const ClientContext& cc) {
+    jobs.mail = [this, mail] {
       const int before = counter.mails;
       const double start = host.Elapsed();
-      mail(f, cc);
+      mail();
       if (counter.mails > before) {
         forwards += counter.mails - before;
         forward_seconds += host.Elapsed() - start;
       }
     };
-    engine = std::make_unique<ServeEngine>(frm, c, jobs);
+    engine = std::make_unique<ServeEngine>(MakeServeContext(frm), c, jobs);
     ScheduleRequests(only_sends);
   }
   ~ServeRoom() {
@@ -144,9 +144,7 @@ struct ServeRoom {
   ScriptedPrompter prompter;
   FrmMain frm{Ports{host, sim, registry, profiles, prompter, machine, 1}};
   ClientContext c{sim, host, frm.settings, nullptr};
-  RequestContext requests{frm.settings,  frm.frmBanning, frm.pending,
-                          frm.lstBanned, frm.lstMails,   frm.ReplyQueue,
-                          frm.lblPending};
+  RequestContext requests = MakeRequestContext(frm);
   std::unique_ptr<ServeEngine> engine;
   int forwards = 0;
   double forward_seconds = 0;

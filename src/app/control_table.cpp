@@ -97,7 +97,7 @@ std::vector<Control> MakeTable() {
     a.frm().pending.mnuRemoveSelected(a.frm().lblPending);
   }));
   t.push_back(Clicked("mnuMailSession", K::kMenu, [](QuorvexApp& a, int) {
-    mnuMailSession_Click(a.frm(), a.client());
+    mnuMailSession_Click(MakeReplyContext(a.frm()), a.client());
   }));
   for (const SettingsMenuHandler& h : SettingsMenuHandlers()) {
     const std::string name = h.name;

@@ -11,7 +11,6 @@
 #include "requests/reply_order.h"
 #include "requests/request_parser.h"
 #include "server/machine_restart.h"
-#include "server/replies.h"
 #include "server/serve_engine.h"
 #include "settings/inserts.h"
 #include "settings/menu_tree.h"
@@ -37,7 +36,8 @@ QuorvexApp::QuorvexApp(Ports ports)
     return ExpandInserts(text, v);
   };
   BuildMenuTree(frm_.menus);
-  engine_ = std::make_unique<ServeEngine>(frm_, client_);
+  engine_ = std::make_unique<ServeEngine>(MakeServeContext(frm_), client_,
+                                          MakeServeJobs(frm_, client_));
 
   // The client restart and the room buster drive each other: the buster
   // restarts a signed-off client, the restart re-enters the room with it.
@@ -91,7 +91,7 @@ void QuorvexApp::Load() {
 
   if (RestartPending(p.machine)) {
     // After a machine restart: the state file's queue, not Quorvex.INI's.
-    ResumeServing(*engine_, frm_, client_);
+    ResumeServing(*engine_, MakeRestartContext(frm_), client_);
     return;
   }
   const std::string ini = p.machine.AppPath() + "\\Quorvex.INI";
@@ -131,9 +131,7 @@ void QuorvexApp::lblExit_Click() {
 void QuorvexApp::OnChatLine(const std::string& screen_name,
                             const std::string& text) {
   if (frm_.ended) return;
-  RequestContext ctx{frm_.settings,  frm_.frmBanning, frm_.pending,
-                     frm_.lstBanned, frm_.lstMails,   frm_.ReplyQueue,
-                     frm_.lblPending};
+  RequestContext ctx = MakeRequestContext(frm_);
   HandleChatLine(ctx, screen_name, text);
 }
 
@@ -198,7 +196,7 @@ std::vector<const ListBox*> QuorvexApp::OpenLists() const {
   return lists;
 }
 
-std::vector<const Label*> QuorvexApp::Labels() const {
+std::vector<const Label*> QuorvexApp::LabelsOf(bool closed_too) const {
   std::vector<const Label*> labels = {&frm_.lblSession,
                                       &frm_.lblLists,
                                       &frm_.lblMails,
@@ -209,28 +207,12 @@ std::vector<const Label*> QuorvexApp::Labels() const {
                                       &frm_.cmdPause,
                                       &frm_.frmRoomBuster->cmdStart,
                                       &frm_.frmRoomBuster->lblBusts};
-  if (frmChatroom_->form.open()) labels.push_back(&frmChatroom_->lblPeople);
-  if (frmAbout_.form.open())
+  if (closed_too || frmChatroom_->form.open())
+    labels.push_back(&frmChatroom_->lblPeople);
+  if (closed_too || frmAbout_.form.open())
     for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
-  if (frmCredits_.form.open())
+  if (closed_too || frmCredits_.form.open())
     for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
-  return labels;
-}
-
-std::vector<const Label*> QuorvexApp::AllLabels() const {
-  std::vector<const Label*> labels = {&frm_.lblSession,
-                                      &frm_.lblLists,
-                                      &frm_.lblMails,
-                                      &frm_.lblSent,
-                                      &frm_.lblBanned,
-                                      &frm_.lblPending,
-                                      &frm_.cmdStart,
-                                      &frm_.cmdPause,
-                                      &frm_.frmRoomBuster->cmdStart,
-                                      &frm_.frmRoomBuster->lblBusts,
-                                      &frmChatroom_->lblPeople};
-  for (const Label* l : frmAbout_.Labels()) labels.push_back(l);
-  for (const Label* l : frmCredits_.Labels()) labels.push_back(l);
   return labels;
 }
 

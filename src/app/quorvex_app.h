@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "app/frm_main.h"
 #include "app/small_windows.h"
 #include "client/chatroom_window.h"
 #include "client/client_context.h"
 #include "model/form.h"
-#include "server/frm_main.h"
 #include "settings/settings_menu.h"
 
 namespace quorvex {
@@ -69,10 +69,10 @@ class QuorvexApp {
   // final state.
   std::vector<const ListBox*> OpenLists() const;
   // Every label caption by name (those of the small windows while open).
-  std::vector<const Label*> Labels() const;
+  std::vector<const Label*> Labels() const { return LabelsOf(false); }
   // Every label any window can show, open or not: views and transcripts
   // subscribe to these once.
-  std::vector<const Label*> AllLabels() const;
+  std::vector<const Label*> AllLabels() const { return LabelsOf(true); }
   // The text boxes of open windows that show text the program writes.
   std::vector<std::pair<std::string, const TextBox*>> OpenTexts() const;
   // Every window but the main one.
@@ -92,6 +92,10 @@ class QuorvexApp {
   SettingsMenuContext MenuContext();
 
  private:
+  // The labels of frmMain and the room buster, then those of the other
+  // windows: all of them, or only those of the windows that are open.
+  std::vector<const Label*> LabelsOf(bool closed_too) const;
+
   Form main_form_{"frmMain"};
   FrmMain frm_;
   ClientContext client_;

@@ -22,42 +22,43 @@ bool CloseForwardWindow(WindowApi& api) {
   return forward != 0;
 }
 
-void AnnounceDeadMail(FrmMain& frm, const ClientContext& c,
+void AnnounceDeadMail(const MailJobContext& m, const ClientContext& c,
                       const std::string& sn, const std::string& number) {
   PauseSeconds(c.host, kAroundLine);
-  Say(frm, c, DeadMailLine(sn, number));
+  Say(c, m.ended, DeadMailLine(sn, number));
   PauseSeconds(c.host, kAroundLine);
 }
 
 // Nobody waits for a mail that cannot be sent: every other mail entry for
 // the number leaves the queue, each told so, found through the queue's
 // index of mail lines by number.
-void DropDeadRequests(FrmMain& frm, const ClientContext& c,
+void DropDeadRequests(const MailJobContext& m, const ClientContext& c,
                       const std::string& number) {
   // One at a time: each notice pauses, and new lines may come meanwhile.
-  while (std::optional<std::string> sn = frm.pending.TakeFirstMailFor(number)) {
-    frm.pending.RefreshLabel(frm.lblPending);
-    AnnounceDeadMail(frm, c, *sn, number);
+  while (std::optional<std::string> sn = m.pending.TakeFirstMailFor(number)) {
+    m.pending.RefreshLabel(m.lblPending);
+    AnnounceDeadMail(m, c, *sn, number);
   }
 }
 
-void HandleErrorWindow(FrmMain& frm, const ClientContext& c, Hwnd error) {
+void HandleErrorWindow(const MailJobContext& m, const ClientContext& c,
+                       Hwnd error) {
   WindowApi& api = c.api;
   const std::string text = GetErrorText(api, error);
   const auto dash = text.find('-');
   if (dash != std::string::npos && dash >= 1) {
     for (const std::string& sn : FullMailboxNames(text))
-      frm.pending.DropFullMailbox(sn, frm.ReplyQueue);
-    frm.pending.RefreshLabel(frm.lblPending);
+      m.pending.DropFullMailbox(sn, m.ReplyQueue);
+    m.pending.RefreshLabel(m.lblPending);
   }
   DismissErrorWindow(api, error);
   CloseForwardWindow(api);
-  frm.SetStatus("status: pausing 2 secs");
+  m.status.Draw("status: pausing 2 secs");
   Pause(c.host, kAfterError);
 }
 
-void HandleDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f,
-                    Hwnd box) {
+void HandleDeadMail(const MailJobContext& m, const ClientContext& c,
+                    ForwardScratch& f, Hwnd box) {
   WindowApi& api = c.api;
   PressButton(api, FindDialogButton(api, box, "OK"));
   CloseForwardWindow(api);
@@ -65,13 +66,13 @@ void HandleDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f,
   // the mail that was being forwarded when the box came.
   const std::string sn = f.sn;
   const std::string number = f.number;
-  frm.SetStatus("status: mail " + number + " is a dead mail");
-  frm.SetStatus("status: pausing 2 secs");
+  m.status.Draw("status: mail " + number + " is a dead mail");
+  m.status.Draw("status: pausing 2 secs");
   Pause(c.host, kAfterError);
-  AnnounceDeadMail(frm, c, sn, number);
-  if (!IsDeadMail(frm, number)) frm.dead_mails.push_back(number);
+  AnnounceDeadMail(m, c, sn, number);
+  if (!IsDeadMail(m.dead_mails, number)) m.dead_mails.push_back(number);
   f.error = true;
-  DropDeadRequests(frm, c, number);
+  DropDeadRequests(m, c, number);
 }
 
 }  // namespace
@@ -96,7 +97,7 @@ std::vector<std::string> FullMailboxNames(std::string_view error_text) {
   return names;
 }
 
-void ForwardErrorHandler(FrmMain& frm, const ClientContext& c,
+void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
                          ForwardScratch& f) {
   WindowApi& api = c.api;
   Hwnd error = 0;
@@ -110,12 +111,12 @@ void ForwardErrorHandler(FrmMain& frm, const ClientContext& c,
             },
             {.rounds = kHandlerRounds});
   if (error)
-    HandleErrorWindow(frm, c, error);
+    HandleErrorWindow(m, c, error);
   else if (box)
-    HandleDeadMail(frm, c, f, box);
+    HandleDeadMail(m, c, f, box);
 }
 
-void ForwardErrorSweep(FrmMain& frm, const ClientContext& c,
+void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
                        ForwardScratch& f) {
   if (f.in_sweep) return;
   f.in_sweep = true;
@@ -132,8 +133,8 @@ void ForwardErrorSweep(FrmMain& frm, const ClientContext& c,
     // close, for ever; it was not sent, so no "sent" is said for it.
     if (CloseForwardWindow(api)) f.error = true;
   }
-  if (FindErrorWindow(api)) ForwardErrorHandler(frm, c, f);
-  if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(frm, c, f);
+  if (FindErrorWindow(api)) ForwardErrorHandler(m, c, f);
+  if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(m, c, f);
   if (const Hwnd ok = FindModalButton(api, "OK")) PressButton(api, ok);
   if (const Hwnd no = FindModalButton(api, "&No")) PressButton(api, no);
 }

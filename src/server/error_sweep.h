@@ -11,18 +11,18 @@
 
 #include "client/client_context.h"
 #include "server/forward_job.h"
-#include "server/frm_main.h"
 
 namespace quorvex {
 
 // One pass over the boxes, in a fixed order, answering each one found. A
 // sweep started while another is under way (Timer2 inside a pause of the
 // sweep) returns at once.
-void ForwardErrorSweep(FrmMain& frm, const ClientContext& c, ForwardScratch& f);
+void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
+                       ForwardScratch& f);
 
 // Waits up to 300 rounds for the "Error" window or the dead-mail box and
 // handles whichever came.
-void ForwardErrorHandler(FrmMain& frm, const ClientContext& c,
+void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
                          ForwardScratch& f);
 
 // The lower-case screen names of the "Error" window's text: one per line,

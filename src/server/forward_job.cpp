@@ -37,17 +37,17 @@ Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
 
 }  // namespace
 
-std::string NotifyText(FrmMain& frm) {
-  const ListBox& chat = frm.frmMessages.lstChat;
+std::string NotifyText(const MailJobContext& m, Host& host) {
+  const ListBox& chat = m.frmMessages.lstChat;
   if (chat.Empty()) return "sent";
-  const int pick =
-      RandomNumber(chat.Count(), frm.ports.host.Timer(), frm.ports.seed);
+  const int pick = RandomNumber(chat.Count(), host.Timer(), m.seed);
   return chat.Item(pick - 1);
 }
 
-bool IsDeadMail(const FrmMain& frm, std::string_view number) {
-  return std::find(frm.dead_mails.begin(), frm.dead_mails.end(), number) !=
-         frm.dead_mails.end();
+bool IsDeadMail(const std::vector<std::string>& dead_mails,
+                std::string_view number) {
+  return std::find(dead_mails.begin(), dead_mails.end(), number) !=
+         dead_mails.end();
 }
 
 std::string DeadMailLine(std::string_view sn, std::string_view number) {
@@ -58,21 +58,22 @@ std::string DeadMailLine(std::string_view sn, std::string_view number) {
 namespace {
 
 // A mail whose window never came: said dead, and not opened again.
-void GiveUpDeadMail(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
+void GiveUpDeadMail(const MailJobContext& m, const ClientContext& c,
+                    ForwardScratch& f) {
   PauseSeconds(c.host, kBeforeLine);
-  Say(frm, c, DeadMailLine(f.sn, f.number));
+  Say(c, m.ended, DeadMailLine(f.sn, f.number));
   PauseSeconds(c.host, kAfterLine);
-  if (!IsDeadMail(frm, f.number)) frm.dead_mails.push_back(f.number);
+  if (!IsDeadMail(m.dead_mails, f.number)) m.dead_mails.push_back(f.number);
   f.error = true;
 }
 
 // Where mail `number` (1-based in lstMails) stands in the mailbox.
-int MailboxPosition(const FrmMain& frm, int number) {
+int MailboxPosition(const MailJobContext& m, int number) {
   // Without positions (a list filled by other means) numbers are positions.
-  if (frm.mail_positions.size() !=
-      static_cast<std::size_t>(frm.lstMails.Count()))
+  if (m.mailbox.mail_positions.size() !=
+      static_cast<std::size_t>(m.mailbox.lstMails.Count()))
     return number - 1;
-  return frm.mail_positions[static_cast<std::size_t>(number - 1)];
+  return m.mailbox.mail_positions[static_cast<std::size_t>(number - 1)];
 }
 
 }  // namespace
@@ -86,10 +87,11 @@ std::string FirstRequester(std::string_view requesters) {
                                                      : close - open - 1));
 }
 
-std::string ForwardBody(const FrmMain& frm, const std::string& second_line) {
-  const Settings& s = frm.settings;
+std::string ForwardBody(const MailJobContext& m,
+                        const std::string& second_line) {
+  const Settings& s = m.settings;
   return BannerLine(s) + s.LAscii + second_line + s.RAscii + "\r\n" +
-         frm.frmMessages.mail_text().text + "\r\n";
+         m.frmMessages.mail_text().text + "\r\n";
 }
 
 Hwnd FindForwardWindow(WindowApi& api) {
@@ -102,17 +104,18 @@ Hwnd FindForwardWindow(WindowApi& api) {
   });
 }
 
-bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
-                       std::string_view recipients, std::string_view body,
-                       const ForwardSteps& steps, ForwardScratch& f) {
+bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
+                       int number, std::string_view recipients,
+                       std::string_view body, const ForwardSteps& steps,
+                       ForwardScratch& f) {
   WindowApi& api = c.api;
   // The parser checks numbers against the mailbox; a mailbox that shrank
   // since would leave the job waiting for a mail that never opens.
-  if (number < 1 || number > frm.lstMails.Count()) return false;
-  const int position = MailboxPosition(frm, number);
-  const std::string title = frm.lstMails.Item(number - 1);
+  if (number < 1 || number > m.mailbox.lstMails.Count()) return false;
+  const int position = MailboxPosition(m, number);
+  const std::string title = m.mailbox.lstMails.Item(number - 1);
 
-  frm.SetStatus(steps.opening);
+  m.status.Draw(steps.opening);
   // The mailbox stays open while serving; one closed by hand is reopened.
   auto open = [&] {
     if (!FindDocument(api, kIncomingMail)) {
@@ -134,7 +137,7 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
     return how;
   };
   auto give_up = [&](WaitEnd end) {
-    if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(frm, c, f);
+    if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(m, c, f);
     return false;
   };
 
@@ -149,7 +152,7 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
       with_repeat(open));
   if (end != WaitEnd::kMet) return give_up(end);
 
-  frm.SetStatus(steps.forwarding);
+  m.status.Draw(steps.forwarding);
   auto click_forward = [&] {
     ClickIcon(api, FindNthChild(api, mail, aol::kIconClass,
                                 aol::kOpenMailForwardIcon));
@@ -165,20 +168,20 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
       with_repeat(click_forward));
   if (end != WaitEnd::kMet) return give_up(end);
 
-  frm.SetStatus(steps.sending);
-  if (frm.settings.MailMethod)
+  m.status.Draw(steps.sending);
+  if (m.settings.MailMethod)
     ForwardMail(c, recipients, forward, body);
   else
     ForwardMailNow(c, recipients, forward, body);
 
-  frm.SetStatus(steps.sent);
+  m.status.Draw(steps.sent);
   // The forward window goes first, the mail's window with or after it. A
   // forward still there long after its clicks had every one of them lost
   // on a busy client: its send is clicked again, at a pace (a window that
   // is sending takes no more clicks).
   const Hwnd send_again =
       FindNthChild(api, forward, aol::kIconClass,
-                   frm.settings.MailMethod ? kSendLater : kSendNow);
+                   m.settings.MailMethod ? kSendLater : kSendNow);
   const WaitOptions poll{.speed = steps.speed,
                          .give_up = SignedOff(api),
                          .repeat =
@@ -197,20 +200,21 @@ bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
   return true;
 }
 
-void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
-  const TakenGroup group = frm.pending.TakeNextMail(
-      /*lists=*/false, frm.lblPending, MakeCounterView(frm));
+void RunMailJob(const MailJobContext& m, const ClientContext& c,
+                ForwardScratch& f) {
+  const TakenGroup group = m.pending.TakeNextMail(
+      /*lists=*/false, m.lblPending, m.counters);
   if (group.requesters.empty() || group.wanted == "list") return;
 
   const std::string sn = FirstRequester(group.requesters);
   const std::string& number = group.wanted;
   f.sn = sn;
   f.number = number;
-  const std::string notify = NotifyText(frm);
+  const std::string notify = NotifyText(m, c.host);
 
-  if (IsDeadMail(frm, number)) {
+  if (IsDeadMail(m.dead_mails, number)) {
     PauseSeconds(c.host, kBeforeLine);
-    Say(frm, c, DeadMailLine(sn, number));
+    Say(c, m.ended, DeadMailLine(sn, number));
     PauseSeconds(c.host, kAfterLine);
     return;
   }
@@ -218,22 +222,22 @@ void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
   // The parser may have written a fraction; the client takes whole
   // positions.
   const double wanted = RoundHalfEven(Val(number));
-  const int position = wanted < 1 || wanted > frm.lstMails.Count()
+  const int position = wanted < 1 || wanted > m.mailbox.lstMails.Count()
                            ? 0
                            : static_cast<int>(wanted);
   const std::string body =
-      ForwardBody(frm, "mail number <B><U>" + number + "</B></U>");
+      ForwardBody(m, "mail number <B><U>" + number + "</B></U>");
   ForwardSteps steps{"status: opening mail", "status: forwarding mail",
                      "status: sending mail", "status: sent mail",
-                     frm.settings.MailSpeed};
-  if (!ForwardMailNumber(frm, c, position, group.requesters, body, steps, f))
+                     m.settings.MailSpeed};
+  if (!ForwardMailNumber(m, c, position, group.requesters, body, steps, f))
     return;
 
-  ForwardErrorSweep(frm, c, f);
-  if (frm.settings.MailNotify && !f.error)
-    Say(frm, c, sn + " mail <U>" + number + "</U> " + notify);
+  ForwardErrorSweep(m, c, f);
+  if (m.settings.MailNotify && !f.error)
+    Say(c, m.ended, sn + " mail <U>" + number + "</U> " + notify);
   f.error = false;
-  frm.SetStatus("status: scanning chat");
+  m.status.Draw("status: scanning chat");
 }
 
 }  // namespace quorvex

@@ -6,20 +6,49 @@
 // back, and nobody is served twice).
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "client/client_context.h"
-#include "server/frm_main.h"
+#include "model/label.h"
+#include "model/list_box.h"
+#include "requests/pending_queue.h"
+#include "requests/serve_counters.h"
+#include "server/server_common.h"
+#include "settings/messages.h"
+#include "settings/settings.h"
 
 namespace quorvex {
 
+// What the mail jobs (forwards, lists, finds) and the forward-error sweep
+// work on.
+struct MailJobContext {
+  const Settings& settings;
+  // The notices said after a forward and the text every forward carries.
+  const MessagesForm& frmMessages;
+  MailboxLists mailbox;
+  PendingQueue& pending;
+  Label& lblPending;
+  // A full mailbox's reply orders leave the queue with its requests.
+  ListBox& ReplyQueue;
+  // Mail numbers that could not be forwarded; never opened again.
+  std::vector<std::string>& dead_mails;
+  int& ListSeconds;  // the list step ran: the interval starts again
+  CounterView counters;
+  StatusStrip& status;
+  std::uint64_t seed;  // of every random choice
+  const bool& ended;   // nothing is said once the program has ended
+};
+
 // The word said after a forward: "sent", or a random line of the message
 // editor's chat list when it has any.
-std::string NotifyText(FrmMain& frm);
+std::string NotifyText(const MailJobContext& m, Host& host);
 
 // Whether the number is in the dead-mail cache.
-bool IsDeadMail(const FrmMain& frm, std::string_view number);
+bool IsDeadMail(const std::vector<std::string>& dead_mails,
+                std::string_view number);
 
 // sn + " mail <U>" + number + "</U> is a dead mail".
 std::string DeadMailLine(std::string_view sn, std::string_view number);
@@ -29,7 +58,8 @@ std::string FirstRequester(std::string_view requesters);
 
 // The body of a forward: the banner line, then `second_line` between the
 // decorations, then the editor's mail text; every line ends in CR LF.
-std::string ForwardBody(const FrmMain& frm, const std::string& second_line);
+std::string ForwardBody(const MailJobContext& m,
+                        const std::string& second_line);
 
 // What the shared forwarding steps show and how fast they poll; lists use
 // their own texts and the list speed.
@@ -65,12 +95,14 @@ struct ForwardScratch {
 // when the mail's window (or its forward window) has not come within a
 // minute: the mail `f` names is then said to be dead and is not opened
 // again.
-bool ForwardMailNumber(FrmMain& frm, const ClientContext& c, int number,
-                       std::string_view recipients, std::string_view body,
-                       const ForwardSteps& steps, ForwardScratch& f);
+bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
+                       int number, std::string_view recipients,
+                       std::string_view body, const ForwardSteps& steps,
+                       ForwardScratch& f);
 
 // Step 8 of the tick: takes the next mail group and, unless it is a list
 // group or nothing, forwards it.
-void RunMailJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f);
+void RunMailJob(const MailJobContext& m, const ClientContext& c,
+                ForwardScratch& f);
 
 }  // namespace quorvex

@@ -26,7 +26,7 @@ class ForwardJobTest : public ServerTest {
     sim.Launch();
     LoadMailbox(c, frm.lstMails, true, frm.status);
     frm.Timer2 =
-        host.CreateTimer([this] { ForwardErrorSweep(frm, c, scratch); });
+        host.CreateTimer([this] { ForwardErrorSweep(MailJobs(), c, scratch); });
     frm.Timer2->SetInterval(1000);
     frm.Timer2->SetEnabled(true);
     statuses.clear();
@@ -56,7 +56,7 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   frm.frmMessages.mail_text().text = "enjoy";
   Launch(8);
   Queue({"bob-5", "amy-3", "joe smith-5"});
-  RunMailJob(frm, c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
 
   ASSERT_EQ(seen.mails.size(), 1u);
   EXPECT_EQ(seen.mails[0].to, "(bob)(joe smith)");
@@ -82,8 +82,8 @@ TEST_F(ForwardJobTest, NumbersOpenTheirOwnMailPastOtherServersLists) {
   LoadMailbox(c, frm.lstMails, true, frm.status, &frm.mail_positions);
   ASSERT_EQ(frm.lstMails.Items(), (Lines{"first", "mail 1", "mail 2"}));
   Queue({"ann-1", "bob-3"});
-  RunMailJob(frm, c, scratch);
-  RunMailJob(frm, c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
   EXPECT_EQ(Forwarded("ann"), Lines{"first"});
   EXPECT_EQ(Forwarded("bob"), Lines{"mail 2"});
 }
@@ -97,11 +97,11 @@ TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
     frm.lstMails.Add(title);
   Queue({"ann-2"});
   const double start = host.Elapsed();
-  RunMailJob(frm, c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
   EXPECT_GE(host.Elapsed() - start, 60);
   EXPECT_LT(host.Elapsed() - start, 70);
   EXPECT_EQ(Said().back(), DeadMailLine("ann", "2"));
-  EXPECT_TRUE(IsDeadMail(frm, "2"));
+  EXPECT_TRUE(IsDeadMail(frm.dead_mails, "2"));
   EXPECT_TRUE(Forwarded("ann").empty());
   // The mail was asked for again at a pace, not on every poll: one window
   // for each request.
@@ -126,7 +126,7 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
     Queue({"bob-4", "amy-2", "ann-4"});
     // Requests that come in while the mail is being forwarded.
     host.Schedule(0.1, [this] { Queue({"zed-4", "amy~4", "lee-4"}); });
-    RunMailJob(frm, c, scratch);
+    RunMailJob(MailJobs(), c, scratch);
 
     EXPECT_EQ(Said(), (Lines{"bob mail <U>4</U> is a dead mail",
                              "zed mail <U>4</U> is a dead mail",
@@ -142,7 +142,7 @@ TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
   sim.SetFullMailbox("bob");
   Launch(8);
   Queue({"bob-5", "amy-5", "bob-6", "bob-7", "bob~cats", "amy-8"});
-  RunMailJob(frm, c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
 
   EXPECT_EQ(Forwarded("amy"), Lines{"mail 5"});
   EXPECT_TRUE(Forwarded("bob").empty());
@@ -157,11 +157,11 @@ TEST_F(ForwardJobTest, SigningOffEndsTheStepAndLosesTheGroup) {
   Launch(8);
   Queue({"bob-5", "amy-5", "joe-6"});
   sim.SignOffAfter(0.01);
-  RunMailJob(frm, c, scratch);
+  RunMailJob(MailJobs(), c, scratch);
   EXPECT_TRUE(Said().empty());
   EXPECT_EQ(Pending(), Lines{"joe-6"});
   EXPECT_EQ(frm.counters.session, 2);  // taken is counted, sent or not
-  RunMailJob(frm, c, scratch);         // already signed off
+  RunMailJob(MailJobs(), c, scratch);  // already signed off
   EXPECT_TRUE(Pending().empty());
   EXPECT_TRUE(seen.mails.empty());
 }
@@ -193,7 +193,7 @@ class ListsFindsTest : public ForwardJobTest {
     for (int k = 1; k <= lists; ++k)
       sim.AddMail(kListMarker + std::to_string(k) + " ");
     Launch(mails);
-    CollectLists(frm);
+    CollectLists(MailJobs().mailbox);
     statuses.clear();
   }
 };
@@ -203,7 +203,7 @@ TEST_F(ListsFindsTest, CollectListsKeepsOnlyNumberedListMails) {
        {"song a", "\xC2\xB7[ quorvex list number 2 ]", "my quorvex list number",
         "velo-grid list number 1", " quorvex list number 10 "})
     frm.lstMails.Add(t);
-  EXPECT_EQ(CollectLists(frm), 2);
+  EXPECT_EQ(CollectLists(MailJobs().mailbox), 2);
   EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5"}));
   EXPECT_EQ(frm.lblLists.caption(), "lists: 2");
 }
@@ -213,7 +213,7 @@ TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
   frm.settings.LAscii = "<";
   frm.settings.RAscii = ">";
   Launch(120);
-  BuildLists(frm, c);
+  BuildLists(MailJobs(), c);
 
   ASSERT_EQ(seen.mails.size(), 3u);
   EXPECT_EQ(seen.mails[2].to, kUser);
@@ -237,7 +237,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   LaunchWithLists(5, 2);
   frm.ListSeconds = 31;
   Queue({"bob-list", "amy-3", "amy-list"});
-  RunListJob(frm, c, scratch);
+  RunListJob(MailJobs(), c, scratch);
 
   EXPECT_EQ(Forwarded("amy"),
             (Lines{" quorvex list number 1 ", " quorvex list number 2 "}));
@@ -254,7 +254,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   EXPECT_EQ(statuses.front(), "status: opening list");
 
   // Nobody waiting: nothing is sent or said.
-  RunListJob(frm, c, scratch);
+  RunListJob(MailJobs(), c, scratch);
   EXPECT_EQ(seen.mails.size(), 2u);
   EXPECT_EQ(Said().size(), 2u);
 }
@@ -265,7 +265,7 @@ TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
   for (const char* t : {"dogs", "my cats", "Cat Stevens"}) sim.AddMail(t);
   Launch(0);
   Queue({"bob~cat", "amy~dog", "joe~cat", "kim~zebra"});
-  RunFindJob(frm, c);
+  RunFindJob(MailJobs(), c);
 
   ASSERT_EQ(seen.mails.size(), 1u);
   const SimMail& m = seen.mails[0];
@@ -283,7 +283,7 @@ TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
   // No results: answered in the room, nothing counted.
   frm.lstPending().Clear();
   Queue({"kim~zebra"});
-  RunFindJob(frm, c);
+  RunFindJob(MailJobs(), c);
   EXPECT_EQ(seen.mails.size(), 1u);
   EXPECT_EQ(Said().back(), "<kim no results for <U>zebra</U> found");
   EXPECT_EQ(statuses.back(), "status: no find found");

@@ -44,8 +44,8 @@ ListMail ListMailAt(const ListBox& lstLists, int i) {
 
 }  // namespace
 
-int CollectLists(FrmMain& frm) {
-  const ListBox& mails = frm.lstMails;
+int CollectLists(const MailboxLists& mailbox) {
+  const ListBox& mails = mailbox.lstMails;
   for (int i = 0; i < mails.Count(); ++i) {
     const std::string& title = mails.Item(i);
     const auto at = title.find(kListMarker);
@@ -54,52 +54,49 @@ int CollectLists(FrmMain& frm) {
         title.substr(at + std::char_traits<char>::length(kListMarker));
     // "list number " must be followed by the number itself.
     if (rest.empty() || rest[0] < '0' || rest[0] > '9') continue;
-    frm.lstLists.Add(NumberText(Val(rest)) + " " + Str(i + 1));
+    mailbox.lstLists.Add(NumberText(Val(rest)) + " " + Str(i + 1));
   }
-  frm.lblLists.Set("lists: " + Str(frm.lstLists.Count()));
-  return frm.lstLists.Count();
+  mailbox.lblLists.Set("lists: " + Str(mailbox.lstLists.Count()));
+  return mailbox.lstLists.Count();
 }
 
 std::string ListSubject(const Settings& s, int k) {
   return s.LAscii + kListMarker + Str(k) + " " + s.RAscii;
 }
 
-std::string ListBody(const FrmMain& frm, int k, int first, int last) {
-  const Settings& s = frm.settings;
+std::string ListBody(const Settings& s, const ListBox& lstMails, int k,
+                     int first, int last) {
   std::string body = BannerLine(s) + s.LAscii + "list number <B><U>" + Str(k) +
                      "</B></U>" + s.RAscii + kCrLf + kCrLf;
-  for (int i = first; i <= last; ++i) body += TitleLine(frm.lstMails, i);
+  for (int i = first; i <= last; ++i) body += TitleLine(lstMails, i);
   return body;
 }
 
-void BuildLists(FrmMain& frm, const ClientContext& c) {
-  const int count = frm.lstMails.Count();
+void BuildLists(const MailJobContext& m, const ClientContext& c) {
+  const int count = m.mailbox.lstMails.Count();
   // The menu keeps ListSize within 50 to 500; a damaged value must not
   // turn this into an endless loop.
-  const int size = std::max<int>(1, frm.settings.ListSize);
+  const int size = std::max<int>(1, m.settings.ListSize);
   const std::string me = GetUserSN(c.api);
   for (int k = 1, first = 0; first < count; ++k, first += size) {
-    frm.SetStatus("status: making/sending list #" + Str(k));
+    m.status.Draw("status: making/sending list #" + Str(k));
     const int last = std::min(first + size, count) - 1;
-    WriteMailUntilSent(c, me, ListSubject(frm.settings, k),
-                       ListBody(frm, k, first, last));
+    WriteMailUntilSent(
+        c, me, ListSubject(m.settings, k),
+        ListBody(m.settings, m.mailbox.lstMails, k, first, last));
     if (last + 1 < count) {
-      frm.SetStatus("status: pausing for 2 seconds");
+      m.status.Draw("status: pausing for 2 seconds");
       Pause(c.host, kBetweenLists);
     }
   }
-  frm.SetStatus("status: flashing lists");
+  m.status.Draw("status: flashing lists");
   RunAutomaticAol(c);
 
   // The lists are in the mailbox now; read it again so that they are
   // served this session, as they would be after the next start.
-  frm.lstMails.Clear();
-  frm.mail_positions.clear();
-  frm.lstLists.Clear();
-  LoadMailbox(c, frm.lstMails, /*skipForeignLists=*/true, frm.status,
-              &frm.mail_positions);
-  frm.lblMails.Set("mails: " + Str(frm.lstMails.Count()));
-  CollectLists(frm);
+  ReadMailbox(m.mailbox, c, m.status);
+  m.mailbox.lblMails.Set("mails: " + Str(m.mailbox.lstMails.Count()));
+  CollectLists(m.mailbox);
 }
 
 void RunAutomaticAol(const ClientContext& c) {
@@ -141,40 +138,42 @@ void RunAutomaticAol(const ClientContext& c) {
              .pace_max = kAskAgainMaxSeconds});
 }
 
-void RunListJob(FrmMain& frm, const ClientContext& c, ForwardScratch& f) {
+void RunListJob(const MailJobContext& m, const ClientContext& c,
+                ForwardScratch& f) {
   // The list step ran: the interval starts again, served or not.
-  frm.ListSeconds = 0;
-  const int lists = frm.lstLists.Count();
-  const TakenGroup group = frm.pending.TakeNextMail(
-      /*lists=*/true, frm.lblPending, MakeCounterView(frm), lists);
+  m.ListSeconds = 0;
+  const int lists = m.mailbox.lstLists.Count();
+  const TakenGroup group = m.pending.TakeNextMail(
+      /*lists=*/true, m.lblPending, m.counters, lists);
   if (group.requesters.empty() || group.wanted != "list") return;
 
-  const Settings& s = frm.settings;
+  const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string range = "lists <U>1-" + Str(lists) + "</U>";
-  if (!s.ListNotify) Say(frm, c, range + " are being processed");
+  if (!s.ListNotify) Say(c, m.ended, range + " are being processed");
 
   const ForwardSteps steps{"status: opening list", "status: clicking forward",
                            "status: sending list", "status: sent list",
                            s.ListSpeed};
   for (int i = 0; i < lists; ++i) {
-    const ListMail list = ListMailAt(frm.lstLists, i);
+    const ListMail list = ListMailAt(m.mailbox.lstLists, i);
     // A list mail the client refused once is not tried again.
-    if (IsDeadMail(frm, list.position)) continue;
+    if (IsDeadMail(m.dead_mails, list.position)) continue;
     f.sn = sn;
     f.number = list.position;
     const std::string body =
-        ForwardBody(frm, "list number <B><U>" + list.k + "</B></U>");
-    if (!ForwardMailNumber(frm, c, static_cast<int>(Val(list.position)),
+        ForwardBody(m, "list number <B><U>" + list.k + "</B></U>");
+    if (!ForwardMailNumber(m, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps, f))
       return;
-    ForwardErrorSweep(frm, c, f);
+    ForwardErrorSweep(m, c, f);
     if (s.ListNotify && !f.error)
-      Say(frm, c, sn + " list <U>" + list.k + "</U> " + NotifyText(frm));
+      Say(c, m.ended,
+          sn + " list <U>" + list.k + "</U> " + NotifyText(m, c.host));
     f.error = false;
   }
-  if (!s.ListNotify) Say(frm, c, range + " were sent");
-  frm.SetStatus("status: scanning chat");
+  if (!s.ListNotify) Say(c, m.ended, range + " were sent");
+  m.status.Draw("status: scanning chat");
 }
 
 std::string FindLines(const ClientContext& c, const ListBox& lstMails,
@@ -192,35 +191,35 @@ std::string FindLines(const ClientContext& c, const ListBox& lstMails,
   return lines;
 }
 
-void RunFindJob(FrmMain& frm, const ClientContext& c) {
-  const TakenGroup group = frm.pending.TakeNextFind(frm.lblPending);
+void RunFindJob(const MailJobContext& m, const ClientContext& c) {
+  const TakenGroup group = m.pending.TakeNextFind(m.lblPending);
   if (group.requesters.empty()) return;
 
-  const Settings& s = frm.settings;
+  const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string& text = group.wanted;
-  frm.SetStatus("status: finding find");
+  m.status.Draw("status: finding find");
   int count = 0;
   const std::string lines =
-      FindLines(c, frm.lstMails, text, s.FindSpeed, &count);
+      FindLines(c, m.mailbox.lstMails, text, s.FindSpeed, &count);
   if (count == 0) {
-    Say(frm, c, sn + " no results for <U>" + text + "</U> found");
-    frm.SetStatus("status: no find found");
+    Say(c, m.ended, sn + " no results for <U>" + text + "</U> found");
+    m.status.Draw("status: no find found");
     return;
   }
 
   const std::string body = BannerLine(s) + "<B><U>" + Str(count) +
                            "</B></U> find results for <B><U>" + text +
                            "</B></U>" + kCrLf + lines;
-  frm.SetStatus("status: sending find");
+  m.status.Draw("status: sending find");
   const std::string subject = s.LAscii + "quorvex find results for ";
   if (s.MailMethod)
     WriteMail(c, group.requesters, subject, body);
   else
     WriteMailNow(c, group.requesters, subject, body);
-  AdvanceServeCounters(MakeCounterView(frm), 1);
-  Say(frm, c, sn + " results for <U>" + text + "</U> sent");
-  frm.SetStatus("status: sent find");
+  AdvanceServeCounters(m.counters, 1);
+  Say(c, m.ended, sn + " results for <U>" + text + "</U> sent");
+  m.status.Draw("status: sent find");
 }
 
 }  // namespace quorvex

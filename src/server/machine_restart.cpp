@@ -63,82 +63,78 @@ std::string ProgramPath(const Machine& machine) {
   return machine.AppPath() + "\\" + machine.ExeName() + ".exe";
 }
 
-void SaveRestartState(FrmMain& frm) {
+void SaveRestartState(const RestartContext& r) {
   // One rewrite of the file for all the keys, in the order they are listed.
   std::vector<std::pair<std::string, std::string>> values;
   auto put = [&](std::string key, const std::string& value) {
     values.emplace_back(std::move(key), ProfileQuote(value));
   };
-  const ListBox& pending = frm.lstPending();
-  put("ChatName", frm.room_name);
-  put("QuorvexDirectory", ProgramPath(frm.ports.machine));
+  const ListBox& pending = r.pending.list();
+  put("ChatName", r.room_name);
+  put("QuorvexDirectory", ProgramPath(r.machine));
   put("TotalPending", std::to_string(pending.Count()));
-  put("TotalBanned", std::to_string(frm.lstBanned.Count()));
-  put("TotalSent", std::to_string(frm.counters.session));
+  put("TotalBanned", std::to_string(r.lstBanned.Count()));
+  put("TotalSent", std::to_string(r.counters.session));
   for (int i = 0; i < pending.Count(); ++i)
     put("Pending " + std::to_string(i), pending.Item(i));
-  for (int i = 0; i < frm.lstBanned.Count(); ++i)
-    put("Banned " + std::to_string(i), frm.lstBanned.Item(i));
-  frm.ports.profiles.WriteStrings(StatePath(frm.ports.machine), kRestartSection,
-                                  values);
+  for (int i = 0; i < r.lstBanned.Count(); ++i)
+    put("Banned " + std::to_string(i), r.lstBanned.Item(i));
+  r.profiles.WriteStrings(StatePath(r.machine), kRestartSection, values);
 }
 
-void LoadRestartState(FrmMain& frm) {
-  StateReader state(frm.ports.profiles, StatePath(frm.ports.machine));
-  frm.room_name = state.Get("ChatName");
+void LoadRestartState(const RestartContext& r) {
+  StateReader state(r.profiles, StatePath(r.machine));
+  r.room_name = state.Get("ChatName");
 
   double sent = RoundHalfEven(Val(state.Get("TotalSent")));
-  frm.counters.session =
+  r.counters.session =
       SaturatingAdd(0, static_cast<std::int64_t>(std::clamp(sent, -3e9, 3e9)));
-  frm.lblSession.Set("session: " + std::to_string(frm.counters.session));
+  r.lblSession.Set("session: " + std::to_string(r.counters.session));
 
   const std::string pending = state.Get("TotalPending");
   if (IsNumeric(pending) && Val(pending) >= 0) {
-    frm.lblPending.Set("pending: " + pending);
-    LoadNumbered(state, pending, "Pending ", [&frm](std::string line) {
-      frm.pending.Append(std::move(line));
-    });
+    r.lblPending.Set("pending: " + pending);
+    LoadNumbered(state, pending, "Pending ",
+                 [&r](std::string line) { r.pending.Append(std::move(line)); });
   }
   const std::string banned = state.Get("TotalBanned");
   if (IsNumeric(banned) && Val(banned) > 0) {
-    frm.lblBanned.Set("banned: " + banned);
-    LoadNumbered(state, banned, "Banned ", [&frm](std::string name) {
-      frm.lstBanned.Add(std::move(name));
-    });
+    r.lblBanned.Set("banned: " + banned);
+    LoadNumbered(state, banned, "Banned ",
+                 [&r](std::string name) { r.lstBanned.Add(std::move(name)); });
   }
 }
 
-void CPURestart(FrmMain& frm, const ClientContext& c) {
-  Ports& p = frm.ports;
-  if (frm.Timer1) frm.Timer1->SetEnabled(false);
-  if (frm.Timer2) frm.Timer2->SetEnabled(false);
+void CPURestart(const RestartContext& r, const ClientContext& c) {
+  if (r.Timer1) r.Timer1->SetEnabled(false);
+  if (r.Timer2) r.Timer2->SetEnabled(false);
 
-  SaveSettings(frm.settings, p.registry);
-  SaveMessages(frm.frmMessages, p.registry);
-  SaveRestartState(frm);
+  SaveSettings(r.settings, r.registry);
+  SaveMessages(r.frmMessages, r.registry);
+  SaveRestartState(r);
 
   // The client may ignore a close; it is asked again every 40 seconds.
   while (Hwnd frame = FindFrame(c.api)) {
-    frm.SetStatus("status: closing aol");
+    r.status.Draw("status: closing aol");
     c.api.PostMessageA(frame, win::kWmClose, 0, 0);
     WaitUntil(c.host, [&c] { return FindFrame(c.api) == 0; },
               {.speed = 0.4f, .rounds = kClosePolls});
   }
 
-  p.profiles.WriteString(p.machine.HostPath(kWinIni), "Windows", "load",
+  r.profiles.WriteString(r.machine.HostPath(kWinIni), "Windows", "load",
                          std::string(kRestartCopy));
 
   const std::string copying = "status: copying quorvex(be patient)";
-  frm.SetStatus(copying);
-  p.machine.CopyFileBytes(
-      ProgramPath(p.machine), kRestartCopy,
-      [&frm, &copying](std::int64_t done, std::int64_t total) {
+  r.status.Draw(copying);
+  r.machine.CopyFileBytes(
+      ProgramPath(r.machine), kRestartCopy,
+      [&r, &copying](std::int64_t done, std::int64_t total) {
         if (total <= 0) return;
-        frm.SetStatus(copying + " " + std::to_string(done * 100 / total) + "%");
+        r.status.Draw(copying + " " + std::to_string(done * 100 / total) + "%");
       });
 
-  frm.SetStatus("status: restarting windows");
-  p.machine.Reboot();
+  r.status.Draw("status: restarting windows");
+  r.machine.Reboot();
 }
 
 StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
@@ -160,25 +156,25 @@ bool RestartPending(const Machine& machine) {
   return machine.FileExists(kRestartStateFile);
 }
 
-void ResumeServing(ServeEngine& engine, FrmMain& frm, const ClientContext& c) {
-  Ports& p = frm.ports;
-  LoadRestartState(frm);
+void ResumeServing(ServeEngine& engine, const RestartContext& r,
+                   const ClientContext& c) {
+  LoadRestartState(r);
 
-  frm.SetStatus("status: pausing 10 secs");
+  r.status.Draw("status: pausing 10 secs");
   PauseSeconds(c.host, 10);
-  if (frm.ended) return;
+  if (r.ended) return;
 
   // One file on Windows under either spelling.
   for (const char* file : {kRestartCopy, "C:\\Windows\\RestartSettings.ini"})
-    if (p.machine.FileExists(file)) p.machine.RemoveFile(file);
-  p.profiles.WriteString(p.machine.HostPath(kWinIni), "Windows", "load",
+    if (r.machine.FileExists(file)) r.machine.RemoveFile(file);
+  r.profiles.WriteString(r.machine.HostPath(kWinIni), "Windows", "load",
                          std::string());
 
   if (engine.aol_restart) engine.aol_restart();
   PauseSeconds(c.host, 1);
-  Say(frm, c, "quorvex restarted <B><U>cpu</B></U>");
+  Say(c, r.ended, "quorvex restarted <B><U>cpu</B></U>");
   PauseSeconds(c.host, 0.45f);
-  if (frm.ended) return;
+  if (r.ended) return;
   engine.cmdStart_Click();
 }
 

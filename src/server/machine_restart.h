@@ -5,17 +5,46 @@
 // restores it, cleans up, restarts the client and serves again.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "client/client_context.h"
+#include "model/label.h"
+#include "model/list_box.h"
 #include "ports/host.h"
 #include "ports/machine.h"
 #include "ports/profile_file.h"
-#include "server/frm_main.h"
+#include "ports/registry.h"
+#include "requests/pending_queue.h"
+#include "requests/serve_counters.h"
+#include "settings/messages.h"
+#include "settings/settings.h"
 
 namespace quorvex {
 
 class ServeEngine;
+
+// What a machine restart saves and the resume after it restores.
+struct RestartContext {
+  Machine& machine;
+  ProfileFile& profiles;
+  Registry& registry;
+  // Saved to the registry before the machine goes down.
+  const Settings& settings;
+  const MessagesForm& frmMessages;
+  PendingQueue& pending;
+  Label& lblPending;
+  ListBox& lstBanned;
+  Label& lblBanned;
+  ServeCounters& counters;  // the session count goes along
+  Label& lblSession;
+  std::string& room_name;  // the room to return to
+  // The serving clocks, stopped before the client is closed.
+  std::unique_ptr<HostTimer>& Timer1;
+  std::unique_ptr<HostTimer>& Timer2;
+  StatusStrip& status;
+  const bool& ended;
+};
 
 // Fixed paths, used as they stand whatever the Windows folder is.
 inline constexpr const char* kRestartStateFile =
@@ -30,16 +59,16 @@ std::string ProgramPath(const Machine& machine);
 // RestartSettings.INI: ChatName, QuorvexDirectory, TotalPending,
 // TotalBanned, TotalSent, then "Pending 0"... and "Banned 0"... Keys of an
 // earlier, longer save are left in place.
-void SaveRestartState(FrmMain& frm);
+void SaveRestartState(const RestartContext& r);
 // The room name, the session counter, and the pending and banned lists
 // (each only when its stored total is a number: 0 or more for the queue,
 // above 0 for the banned list).
-void LoadRestartState(FrmMain& frm);
+void LoadRestartState(const RestartContext& r);
 
 // Stops serving, saves everything, closes the client, registers and writes
 // the restart copy (progress on the status strip) and reboots. Returns
 // only when the machine does not reboot.
-void CPURestart(FrmMain& frm, const ClientContext& c);
+void CPURestart(const RestartContext& r, const ClientContext& c);
 
 // What the splash window decided at start-up.
 enum class StartupKind {
@@ -58,6 +87,7 @@ bool RestartPending(const Machine& machine);
 // The resume branch of the main window's load: the saved state restored,
 // ten seconds for Windows to settle, the copy, the state file and the
 // start-up entry removed, the client restarted, and serving started.
-void ResumeServing(ServeEngine& engine, FrmMain& frm, const ClientContext& c);
+void ResumeServing(ServeEngine& engine, const RestartContext& r,
+                   const ClientContext& c);
 
 }  // namespace quorvex

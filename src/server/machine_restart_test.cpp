@@ -49,12 +49,13 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
     frm.pending.Append(line);
   frm.lstBanned.Add("spammer");
   frm.lstBanned.Add("pest two");
-  SaveRestartState(frm);
+  SaveRestartState(Restart());
   EXPECT_EQ(State("QuorvexDirectory"),
             "C:\\Program Files\\Quorvex\\Quorvex.exe");
 
-  FrmMain again{frm.ports};
-  LoadRestartState(again);
+  const auto next = NextProgram();
+  auto& again = *next;
+  LoadRestartState(MakeRestartContext(again));
   EXPECT_EQ(again.room_name, "Lobby 7");
   EXPECT_EQ(again.lblSession.caption(), "session: 17");
   EXPECT_THAT(again.lstPending().Items(),
@@ -67,7 +68,7 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
   // A shorter save leaves the old keys behind.
   frm.lstPending().Clear();
   frm.pending.Append("ann-1");
-  SaveRestartState(frm);
+  SaveRestartState(Restart());
   EXPECT_EQ(State("TotalPending"), "1");
   EXPECT_EQ(State("Pending 2"), "joe~cats & dogs");
 }
@@ -88,7 +89,7 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
   frm.pending.Append("bob-1");
   SetWinIniLoad("C:\\other.exe");
 
-  CPURestart(frm, c);
+  CPURestart(Restart(), c);
 
   EXPECT_FALSE(frm.Timer1->enabled());
   EXPECT_EQ(registry.GetSetting(kApp, "Settings", "MailNotify", ""), "False");
@@ -139,11 +140,11 @@ TEST_F(MachineRestartTest, ResumeRestoresCleansUpAndServes) {
   ASSERT_TRUE(RestartPending(machine));
 
   ServeJobs jobs;
-  jobs.collect_lists = [](FrmMain&) { return 1; };
-  ServeEngine engine(frm, c, jobs);
+  jobs.collect_lists = [] { return 1; };
+  ServeEngine engine(MakeServeContext(frm), c, jobs);
   int client_restarts = 0;
   engine.aol_restart = [&] { ++client_restarts; };
-  ResumeServing(engine, frm, c);
+  ResumeServing(engine, Restart(), c);
 
   EXPECT_GE(host.Elapsed(), 9.5);  // Windows is given time to settle
   EXPECT_FALSE(RestartPending(machine));

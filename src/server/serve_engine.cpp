@@ -7,11 +7,8 @@
 #include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
-#include "requests/ban_policy.h"
 #include "requests/reply_order.h"
-#include "server/machine_restart.h"
 #include "server/mail_window_sizes.h"
-#include "server/replies.h"
 #include "server/server_common.h"
 
 namespace quorvex {
@@ -33,34 +30,35 @@ int NextSecond(int seconds) {
 
 }  // namespace
 
-ServeEngine::ServeEngine(FrmMain& frm, const ClientContext& c, ServeJobs jobs)
-    : frm_(frm), c_(c), jobs_(std::move(jobs)) {
-  Host& host = frm_.ports.host;
-  frm_.Timer1 = host.CreateTimer([this] { Timer1_Timer(); });
-  frm_.Timer1->SetInterval(1);
-  frm_.Timer2 = host.CreateTimer([this] { Timer2_Timer(); });
-  frm_.Timer2->SetInterval(1000);
+ServeEngine::ServeEngine(const ServeContext& ctx, const ClientContext& c,
+                         ServeJobs jobs)
+    : ctx_(ctx), c_(c), jobs_(std::move(jobs)) {
+  Host& host = c_.host;
+  ctx_.Timer1 = host.CreateTimer([this] { Timer1_Timer(); });
+  ctx_.Timer1->SetInterval(1);
+  ctx_.Timer2 = host.CreateTimer([this] { Timer2_Timer(); });
+  ctx_.Timer2->SetInterval(1000);
 }
 
 ServeEngine::~ServeEngine() {
   // The timers call back into this engine.
-  frm_.Timer1.reset();
-  frm_.Timer2.reset();
+  ctx_.Timer1.reset();
+  ctx_.Timer2.reset();
 }
 
 void ServeEngine::SetTimers(bool enabled) {
-  frm_.Timer1->SetEnabled(enabled);
-  frm_.Timer2->SetEnabled(enabled);
+  ctx_.Timer1->SetEnabled(enabled);
+  ctx_.Timer2->SetEnabled(enabled);
 }
 
 // --- lifecycle ---
 
 void ServeEngine::cmdStart_Click() {
-  if (frm_.ended) return;
-  if (frm_.ServerOn) {
+  if (ctx_.ended) return;
+  if (ctx_.ServerOn) {
     // The next tick says goodbye and stops the timers.
-    frm_.ServerOn = false;
-    frm_.cmdStart.Set("&start");
+    ctx_.ServerOn = false;
+    ctx_.cmdStart.Set("&start");
     return;
   }
   // A second click while the start is still talking to the client would
@@ -72,54 +70,51 @@ void ServeEngine::cmdStart_Click() {
 }
 
 void ServeEngine::Start() {
-  const Settings& s = frm_.settings;
-  frm_.lstMails.Clear();
-  frm_.mail_positions.clear();
-  frm_.lstLists.Clear();
-  LoadMailbox(c_, frm_.lstMails, true, frm_.status, &frm_.mail_positions);
-  int lists = jobs_.collect_lists ? jobs_.collect_lists(frm_) : 0;
-  frm_.SetStatus("status: found #" + std::to_string(lists) + " lists");
+  const Settings& s = ctx_.settings;
+  ReadMailbox(ctx_.mailbox, c_, ctx_.status);
+  int lists = jobs_.collect_lists ? jobs_.collect_lists() : 0;
+  ctx_.status.Draw("status: found #" + std::to_string(lists) + " lists");
   if (lists == 0) {
-    if (!frm_.ports.prompter.YesNo("do you want to make new lists?",
-                                   "make lists")) {
-      frm_.SetStatus("status: idle");
+    if (!ctx_.prompter.YesNo("do you want to make new lists?", "make lists")) {
+      ctx_.status.Draw("status: idle");
       return;
     }
-    if (jobs_.build_lists) jobs_.build_lists(frm_, c_);
-    lists = frm_.lstLists.Count();
+    if (jobs_.build_lists) jobs_.build_lists();
+    lists = ctx_.mailbox.lstLists.Count();
   }
-  if (frm_.ended) return;
-  frm_.lblMails.Set("mails: " + std::to_string(frm_.lstMails.Count()));
-  frm_.lblLists.Set("lists: " + std::to_string(lists));
+  if (ctx_.ended) return;
+  ctx_.mailbox.lblMails.Set("mails: " +
+                            std::to_string(ctx_.mailbox.lstMails.Count()));
+  ctx_.mailbox.lblLists.Set("lists: " + std::to_string(lists));
 
-  frm_.SetStatus("status: starting server");
+  ctx_.status.Draw("status: starting server");
   PrepareClient();
-  if (frm_.ended) return;
+  if (ctx_.ended) return;
 
   Host& host = c_.host;
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex mail server <B><U>on</B></U>");
+  Say(c_, ctx_.ended, "quorvex mail server <B><U>on</B></U>");
   PauseSeconds(host, kAround);
-  Say(frm_, c_,
+  Say(c_, ctx_.ended,
       "type /<B>" + s.Handle + " send <U>x" +
           (s.BlocksXYEnable ? ",x-y</U></B>" : "</U></B>"));
   PauseSeconds(host, kAround);
   if (s.FindsEnable) {
     // The range setting of sends picks the find form too; intended.
-    Say(frm_, c_,
+    Say(c_, ctx_.ended,
         "type <B>/" + s.Handle + " find <U>x" +
             (s.BlocksXYEnable ? ",x&y</U></B>" : "</U></B>"));
     PauseSeconds(host, kAround);
   }
-  if (frm_.ended) return;
+  if (ctx_.ended) return;
 
-  frm_.ServerOn = true;
-  frm_.cmdStart.Set("&stop");
+  ctx_.ServerOn = true;
+  ctx_.cmdStart.Set("&stop");
   SetTimers(true);
-  frm_.counters.AOLCount = 0;
-  frm_.counters.CPUCount = 0;
-  frm_.counters.SentCount = 0;
-  frm_.SetStatus("status: scanning chat");
+  ctx_.counters.AOLCount = 0;
+  ctx_.counters.CPUCount = 0;
+  ctx_.counters.SentCount = 0;
+  ctx_.status.Draw("status: scanning chat");
 }
 
 void ServeEngine::PrepareClient() {
@@ -130,69 +125,69 @@ void ServeEngine::PrepareClient() {
   FindChildByTitle(api, FindMdiClient(api), "Buddy List Window");
   user_sn_ = GetUserSN(api);
   if (set_preferences) set_preferences();
-  if (frm_.settings.MailResize) ShrinkMailWindows(c_);
+  if (ctx_.settings.MailResize) ShrinkMailWindows(c_);
   IMsOff(c_);
 }
 
 void ServeEngine::cmdPause_Click() {
-  if (frm_.ended || !frm_.ServerOn) return;
-  if (frm_.ServerPaused) {
+  if (ctx_.ended || !ctx_.ServerOn) return;
+  if (ctx_.ServerPaused) {
     Resume();
     return;
   }
   // The next tick says so and stops the timers.
-  frm_.ServerPaused = true;
-  frm_.cmdPause.Set("&unpause");
+  ctx_.ServerPaused = true;
+  ctx_.cmdPause.Set("&unpause");
 }
 
 void ServeEngine::Resume() {
   Host& host = c_.host;
-  frm_.SetStatus("status: unpausing server");
+  ctx_.status.Draw("status: unpausing server");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex mail server <B><U>unpaused</B></U>");
+  Say(c_, ctx_.ended, "quorvex mail server <B><U>unpaused</B></U>");
   PauseSeconds(host, kAround);
-  if (frm_.ended) return;
-  frm_.ServerPaused = false;
+  if (ctx_.ended) return;
+  ctx_.ServerPaused = false;
   SetTimers(true);
-  frm_.cmdPause.Set("&pause");
-  frm_.SetStatus("status: scanning chat");
+  ctx_.cmdPause.Set("&pause");
+  ctx_.status.Draw("status: scanning chat");
 }
 
 void ServeEngine::PauseServer() {
   Host& host = c_.host;
-  frm_.SetStatus("status: pausing server");
+  ctx_.status.Draw("status: pausing server");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex mail server <B><U>paused</B></U>");
+  Say(c_, ctx_.ended, "quorvex mail server <B><U>paused</B></U>");
   PauseSeconds(host, kAround);
   SetTimers(false);
-  frm_.SetStatus("status: paused");
+  ctx_.status.Draw("status: paused");
 }
 
 void ServeEngine::Stop() {
   Host& host = c_.host;
-  frm_.SetStatus("status: stopping server");
+  ctx_.status.Draw("status: stopping server");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex mail server <B><U>off</B></U>");
+  Say(c_, ctx_.ended, "quorvex mail server <B><U>off</B></U>");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "please stop requesting");
+  Say(c_, ctx_.ended, "please stop requesting");
   SetTimers(false);
-  if (frm_.ended) return;
-  if (frm_.settings.MailResize) ForgetMailWindowSizes(c_);
+  if (ctx_.ended) return;
+  if (ctx_.settings.MailResize) ForgetMailWindowSizes(c_);
   IMsOn(c_);
-  frm_.SetStatus("status: idle");
+  ctx_.status.Draw("status: idle");
 }
 
 // --- the serving loop ---
 
 void ServeEngine::Timer1_Timer() {
-  if (frm_.ended) return;
+  if (ctx_.ended) return;
   ReplyPhase();
-  if (frm_.ended) return;
-  frm_.SetStatus("status: scanning chat");
+  if (ctx_.ended) return;
+  ctx_.status.Draw("status: scanning chat");
   // Clicks made during the tick so far are honoured here.
-  if (frm_.ServerPaused) {
+  if (ctx_.ServerPaused) {
     PauseServer();
-  } else if (frm_.ServerOn) {
+  } else if (ctx_.ServerOn) {
     ServeSteps();
   } else {
     Stop();
@@ -201,58 +196,55 @@ void ServeEngine::Timer1_Timer() {
 
 void ServeEngine::ReplyPhase() {
   // Replies queued while this phase runs wait for the next tick.
-  const int n = frm_.ReplyQueue.Count();
-  for (int i = 0; i < n && !frm_.ended; ++i) {
-    if (frm_.ReplyQueue.Empty()) break;
-    const std::string entry = frm_.ReplyQueue.Item(0);
+  const int n = ctx_.ReplyQueue.Count();
+  for (int i = 0; i < n && !ctx_.ended; ++i) {
+    if (ctx_.ReplyQueue.Empty()) break;
+    const std::string entry = ctx_.ReplyQueue.Item(0);
     if (entry.empty()) break;
-    const std::uint64_t id = frm_.ReplyQueue.IdAt(0);
+    const std::uint64_t id = ctx_.ReplyQueue.IdAt(0);
     ReplyOrder order;
     if (ReplyOrder::Read(entry, &order)) Reply(order.sn, order.kind);
-    frm_.ReplyQueue.RemoveId(id);
+    ctx_.ReplyQueue.RemoveId(id);
   }
 }
 
 void ServeEngine::Reply(const std::string& sn, const std::string& kind) {
   Host& host = c_.host;
   if (kind == "thankyou") {
-    ThankYouReply(frm_, c_, sn);
+    if (jobs_.thank_you) jobs_.thank_you(sn);
     PauseSeconds(host, kAround);
   } else if (kind == "duplication") {
     PauseSeconds(host, kAround);
-    Say(frm_, c_, "(" + sn + ") you made a duplication error");
+    Say(c_, ctx_.ended, "(" + sn + ") you made a duplication error");
   } else if (kind == "mailbox") {
     PauseSeconds(host, kAround);
-    Say(frm_, c_, "(" + sn + ") you have a full mailbox");
+    Say(c_, ctx_.ended, "(" + sn + ") you have a full mailbox");
     // A full mailbox counts against the person only when the banning
     // options say so.
-    if (frm_.frmBanning.chkFullBox.value == 1) {
-      BanContext ban = MakeBanContext(frm_, c_);
-      AddMistake(ban, sn);
-    }
+    if (jobs_.full_mailbox) jobs_.full_mailbox(sn);
     PauseSeconds(host, kAround);
   } else if (kind == "pending") {
     PauseSeconds(host, kAround);
-    Say(frm_, c_, "(" + sn + ") you have to many pending");
+    Say(c_, ctx_.ended, "(" + sn + ") you have to many pending");
   } else if (sn == ReplyOrder::kSend) {
     PauseSeconds(host, kAround);
-    Say(frm_, c_, kind);
+    Say(c_, ctx_.ended, kind);
     PauseSeconds(host, kAfterReply);
   } else if (kind == "status") {
-    StatusReply(frm_, c_, sn);
+    if (jobs_.status) jobs_.status(sn);
     PauseSeconds(host, kAfterReply);
   }
 }
 
 void ServeEngine::ServeSteps() {
-  const Settings& s = frm_.settings;
-  const ServeCounters& n = frm_.counters;
+  const Settings& s = ctx_.settings;
+  const ServeCounters& n = ctx_.counters;
   // A lost sign-on is no error: the client is restarted like after its
   // quota of mails.
   if (!IsSignedOn(c_.api) ||
       (s.AOLRestart >= 2 && n.AOLCount >= s.AOLRestart)) {
     RestartClient();
-    if (frm_.ended) return;
+    if (ctx_.ended) return;
   }
   if (s.CPURestart >= 2 && n.CPUCount >= s.CPURestart) {
     RestartMachine();
@@ -260,103 +252,99 @@ void ServeEngine::ServeSteps() {
   }
   if (s.SentRestart >= 2 && n.SentCount >= s.SentRestart) {
     ClearSent();
-    if (frm_.ended) return;
+    if (ctx_.ended) return;
   }
-  if (jobs_.mail) jobs_.mail(frm_, c_);
-  if (frm_.ended) return;
-  if (frm_.ScrollSeconds >= s.BotScroll) Advertise(frm_, c_);
-  if (frm_.ended) return;
-  if (frm_.ListSeconds >= s.ListAdvertise || s.ListIfNoPending) {
-    if (jobs_.list) jobs_.list(frm_, c_);
+  if (jobs_.mail) jobs_.mail();
+  if (ctx_.ended) return;
+  if (ctx_.ScrollSeconds >= s.BotScroll && jobs_.advertise) jobs_.advertise();
+  if (ctx_.ended) return;
+  if (ctx_.ListSeconds >= s.ListAdvertise || s.ListIfNoPending) {
+    if (jobs_.list) jobs_.list();
   }
-  if (frm_.ended) return;
-  if (jobs_.find) jobs_.find(frm_, c_);
-  if (frm_.ended) return;
+  if (ctx_.ended) return;
+  if (jobs_.find) jobs_.find();
+  if (ctx_.ended) return;
   RememberRoom();
 }
 
 void ServeEngine::RememberRoom() {
   if (Hwnd room = FindChatRoom(c_.api))
-    frm_.room_name = GetCaption(c_.api, room);
+    ctx_.room_name = GetCaption(c_.api, room);
 }
 
 void ServeEngine::RestartClient() {
   Host& host = c_.host;
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex is restarting <B><U>aol</B></U>");
+  Say(c_, ctx_.ended, "quorvex is restarting <B><U>aol</B></U>");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "please hold requests and be patient");
+  Say(c_, ctx_.ended, "please hold requests and be patient");
   PauseSeconds(host, kAround);
-  frm_.SetStatus("status: restarting aol");
+  ctx_.status.Draw("status: restarting aol");
   RememberRoom();
   // The second clock's error sweep must not click into the client while
   // it restarts.
-  frm_.Timer2->SetEnabled(false);
+  ctx_.Timer2->SetEnabled(false);
   if (aol_restart) aol_restart();
-  frm_.counters.AOLCount = 0;
+  ctx_.counters.AOLCount = 0;
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex restarted <B><U>aol</B></U>");
+  Say(c_, ctx_.ended, "quorvex restarted <B><U>aol</B></U>");
   PauseSeconds(host, kAround);
-  if (frm_.ended) return;
-  frm_.Timer2->SetEnabled(true);
-  frm_.SetStatus("status: restarted aol");
-  frm_.SetStatus("status: scanning chat");
+  if (ctx_.ended) return;
+  ctx_.Timer2->SetEnabled(true);
+  ctx_.status.Draw("status: restarted aol");
+  ctx_.status.Draw("status: scanning chat");
 }
 
 void ServeEngine::RestartMachine() {
   Host& host = c_.host;
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex is restarting <B><U>cpu</B></U>");
+  Say(c_, ctx_.ended, "quorvex is restarting <B><U>cpu</B></U>");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "please hold requests and be patient");
+  Say(c_, ctx_.ended, "please hold requests and be patient");
   PauseSeconds(host, kAround);
-  frm_.SetStatus("status: restarting cpu");
+  ctx_.status.Draw("status: restarting cpu");
   RememberRoom();
-  frm_.Timer2->SetEnabled(false);
-  if (frm_.ended) return;
-  if (cpu_restart) {
-    cpu_restart();
-  } else {
-    CPURestart(frm_, c_);
-  }
+  ctx_.Timer2->SetEnabled(false);
+  if (ctx_.ended) return;
+  if (jobs_.cpu_restart) jobs_.cpu_restart();
 }
 
 void ServeEngine::ClearSent() {
   Host& host = c_.host;
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex is deleting <B><U>sent</B></U>");
+  Say(c_, ctx_.ended, "quorvex is deleting <B><U>sent</B></U>");
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "please be patient");
+  Say(c_, ctx_.ended, "please be patient");
   PauseSeconds(host, kAround);
-  frm_.SetStatus("status: deleting sent");
-  frm_.Timer2->SetEnabled(false);
+  ctx_.status.Draw("status: deleting sent");
+  ctx_.Timer2->SetEnabled(false);
   host.DoEvents();
   DeleteSentMail(c_);
   host.DoEvents();
-  if (frm_.settings.MailMethod) {
+  if (ctx_.settings.MailMethod) {
     DeleteMailWaiting(c_);
     host.DoEvents();
   }
   PauseSeconds(host, kAround);
-  Say(frm_, c_, "quorvex deleted <B><U>sent</B></U>");
+  Say(c_, ctx_.ended, "quorvex deleted <B><U>sent</B></U>");
   PauseSeconds(host, kAround);
-  if (frm_.ended) return;
-  frm_.Timer2->SetEnabled(true);
-  frm_.counters.SentCount = 0;
-  frm_.SetStatus("status: deleted sent");
-  frm_.SetStatus("status: scanning chat");
+  if (ctx_.ended) return;
+  ctx_.Timer2->SetEnabled(true);
+  ctx_.counters.SentCount = 0;
+  ctx_.status.Draw("status: deleted sent");
+  ctx_.status.Draw("status: scanning chat");
 }
 
 void ServeEngine::Timer2_Timer() {
-  if (frm_.ended) return;
-  if (jobs_.sweep) jobs_.sweep(frm_, c_);
-  const Settings& s = frm_.settings;
+  if (ctx_.ended) return;
+  if (jobs_.sweep) jobs_.sweep();
+  const Settings& s = ctx_.settings;
   // With "if no requests pending" an empty queue makes the next tick's
   // list step due at once.
-  if (frm_.lstPending().Count() == 0 && s.ListIfNoPending)
-    frm_.ListSeconds = s.ListAdvertise + 10;
-  frm_.ListSeconds = NextSecond(frm_.ListSeconds);
-  frm_.ScrollSeconds = NextSecond(frm_.ScrollSeconds);
+  if (ctx_.pending.list().Count() == 0 && s.ListIfNoPending)
+    ctx_.ListSeconds = s.ListAdvertise + 10;
+  ctx_.ListSeconds = NextSecond(ctx_.ListSeconds);
+  ctx_.ScrollSeconds = NextSecond(ctx_.ScrollSeconds);
 }
 
 }  // namespace quorvex

@@ -6,33 +6,72 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "client/client_context.h"
-#include "server/frm_main.h"
+#include "model/label.h"
+#include "model/list_box.h"
+#include "ports/host.h"
+#include "ports/prompter.h"
+#include "requests/pending_queue.h"
+#include "requests/serve_counters.h"
+#include "server/server_common.h"
+#include "settings/settings.h"
 
 namespace quorvex {
 
-// The jobs of a tick and of the start, as the forwarding, list and find
-// code provides them (DefaultServeJobs); tests may put others in.
-struct ServeJobs {
-  std::function<void(FrmMain&, const ClientContext&)> mail;   // one forward
-  std::function<void(FrmMain&, const ClientContext&)> list;   // list serving
-  std::function<void(FrmMain&, const ClientContext&)> find;   // one find
-  std::function<void(FrmMain&, const ClientContext&)> sweep;  // error boxes
-  // The list mails of lstMails into lstLists; their number.
-  std::function<int(FrmMain&)> collect_lists;
-  // Writes the lists anew ("make lists" answered yes).
-  std::function<void(FrmMain&, const ClientContext&)> build_lists;
+// What the serving loop itself reads and changes: the lifecycle's flags
+// and buttons, the clocks and their intervals, the mailbox it reads at the
+// start, the reply queue it answers and the restart counters.
+struct ServeContext {
+  const Settings& settings;
+  Prompter& prompter;  // asks whether to make lists when there are none
+  MailboxLists mailbox;
+  const PendingQueue& pending;
+  ListBox& ReplyQueue;
+  ServeCounters& counters;
+  bool& ServerOn;
+  bool& ServerPaused;
+  Label& cmdStart;
+  Label& cmdPause;
+  int& ListSeconds;
+  int& ScrollSeconds;
+  std::string& room_name;  // the room to return to after a restart
+  std::unique_ptr<HostTimer>& Timer1;
+  std::unique_ptr<HostTimer>& Timer2;
+  StatusStrip& status;
+  const bool& ended;
 };
-ServeJobs DefaultServeJobs();
+
+// The jobs of a tick, of its reply phase and of the start, as the
+// forwarding, list, find, reply and restart code provides them
+// (DefaultServeJobs, serve_jobs.h); tests may put others in. A job left
+// unset is skipped.
+struct ServeJobs {
+  std::function<void()> mail;   // one forward
+  std::function<void()> list;   // list serving
+  std::function<void()> find;   // one find
+  std::function<void()> sweep;  // error boxes
+  // The list mails of lstMails into lstLists; their number.
+  std::function<int()> collect_lists;
+  // Writes the lists anew ("make lists" answered yes).
+  std::function<void()> build_lists;
+  // The answers of the reply phase and the advertisement.
+  std::function<void(const std::string& sn)> thank_you;
+  std::function<void(const std::string& sn)> status;
+  std::function<void()> advertise;
+  // A full mailbox, counted as a mistake when the banning options say so.
+  std::function<void(const std::string& sn)> full_mailbox;
+  // The machine restart.
+  std::function<void()> cpu_restart;
+};
 
 class ServeEngine {
  public:
-  // Creates Timer1 and Timer2 (disabled) in `frm`. Both references must
-  // outlive the engine.
-  ServeEngine(FrmMain& frm, const ClientContext& c,
-              ServeJobs jobs = DefaultServeJobs());
+  // Creates Timer1 and Timer2 (disabled). What the context and `c` refer
+  // to must outlive the engine.
+  ServeEngine(const ServeContext& ctx, const ClientContext& c, ServeJobs jobs);
   ~ServeEngine();
   ServeEngine(const ServeEngine&) = delete;
   ServeEngine& operator=(const ServeEngine&) = delete;
@@ -50,8 +89,6 @@ class ServeEngine {
   std::function<void()> aol_restart;
   // The client's mail preferences, set when serving starts; may be unset.
   std::function<void()> set_preferences;
-  // The machine restart; CPURestart when unset.
-  std::function<void()> cpu_restart;
 
   ServeJobs& jobs() { return jobs_; }
   // The screen name read from the client at the last start.
@@ -74,7 +111,7 @@ class ServeEngine {
   void Announce(const std::string& line);
   void SetTimers(bool enabled);
 
-  FrmMain& frm_;
+  ServeContext ctx_;
   const ClientContext& c_;
   ServeJobs jobs_;
   std::string user_sn_;

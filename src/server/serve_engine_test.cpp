@@ -17,21 +17,23 @@ using ::testing::IsEmpty;
 class ServeEngineTest : public ServerTest {
  protected:
   ServeEngineTest() { AddMails(3); }
-  // Jobs that only log that they ran; one list is found at start.
+  // The program's jobs, but for a tick's and the start's, which only log
+  // that they ran; one list is found at start.
   ServeJobs LoggingJobs() {
     auto logs = [this](const char* name) {
-      return
-          [this, name](FrmMain&, const ClientContext&) { log.push_back(name); };
+      return [this, name] { log.push_back(name); };
     };
-    return {logs("mail"),
-            logs("list"),
-            logs("find"),
-            [this](FrmMain&, const ClientContext&) { ++sweeps; },
-            [this](FrmMain& f) {
-              f.lstLists.Add("4");
-              return 1;
-            },
-            logs("build")};
+    ServeJobs jobs = MakeServeJobs(frm, c);
+    jobs.mail = logs("mail");
+    jobs.list = logs("list");
+    jobs.find = logs("find");
+    jobs.sweep = [this] { ++sweeps; };
+    jobs.collect_lists = [this] {
+      frm.lstLists.Add("4");
+      return 1;
+    };
+    jobs.build_lists = logs("build");
+    return jobs;
   }
   // Launches the client and starts serving; the start's output is forgotten.
   void StartServing() {
@@ -57,7 +59,7 @@ class ServeEngineTest : public ServerTest {
   std::vector<std::string> log;
   int sweeps = 0;
   size_t said_at_start = 0;
-  ServeEngine engine{frm, c, LoggingJobs()};
+  ServeEngine engine{MakeServeContext(frm), c, LoggingJobs()};
 };
 
 TEST_F(ServeEngineTest, StartReadsTheMailboxResetsCountersAndAnnounces) {
@@ -82,11 +84,11 @@ TEST_F(ServeEngineTest, StartReadsTheMailboxResetsCountersAndAnnounces) {
 TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   frm.settings.ListIfNoPending = true;  // the list step runs every tick
   frm.settings.BotScroll = 30000;
-  engine.jobs().mail = [&](FrmMain&, const ClientContext& ctx) {
+  engine.jobs().mail = [&] {
     log.push_back("mail");
     if (log.size() > 1) return;
-    ctx.host.Schedule(0.2, [&] { engine.cmdStart_Click(); });
-    PauseSeconds(ctx.host, 1);
+    host.Schedule(0.2, [&] { engine.cmdStart_Click(); });
+    PauseSeconds(host, 1);
   };
   StartServing();
   Run(10);
@@ -162,7 +164,7 @@ TEST_F(ServeEngineTest, ReplyPhaseAnswersWhatWasQueuedWhenItBegan) {
 TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
   int aol = 0, cpu = 0;
   engine.aol_restart = [&] { ++aol; };
-  engine.cpu_restart = [&] { ++cpu; };
+  engine.jobs().cpu_restart = [&] { ++cpu; };
   frm.settings.AOLRestart = 3;
   frm.settings.SentRestart = 2;
   frm.settings.CPURestart = 2;
@@ -205,7 +207,7 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
   sim.Launch();
   // One entry: only the "you have" and "there is" lines.
   Queue({"amy-1", "bob-2", "joe~cats"});
-  StatusReply(frm, c, "bob");
+  StatusReply(Replies(), c, "bob");
   EXPECT_THAT(Said(), ElementsAre("(bob) you have <U>1</U> pending",
                                   "there is <U>3</U> total pending"));
 
@@ -213,7 +215,7 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
   Queue({"a-1", "b-2", "c~x", "d-4", "bob-5", "e-1", "bob-list", "bob-7",
          "bob~cats"});
   const size_t before = Said().size();
-  StatusReply(frm, c, "bob");
+  StatusReply(Replies(), c, "bob");
   EXPECT_THAT(SaidSince(before),
               ElementsAre("(bob) you have <U>3</U> pending",
                           "<U>4</U> mails till your next request",
@@ -228,7 +230,7 @@ TEST_F(ServeEngineTest, AdvertisementFollowsTheFindAndRangeSettings) {
   frm.counters.session = 12;
   frm.ScrollSeconds = 45;
   frm.settings.FindsEnable = false;
-  Advertise(frm, c);
+  Advertise(Replies(), c);
   EXPECT_THAT(Said(), ElementsAre("quorvex serving <B><U>3</B></U> mails",
                                   "type /<B>srv</B> send <U>x,x-y</U>",
                                   "there are <B><U>2</B></U> pending; "
@@ -237,7 +239,7 @@ TEST_F(ServeEngineTest, AdvertisementFollowsTheFindAndRangeSettings) {
 
   frm.settings.FindsEnable = true;
   frm.settings.BlocksXYEnable = false;
-  Advertise(frm, c);
+  Advertise(Replies(), c);
   EXPECT_EQ(Said().at(4), "type /<B>srv</B> send <U>x</U>; find <U>x,x&y</U>");
 }
 
@@ -246,11 +248,11 @@ TEST_F(ServeEngineTest, SessionMailNeedsAtLeastThreeCharacters) {
   frm.settings.TotalSent = 345;
   frm.counters.session = 21;
   prompter.QueueAnswer("ab");
-  mnuMailSession_Click(frm, c);
+  mnuMailSession_Click(Replies(), c);
   EXPECT_THAT(seen.mails, IsEmpty());
 
   prompter.QueueAnswer("Bob Smith");
-  mnuMailSession_Click(frm, c);
+  mnuMailSession_Click(Replies(), c);
   ASSERT_EQ(seen.mails.size(), 1u);
   const SimMail& m = seen.mails[0];
   EXPECT_EQ(m.to, "Bob Smith");

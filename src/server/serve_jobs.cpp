@@ -1,30 +1,37 @@
-// The jobs the serving loop runs by default: the forwarding job, the list
-// and find serving and the forward-error sweep.
+#include "server/serve_jobs.h"
+
 #include <memory>
 
 #include "server/error_sweep.h"
-#include "server/forward_job.h"
 #include "server/lists_finds.h"
-#include "server/serve_engine.h"
 
 namespace quorvex {
 
-ServeJobs DefaultServeJobs() {
+ServeJobs DefaultServeJobs(const MailJobContext& mail,
+                           const ReplyContext& replies, const BanContext& ban,
+                           const RestartContext& restart,
+                           const ClientContext& c) {
   ServeJobs jobs;
+  const ClientContext* cc = &c;
   // The forward jobs and the sweep share what a forward leaves behind.
   auto f = std::make_shared<ForwardScratch>();
-  jobs.mail = [f](FrmMain& frm, const ClientContext& c) {
-    RunMailJob(frm, c, *f);
+  jobs.mail = [mail, cc, f] { RunMailJob(mail, *cc, *f); };
+  jobs.list = [mail, cc, f] { RunListJob(mail, *cc, *f); };
+  jobs.find = [mail, cc] { RunFindJob(mail, *cc); };
+  jobs.sweep = [mail, cc, f] { ForwardErrorSweep(mail, *cc, *f); };
+  jobs.collect_lists = [mail] { return CollectLists(mail.mailbox); };
+  jobs.build_lists = [mail, cc] { BuildLists(mail, *cc); };
+  jobs.thank_you = [replies, cc](const std::string& sn) {
+    ThankYouReply(replies, *cc, sn);
   };
-  jobs.list = [f](FrmMain& frm, const ClientContext& c) {
-    RunListJob(frm, c, *f);
+  jobs.status = [replies, cc](const std::string& sn) {
+    StatusReply(replies, *cc, sn);
   };
-  jobs.find = RunFindJob;
-  jobs.sweep = [f](FrmMain& frm, const ClientContext& c) {
-    ForwardErrorSweep(frm, c, *f);
+  jobs.advertise = [replies, cc] { Advertise(replies, *cc); };
+  jobs.full_mailbox = [ban = BanContext(ban)](const std::string& sn) mutable {
+    if (ban.frmBanning.chkFullBox.value == 1) AddMistake(ban, sn);
   };
-  jobs.collect_lists = CollectLists;
-  jobs.build_lists = BuildLists;
+  jobs.cpu_restart = [restart, cc] { CPURestart(restart, *cc); };
   return jobs;
 }
 

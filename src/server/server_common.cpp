@@ -1,28 +1,23 @@
 #include "server/server_common.h"
 
 #include "client/chat_room.h"
+#include "client/mailbox.h"
 
 namespace quorvex {
 
-void Say(FrmMain& frm, const ClientContext& c, const std::string& text) {
-  if (frm.ended) return;
+void Say(const ClientContext& c, bool ended, const std::string& text) {
+  if (ended) return;
   ChatSend(c, text);
 }
 
-BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
-  FrmMain* f = &frm;
-  const ClientContext* ctx = &c;
-  return BanContext{frm.frmBanning,
-                    frm.MistakeList,
-                    frm.lstBanned,
-                    frm.lblBanned,
-                    frm.pending,
-                    [f, ctx](const std::string& line) { Say(*f, *ctx, line); }};
-}
-
-CounterView MakeCounterView(FrmMain& frm) {
-  return CounterView{frm.counters, frm.ports.registry, frm.settings,
-                     frm.lblSent, frm.lblSession};
+void ReadMailbox(const MailboxLists& mailbox, const ClientContext& c,
+                 StatusStrip& status) {
+  mailbox.lstMails.Clear();
+  mailbox.mail_positions.clear();
+  mailbox.lstLists.Clear();
+  // Other servers' list mails are not served.
+  LoadMailbox(c, mailbox.lstMails, /*skipForeignLists=*/true, status,
+              &mailbox.mail_positions);
 }
 
 std::string BannerLine(const Settings& settings) {

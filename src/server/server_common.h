@@ -1,14 +1,14 @@
-// What the serving jobs share: one chat line said in the room, the ban
-// policy's and the counters' views of the main window, and the first line
-// of every mail the server writes.
+// What the serving jobs share: one chat line said in the room, the mailbox
+// as the server reads it, and the first line of every mail the server
+// writes.
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "client/client_context.h"
-#include "requests/ban_policy.h"
-#include "requests/serve_counters.h"
-#include "server/frm_main.h"
+#include "model/label.h"
+#include "model/list_box.h"
 #include "settings/settings.h"
 
 namespace quorvex {
@@ -19,13 +19,24 @@ inline constexpr const char* kServerName =
 
 // Says one line in the room (ChatSend, inserts expanded). Nothing is said
 // once the program has ended.
-void Say(FrmMain& frm, const ClientContext& c, const std::string& text);
+void Say(const ClientContext& c, bool ended, const std::string& text);
 
-// The ban policy working on frm's lists, saying its warnings through Say.
-BanContext MakeBanContext(FrmMain& frm, const ClientContext& c);
+// The mailbox's titles as read at the start, where each one stands, the
+// list mails among them, and the labels that count them. The start and
+// the list job read it anew.
+struct MailboxLists {
+  ListBox& lstMails;
+  // Where each title of lstMails stands in the mailbox (zero-based).
+  std::vector<int>& mail_positions;
+  ListBox& lstLists;
+  Label& lblMails;
+  Label& lblLists;
+};
 
-// The counters a take or a find advances, with their labels.
-CounterView MakeCounterView(FrmMain& frm);
+// Empties the lists and reads the mailbox's titles anew (the status strip
+// shows the reading); lblMails and lblLists are left to the caller.
+void ReadMailbox(const MailboxLists& mailbox, const ClientContext& c,
+                 StatusStrip& status);
 
 // "<font face=tahoma color=#003377></B></U></I>" + LAscii +
 // "quorvex°·² mail server -by- kestrin" + RAscii + CR LF.

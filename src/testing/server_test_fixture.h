@@ -1,22 +1,24 @@
 // The fixture of the serving engine's tests: the main window's state on a
 // simulated client (signed on, in its room) and a simulated machine in a
 // temporary folder, in virtual time that ends after two hours so that a
-// wait that never ends fails the test instead of hanging it.
+// wait that never ends fails the test instead of hanging it. The jobs get
+// their contexts as the program makes them.
 #pragma once
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "app/frm_main.h"
 #include "client/client_context.h"
 #include "ports/memory_registry.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
-#include "server/frm_main.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
 #include "sim/sim_client.h"
@@ -60,6 +62,14 @@ class ServerTest : public ::testing::Test {
     for (int i = 1; i <= n; ++i) sim.AddMail("mail " + std::to_string(i));
   }
   void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
+
+  MailJobContext MailJobs() { return MakeMailJobContext(frm); }
+  ReplyContext Replies() { return MakeReplyContext(frm); }
+  RestartContext Restart() { return MakeRestartContext(frm); }
+  // The main window of the program that starts next on the same machine.
+  std::unique_ptr<FrmMain> NextProgram() {
+    return std::make_unique<FrmMain>(frm.ports);
+  }
 
   // What the user said in the room, without the chat mark-up.
   std::vector<std::string> Said() const {

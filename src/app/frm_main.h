@@ -1,7 +1,8 @@
 // The main window's state: every list, label, counter, flag and option
 // window model the server works on. The main window owns all shared state;
-// the serving loop, the request handling and the other windows read and
-// change it directly, on the one thread.
+// the serving loop, its jobs, the request handling and the other windows
+// each see the part they work on through a context made here, on the one
+// thread.
 #pragma once
 
 #include <cstdint>
@@ -23,9 +24,15 @@
 #include "ports/window_api.h"
 #include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
+#include "requests/request_parser.h"
 #include "requests/room_view.h"
 #include "requests/serve_counters.h"
+#include "server/forward_job.h"
+#include "server/machine_restart.h"
 #include "server/pausing_form.h"
+#include "server/replies.h"
+#include "server/serve_engine.h"
+#include "server/server_common.h"
 #include "settings/messages.h"
 #include "settings/settings.h"
 
@@ -86,8 +93,8 @@ struct FrmMain {
   // The program has ended (exit label, or a reboot).
   bool ended = false;
 
-  // Serving engine (serve_engine.h, machine_restart.h): the restart
-  // options window, shown from the restart options but not consulted.
+  // The restart options window, shown from the restart options but not
+  // consulted.
   PausingForm frmPausing;
 
   // Client session (client/session.h, client/room_buster.h): the client
@@ -105,5 +112,20 @@ struct FrmMain {
   const ListBox& lstPending() const { return pending.list(); }
   void SetStatus(const std::string& text) { status.Draw(text, "#4488BB"); }
 };
+
+// The contexts the request handling and the serving jobs work in, each on
+// the part of the main window it reads or changes.
+RequestContext MakeRequestContext(FrmMain& frm);
+// The counters a take or a find advances, with their labels.
+CounterView MakeCounterView(FrmMain& frm);
+// The ban policy working on frm's lists, saying its warnings in the room.
+BanContext MakeBanContext(FrmMain& frm, const ClientContext& c);
+MailboxLists MakeMailboxLists(FrmMain& frm);
+MailJobContext MakeMailJobContext(FrmMain& frm);
+ReplyContext MakeReplyContext(FrmMain& frm);
+RestartContext MakeRestartContext(FrmMain& frm);
+ServeContext MakeServeContext(FrmMain& frm);
+// The serving loop's jobs, each on its context.
+ServeJobs MakeServeJobs(FrmMain& frm, const ClientContext& c);
 
 }  // namespace quorvex
