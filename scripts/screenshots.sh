@@ -48,6 +48,9 @@ grab main-idle 80 60 320 280
 remote click cmdStart yes "make lists" wait 25
 grab main-serving 80 60 320 280
 
+remote menu mnuServeNChat show QuorvexChatroom wait 6 say "hello room" wait 3
+grab serve-and-chat 408 60 320 236
+remote close QuorvexChatroom
 remote menu mnuBanOpts show QuorvexBanning wait 1
 grab banning-options 408 60 300 166
 remote close QuorvexBanning

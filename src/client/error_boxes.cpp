@@ -15,7 +15,11 @@ Hwnd FindClientBox(WindowApi& api, std::string_view static_text) {
   for (Hwnd box = api.FindWindowExA(0, 0, aol::kDialogClass, kClientBoxCaption);
        box;
        box = api.FindWindowExA(0, box, aol::kDialogClass, kClientBoxCaption)) {
-    if (api.FindWindowExA(box, 0, "Static", text.c_str())) return box;
+    // Only once it shows: a box is made and filled in before it shows, and
+    // a key it takes before then is undone as it takes the focus.
+    if (api.IsWindowVisible(box) &&
+        api.FindWindowExA(box, 0, "Static", text.c_str()))
+      return box;
   }
   return 0;
 }

@@ -31,13 +31,18 @@ void SendIM(const ClientContext& c, std::string_view recipient,
   SetText(api, field, message);
   ClickIcon(api, send);
 
-  // A click lost on a busy client is made again, at a pace.
+  // A click lost on a busy client is made again, at a pace. A box is
+  // made before its controls and shown after them: it is pressed once it
+  // shows (a key posted to a button not yet made goes nowhere, and one
+  // taken before the box shows is undone by the box taking the focus).
   Hwnd box = 0;
   WaitUntil(c.host,
             [&] {
               box = api.FindWindowA(aol::kDialogClass, "America Online");
               window = FindDocument(api, kSendIm);
-              return box || !window;
+              return box ? api.IsWindowVisible(box) &&
+                               FindChild(api, box, "Button") != 0
+                         : !window;
             },
             {.repeat = [&] { ClickIcon(api, send); },
              .pace = kAskAgainSeconds,

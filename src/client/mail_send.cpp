@@ -64,8 +64,8 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   if (WaitUntil(c.host,
                 [&] {
                   mail.Find(api, window, 14, later);
-                  // Icons are counted by position: in a window still being
-                  // built the count wraps round to the first ones.
+                  // Icons are counted by position: a window still being
+                  // built must not pass its first ones off as these.
                   for (int i = 1; i <= 4; ++i)
                     if (mail.send_later ==
                         FindNthChild(api, window, aol::kIconClass, i))

@@ -42,9 +42,14 @@ Hwnd FindNthChild(WindowApi& api, Hwnd parent, const char* class_name, int n) {
 
 Hwnd FindNthChildAfter(WindowApi& api, Hwnd parent, Hwnd after,
                        const char* class_name, int n) {
+  // In a window the client is still making fewer controls may follow yet:
+  // the count stops where they end instead of going round again from the
+  // first one (a search after none starts at the first child).
   Hwnd found = after;
-  for (int i = 0; i < n; ++i)
+  for (int i = 0; i < n; ++i) {
     found = api.FindWindowExA(parent, found, class_name, nullptr);
+    if (found == 0) return 0;
+  }
   return found;
 }
 

@@ -86,10 +86,4 @@ void BanningWindow::OnControl(int id, int code, HWND control) {
   desktop_.Post([&app, name, value] { app.Set(name, value); });
 }
 
-void BanningWindow::lblExit_Click() {
-  QuorvexApp& app = desktop_.app();
-  desktop_.Post([&app] { app.Press("frmBanning.lblExit"); });
-  Destroy();
-}
-
 }  // namespace quorvex::desktop

@@ -3,23 +3,18 @@
 // the options and closes the window.
 #pragma once
 
-#include "desktop/window.h"
+#include "desktop/form_window.h"
 
 namespace quorvex::desktop {
 
-class Desktop;
-
-class BanningWindow : public SmallWindow {
+class BanningWindow : public FormWindow {
  public:
-  explicit BanningWindow(Desktop& desktop) : desktop_(desktop) {}
-  void Open(POINT at);
+  explicit BanningWindow(Desktop& desktop)
+      : FormWindow(desktop, "frmBanning.lblExit") {}
+  void Open(POINT at) override;
 
  protected:
-  void lblExit_Click() override;
   void OnControl(int id, int code, HWND control) override;
-
- private:
-  Desktop& desktop_;
 };
 
 }  // namespace quorvex::desktop

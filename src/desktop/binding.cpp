@@ -13,32 +13,40 @@ void Insert(HWND list_window, int index, const std::string& item) {
 
 }  // namespace
 
-void BindList(HWND list_window, ListBox& model, const Alive& alive) {
+void BindList(HWND list_window, ListBox& model, Subscriptions& subs) {
   SendMessageW(list_window, LB_RESETCONTENT, 0, 0);
   for (int i = 0; i < model.Count(); ++i) Insert(list_window, i, model.Item(i));
-  model.Subscribe(
-      [list_window, alive](const ListBox&, const ListChange& change) {
-        if (!*alive) return;
-        switch (change.op) {
-          case ListChange::Op::kAdd:
-            Insert(list_window, change.index, change.item);
-            break;
-          case ListChange::Op::kRemove:
-            SendMessageW(list_window, LB_DELETESTRING,
-                         static_cast<WPARAM>(change.index), 0);
-            break;
-          case ListChange::Op::kClear:
-            SendMessageW(list_window, LB_RESETCONTENT, 0, 0);
-            break;
-        }
-      });
+  subs.Add(model, [list_window](const ListBox&, const ListChange& change) {
+    switch (change.op) {
+      case ListChange::Op::kAdd:
+        Insert(list_window, change.index, change.item);
+        break;
+      case ListChange::Op::kRemove:
+        SendMessageW(list_window, LB_DELETESTRING,
+                     static_cast<WPARAM>(change.index), 0);
+        break;
+      case ListChange::Op::kClear:
+        SendMessageW(list_window, LB_RESETCONTENT, 0, 0);
+        break;
+    }
+  });
 }
 
-void BindLabel(HWND window, Label& model, const Alive& alive) {
+void BindLabel(HWND window, Label& model, Subscriptions& subs) {
   SetText(window, model.caption());
-  model.Subscribe([window, alive](const Label& label) {
-    if (*alive) SetText(window, label.caption());
-  });
+  subs.Add(model,
+           [window](const Label& label) { SetText(window, label.caption()); });
+}
+
+void BindText(HWND window, TextBox& model, Subscriptions& subs) {
+  auto show = [window](const TextBox& box) {
+    if (WindowText(window) != box.text) SetText(window, box.text);
+    const int end = GetWindowTextLengthW(window);
+    SendMessageW(window, EM_SETSEL, end, end);
+    SendMessageW(window, EM_SCROLLCARET, 0, 0);
+  };
+  show(model);
+  subs.Add(model, show);
 }
 
 std::string WindowText(HWND window) {

@@ -14,11 +14,9 @@ void BusterWindow::Open(POINT at) {
   Child(L"BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, 8, 56, 90, 24,
         kIdBusterStart);
   Child(L"STATIC", "", SS_LEFT, 108, 61, 134, 18, kIdLblBusts);
-  BindLabel(Item(kIdBusterStart), buster.cmdStart, alive_);
-  BindLabel(Item(kIdLblBusts), buster.lblBusts, alive_);
-  buster.cmdStart.Subscribe([this, alive = alive_](const Label&) {
-    if (*alive) Refresh();
-  });
+  BindLabel(Item(kIdBusterStart), buster.cmdStart, subs_);
+  BindLabel(Item(kIdLblBusts), buster.lblBusts, subs_);
+  subs_.Add(buster.cmdStart, [this](const Label&) { Refresh(); });
   Refresh();
   ShowWindow(hwnd(), SW_SHOW);
 }
@@ -39,12 +37,6 @@ void BusterWindow::OnControl(int id, int code, HWND control) {
       if (open()) Refresh();
     });
   }
-}
-
-void BusterWindow::lblExit_Click() {
-  QuorvexApp& app = desktop_.app();
-  desktop_.Post([&app] { app.Press("frmRoomBuster.lblExit"); });
-  Destroy();
 }
 
 }  // namespace quorvex::desktop

@@ -1,26 +1,22 @@
 // frmRoomBuster: the room to enter, start and stop, and the count of busts.
 #pragma once
 
-#include "desktop/window.h"
+#include "desktop/form_window.h"
 
 namespace quorvex::desktop {
 
-class Desktop;
-
-class BusterWindow : public SmallWindow {
+class BusterWindow : public FormWindow {
  public:
-  explicit BusterWindow(Desktop& desktop) : desktop_(desktop) {}
-  void Open(POINT at);
+  explicit BusterWindow(Desktop& desktop)
+      : FormWindow(desktop, "frmRoomBuster.lblExit") {}
+  void Open(POINT at) override;
 
  protected:
-  void lblExit_Click() override;
   void OnControl(int id, int code, HWND control) override;
 
  private:
   // txtRoom is disabled while busting.
   void Refresh();
-
-  Desktop& desktop_;
 };
 
 }  // namespace quorvex::desktop

@@ -14,6 +14,7 @@ inline constexpr const wchar_t* kMessagesClass = L"QuorvexMessages";
 inline constexpr const wchar_t* kBusterClass = L"QuorvexRoomBuster";
 inline constexpr const wchar_t* kAboutClass = L"QuorvexAbout";
 inline constexpr const wchar_t* kCreditsClass = L"QuorvexCredits";
+inline constexpr const wchar_t* kChatroomClass = L"QuorvexChatroom";
 inline constexpr const wchar_t* kBandClass = L"QuorvexBand";
 
 // Every window's title, drawn on its title bar.
@@ -65,6 +66,11 @@ enum ControlId : int {
   kIdLblBusts,
   // frmAbout and frmCredits.
   kIdLblText = 600,
+  // frmChatroom.
+  kIdTxtChat = 700,
+  kIdLstPeople,
+  kIdLblPeople,
+  kIdTxtSend,
 };
 
 // A menu entry's command id: this plus its position in the menu tree.

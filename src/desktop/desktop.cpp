@@ -7,6 +7,7 @@
 #include "desktop/band.h"
 #include "desktop/banning_window.h"
 #include "desktop/buster_window.h"
+#include "desktop/chat_window.h"
 #include "desktop/control_ids.h"
 #include "desktop/info_windows.h"
 #include "desktop/main_window.h"
@@ -16,15 +17,16 @@
 
 namespace quorvex::desktop {
 
-Desktop::Desktop(QuorvexApp& app, MessagePump& pump, Prompter& prompter)
+Desktop::Desktop(QuorvexApp& app, win32::Win32Host& host, Prompter& prompter)
     : app_(app),
-      pump_(pump),
+      host_(host),
       prompter_(prompter),
       main_(std::make_unique<MainWindow>(*this)),
       banning_(std::make_unique<BanningWindow>(*this)),
       room_(std::make_unique<RoomWindow>(*this)),
       messages_(std::make_unique<MessagesWindow>(*this)),
       buster_(std::make_unique<BusterWindow>(*this)),
+      chatroom_(std::make_unique<ChatroomWindow>(*this)),
       about_(std::make_unique<InfoWindow>()),
       credits_(std::make_unique<InfoWindow>()) {
   main_->Create();
@@ -39,7 +41,7 @@ void Desktop::RegisterClasses() {
   RegisterBandClass(instance);
   for (const wchar_t* c :
        {kMainClass, kSplashClass, kBanningClass, kRoomClass, kMessagesClass,
-        kBusterClass, kAboutClass, kCreditsClass})
+        kBusterClass, kAboutClass, kCreditsClass, kChatroomClass})
     Window::Register(instance, c);
 }
 
@@ -64,6 +66,11 @@ void Desktop::RunMenu(const std::string& name) {
     Post([this, at] {
       app_.Press("mnuRoomBuster");
       buster_->Open(at);
+    });
+  } else if (name == "mnuServeNChat") {
+    Post([this, at] {
+      app_.Press("mnuServeNChat");
+      chatroom_->Open(at);
     });
   } else if (name == "mnuAbout") {
     Post([this, at] {
@@ -101,9 +108,13 @@ void Desktop::OpenRoom() {
 void Desktop::Close() {
   for (Window* w : std::initializer_list<Window*>{
            banning_.get(), room_.get(), messages_.get(), buster_.get(),
-           about_.get(), credits_.get(), main_.get()})
+           chatroom_.get(), about_.get(), credits_.get(), main_.get()})
     w->Destroy();
-  PostQuitMessage(0);
+  // The program ends where it stands, as the runtime's End does: a wait
+  // it is inside (a client restart waits without end for a client that
+  // never comes) must not keep the process alive with no window.
+  host_.Quit();
+  ExitProcess(0);
 }
 
 }  // namespace quorvex::desktop

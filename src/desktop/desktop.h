@@ -1,6 +1,7 @@
 // The desktop program's windows around one QuorvexApp: the main window and
 // the small windows it opens. A person's actions are handed to the core
-// through the message pump, so they run from the core's loop.
+// through the host, so they run from the core's loop (or from inside one
+// of its waits), never in the middle of a client operation.
 #pragma once
 
 #include <windows.h>
@@ -10,8 +11,8 @@
 #include <string>
 
 #include "app/quorvex_app.h"
-#include "desktop/message_pump.h"
 #include "ports/prompter.h"
+#include "win32/win32_host.h"
 
 namespace quorvex::desktop {
 
@@ -21,10 +22,11 @@ class RoomWindow;
 class MessagesWindow;
 class BusterWindow;
 class InfoWindow;
+class ChatroomWindow;
 
 class Desktop {
  public:
-  Desktop(QuorvexApp& app, MessagePump& pump, Prompter& prompter);
+  Desktop(QuorvexApp& app, win32::Win32Host& host, Prompter& prompter);
   ~Desktop();
 
   static void RegisterClasses();
@@ -32,25 +34,26 @@ class Desktop {
   QuorvexApp& app() { return app_; }
   Prompter& prompter() { return prompter_; }
   // Runs `fn` from the core's loop.
-  void Post(std::function<void()> fn) { pump_.Post(std::move(fn)); }
+  void Post(std::function<void()> fn) { host_.Schedule(0, std::move(fn)); }
 
   MainWindow& main() { return *main_; }
   // A pick from one of the main window's menus, by entry name.
   void RunMenu(const std::string& name);
   // The right click on lstBanned: the room is read, then shown.
   void OpenRoom();
-  // The program has ended: every window goes, and the loop stops.
+  // The program has ended: every window goes, and so does the process.
   void Close();
 
  private:
   QuorvexApp& app_;
-  MessagePump& pump_;
+  win32::Win32Host& host_;
   Prompter& prompter_;
   std::unique_ptr<MainWindow> main_;
   std::unique_ptr<BanningWindow> banning_;
   std::unique_ptr<RoomWindow> room_;
   std::unique_ptr<MessagesWindow> messages_;
   std::unique_ptr<BusterWindow> buster_;
+  std::unique_ptr<ChatroomWindow> chatroom_;
   std::unique_ptr<InfoWindow> about_;
   std::unique_ptr<InfoWindow> credits_;
 };

@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "desktop/control_ids.h"
 #include "desktop/dialog_prompter.h"
 #include "desktop/remote.h"
 #include "desktop/wide_text.h"
+#include "standin_process.h"
 
 namespace quorvex::desktop {
 namespace {
@@ -24,44 +26,31 @@ int Count(const std::string& caption) {
                                     : std::atoi(caption.c_str() + colon + 2);
 }
 
-class DesktopTest : public ::testing::Test {
+// quorvex.exe in a process of its own, started from a scratch folder
+// with `args`; the folder and the process go at the end.
+class ProgramTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    root_ = fs::temp_directory_path() /
-            ("quorvex-desktop-" + std::to_string(GetCurrentProcessId()));
-    fs::remove_all(root_);
-    // The program beside this test, in its simulated room, 20 times as
-    // fast as real time.
-    wchar_t self[MAX_PATH];
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const fs::path exe = fs::path(self).parent_path() / "quorvex.exe";
-    std::wstring command = L"\"" + exe.wstring() +
-                           L"\" --simulate --speed 20 --root \"" +
-                           root_.wstring() + L"\"";
+  void Launch(const std::wstring& exe, const std::wstring& args) {
+    std::wstring command = L"\"" + exe + L"\" " + args;
     STARTUPINFOW si{};
     si.cb = sizeof(si);
     ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE,
-                               0, nullptr, nullptr, &si, &process_));
+                               0, nullptr, root_.c_str(), &si, &process_));
     main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
     ASSERT_NE(main_, nullptr) << "the main window never showed";
-    // The main window's load has run once it marks the program running.
-    ASSERT_TRUE(WaitFor(
-        [&] {
-          return RegistryFile().find("\"Load\": \"True\"") != std::string::npos;
-        },
-        30));
   }
-
-  void TearDown() override {
-    if (process_.hProcess) {
-      if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT)
-        TerminateProcess(process_.hProcess, 1);
-      WaitForSingleObject(process_.hProcess, 10000);
-      CloseHandle(process_.hThread);
-      CloseHandle(process_.hProcess);
-    }
-    std::error_code ec;
-    fs::remove_all(root_, ec);
+  // The program without --simulate, as a copy in the scratch folder (it
+  // keeps its queue beside itself).
+  void LaunchPlain() {
+    const fs::path copy = root_ / "quorvex.exe";
+    fs::copy_file(Program(), copy);
+    Launch(copy.wstring(), L"");
+  }
+  // The program built beside this test.
+  static fs::path Program() {
+    wchar_t self[MAX_PATH];
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    return fs::path(self).parent_path() / "quorvex.exe";
   }
 
   HWND Control(int id) const { return GetDlgItem(main_, id); }
@@ -78,6 +67,52 @@ class DesktopTest : public ::testing::Test {
     EXPECT_EQ(DialogPrompt(box), "do you want to make new lists?");
     PressDialogButton(box, IDYES);
   }
+  void SetUp() override {
+    root_ = fs::temp_directory_path() /
+            ("quorvex-desktop-" + std::to_string(GetCurrentProcessId()));
+    fs::remove_all(root_);
+    fs::create_directories(root_);
+  }
+
+  void TearDown() override {
+    if (process_.hProcess) {
+      if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT)
+        TerminateProcess(process_.hProcess, 1);
+      WaitForSingleObject(process_.hProcess, 10000);
+      CloseHandle(process_.hThread);
+      CloseHandle(process_.hProcess);
+    }
+    std::error_code ec;
+    fs::remove_all(root_, ec);
+  }
+
+  bool Ends(double seconds) const {
+    return WaitForSingleObject(process_.hProcess,
+                               static_cast<DWORD>(seconds * 1000)) ==
+           WAIT_OBJECT_0;
+  }
+
+  fs::path root_;
+  PROCESS_INFORMATION process_{};
+  HWND main_ = nullptr;
+};
+
+class DesktopTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    // The program in its simulated room, 20 times as fast as real time.
+    Launch(Program().wstring(),
+           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+    if (HasFatalFailure()) return;
+    // The main window's load has run once it marks the program running.
+    ASSERT_TRUE(WaitFor(
+        [&] {
+          return RegistryFile().find("\"Load\": \"True\"") != std::string::npos;
+        },
+        30));
+  }
+
   // The simulated registry as the program last wrote it. Opened so that
   // the program can still replace the file while it is read (it renames a
   // new file over it on every change).
@@ -95,10 +130,6 @@ class DesktopTest : public ::testing::Test {
     CloseHandle(f);
     return text;
   }
-
-  fs::path root_;
-  PROCESS_INFORMATION process_{};
-  HWND main_ = nullptr;
 };
 
 TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
@@ -149,7 +180,7 @@ TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
 
   // lblExit says goodbye and ends the program.
   Click(Control(kIdLblExit));
-  EXPECT_EQ(WaitForSingleObject(process_.hProcess, 30000), WAIT_OBJECT_0);
+  EXPECT_TRUE(Ends(30));
   EXPECT_NE(RegistryFile().find("\"Load\": \"False\""), std::string::npos);
 }
 
@@ -260,6 +291,144 @@ TEST_F(DesktopTest, SmallWindowsOpenShowTheirModelsAndClose) {
   EXPECT_EQ(ListItem(Control(kIdLstBanned), 0), first);
   Click(GetDlgItem(room, kIdLblExit));
   EXPECT_TRUE(WaitFor([] { return !Showing(kRoomClass); }, 20));
+}
+
+TEST_F(DesktopTest, ServeAndChatFollowsTheRoomAndSaysALineInItsTurn) {
+  Start();
+  ASSERT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  PickMenu(main_, "mnuServeNChat");
+  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
+  ASSERT_NE(chat, nullptr);
+  EXPECT_EQ(Text(GetDlgItem(chat, kIdPicTitle)),
+            "quorvex mail server by kestrin");
+  HWND mirror = GetDlgItem(chat, kIdTxtChat);
+  HWND people = GetDlgItem(chat, kIdLstPeople);
+  HWND line = GetDlgItem(chat, kIdTxtSend);
+  // The room's lines arrive as "sn:text" lines; its people are listed
+  // and counted by the form's timer.
+  EXPECT_TRUE(
+      WaitFor([&] { return Text(mirror).find(":") != std::string::npos; }, 60));
+  ASSERT_TRUE(WaitFor([&] { return ListCount(people) > 0; }, 20));
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return Text(GetDlgItem(chat, kIdLblPeople)) ==
+               "people: " + std::to_string(ListCount(people));
+      },
+      10));
+  // While serving, a typed line is queued and said by the serving loop;
+  // the box empties, and the room's echo comes back to the mirror.
+  SetText(line, "hello room");
+  PressReturn(line);
+  EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 20));
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(mirror).find("[hello room]") != std::string::npos; },
+      60));
+  // lblExit closes it; the main window goes on serving.
+  Click(GetDlgItem(chat, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kChatroomClass); }, 20));
+  EXPECT_EQ(Caption(kIdCmdStart), "&stop");
+}
+
+// quorvex.exe without --simulate drives the real client through the
+// Win32 binding. With no client running it comes up idle, and a start
+// reads the mailbox first: a mailbox that never comes is asked for again
+// and again, without end, while the windows keep answering.
+class ClientlessTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    LaunchPlain();
+  }
+  // A value the program keeps in the user's registry.
+  static std::string Setting(const wchar_t* key) {
+    wchar_t value[256] = L"";
+    DWORD size = sizeof value;
+    RegGetValueW(HKEY_CURRENT_USER,
+                 L"Software\\VB and VBA Program Settings\\Quorvex\\Settings",
+                 key, RRF_RT_REG_SZ, nullptr, value, &size);
+    return Utf8(value);
+  }
+};
+
+TEST_F(ClientlessTest, StartsIdleAndAStartKeepsAskingForTheMailbox) {
+  ASSERT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  EXPECT_TRUE(WaitFor([] { return Setting(L"Load") == "True"; }, 10));
+  Click(Control(kIdCmdStart));
+  // Opened from inside the start's wait for the mailbox.
+  PickMenu(main_, "mnuAbout");
+  HWND about = WaitWindow(kAboutClass, nullptr, 20);
+  ASSERT_NE(about, nullptr);
+  Click(GetDlgItem(about, kIdLblExit));
+  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
+  // No lists were counted, so none are offered, and nothing is served.
+  EXPECT_EQ(Caption(kIdPicStatus), "status: idle");
+  EXPECT_EQ(Caption(kIdCmdStart), "&start");
+  EXPECT_EQ(WaitDialog("make lists", 0), nullptr);
+  // lblExit ends the program from inside that wait, its settings saved.
+  Click(Control(kIdLblExit));
+  EXPECT_TRUE(Ends(30));
+  EXPECT_EQ(Setting(L"Load"), "False");
+}
+
+// The plain program against the stand-in client: the client's windows in
+// a process of their own, operated through the Win32 ports.
+class OnStandInTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    standin_ = std::make_unique<test::StandInProcess>(
+        "--user Host --room Lobby --mails 6 --people Ann,Bob");
+    ASSERT_TRUE(standin_->running());
+    LaunchPlain();
+  }
+  void TearDown() override {
+    ProgramTest::TearDown();
+    standin_.reset();
+  }
+  std::unique_ptr<test::StandInProcess> standin_;
+};
+
+TEST_F(OnStandInTest, AStartReadsTheClientsMailboxAndALineIsSaidInItsRoom) {
+  ASSERT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  // The start reads the client's mailbox; with no list mails in it, it
+  // offers to make them, and a no leaves the server idle.
+  Click(Control(kIdCmdStart));
+  HWND box = WaitDialog("make lists", 60);
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(ListCount(Control(kIdLstMails)), 6);
+  EXPECT_EQ(ListItem(Control(kIdLstMails), 5), "mail 6");
+  PressDialogButton(box, IDNO);
+  EXPECT_TRUE(
+      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  EXPECT_EQ(Caption(kIdCmdStart), "&start");
+
+  // Serve and chat over the client's room: the people read from the
+  // client's memory (the user too), and a line typed while the server is
+  // idle said at once, then mirrored back from the room's display.
+  PickMenu(main_, "mnuServeNChat");
+  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
+  ASSERT_NE(chat, nullptr);
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(GetDlgItem(chat, kIdLblPeople)) == "people: 3"; }, 20));
+  EXPECT_EQ(ListCount(GetDlgItem(chat, kIdLstPeople)), 3);
+  HWND line = GetDlgItem(chat, kIdTxtSend);
+  SetText(line, "hello room");
+  PressReturn(line);
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return Text(GetDlgItem(chat, kIdTxtChat)).find("Host:") !=
+                   std::string::npos &&
+               Text(GetDlgItem(chat, kIdTxtChat)).find("[hello room]") !=
+                   std::string::npos;
+      },
+      30));
+  EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 10));
+
+  // lblExit ends the program.
+  Click(Control(kIdLblExit));
+  EXPECT_TRUE(Ends(30));
 }
 
 }  // namespace

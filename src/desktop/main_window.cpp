@@ -72,24 +72,24 @@ void MainWindow::Bind() {
   HWND title = Item(kIdPicTitle);
   HWND status = Item(kIdPicStatus);
   SetBand(title, kBandColour, frm.picTitle.caption());
-  frm.picTitle.Subscribe([title, alive = alive_](const Label& l) {
-    if (*alive) SetBand(title, kBandColour, l.caption());
+  subs_.Add(frm.picTitle, [title](const Label& l) {
+    SetBand(title, kBandColour, l.caption());
   });
   SetBand(status, frm.status.colour(), frm.status.text());
-  frm.status.Subscribe([status, alive = alive_](const StatusStrip& s) {
-    if (*alive) SetBand(status, s.colour(), s.text());
+  subs_.Add(frm.status, [status](const StatusStrip& s) {
+    SetBand(status, s.colour(), s.text());
   });
-  BindLabel(Item(kIdLblSession), frm.lblSession, alive_);
-  BindLabel(Item(kIdLblLists), frm.lblLists, alive_);
-  BindLabel(Item(kIdLblMails), frm.lblMails, alive_);
-  BindLabel(Item(kIdLblSent), frm.lblSent, alive_);
-  BindLabel(Item(kIdLblBanned), frm.lblBanned, alive_);
-  BindLabel(Item(kIdLblPending), frm.lblPending, alive_);
-  BindLabel(Item(kIdCmdStart), frm.cmdStart, alive_);
-  BindLabel(Item(kIdCmdPause), frm.cmdPause, alive_);
-  BindList(Item(kIdLstMails), frm.lstMails, alive_);
-  BindList(Item(kIdLstPending), frm.lstPending(), alive_);
-  BindList(Item(kIdLstBanned), frm.lstBanned, alive_);
+  BindLabel(Item(kIdLblSession), frm.lblSession, subs_);
+  BindLabel(Item(kIdLblLists), frm.lblLists, subs_);
+  BindLabel(Item(kIdLblMails), frm.lblMails, subs_);
+  BindLabel(Item(kIdLblSent), frm.lblSent, subs_);
+  BindLabel(Item(kIdLblBanned), frm.lblBanned, subs_);
+  BindLabel(Item(kIdLblPending), frm.lblPending, subs_);
+  BindLabel(Item(kIdCmdStart), frm.cmdStart, subs_);
+  BindLabel(Item(kIdCmdPause), frm.cmdPause, subs_);
+  BindList(Item(kIdLstMails), frm.lstMails, subs_);
+  BindList(Item(kIdLstPending), frm.lstPending(), subs_);
+  BindList(Item(kIdLstBanned), frm.lstBanned, subs_);
 }
 
 LRESULT MainWindow::Handle(UINT msg, WPARAM wp, LPARAM lp) {

@@ -54,8 +54,8 @@ void MessagesWindow::Open(POINT at) {
                  Item(kIdTxtAdd0), Item(kIdTxtAdd2), Item(kIdCmdInsert0),
                  Item(kIdCmdInsert1), Item(kIdCmdInsert2)})
     SetWindowPos(c, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-  BindList(Item(kIdLstChat), form.lstChat, alive_);
-  BindList(Item(kIdLstThankyou), form.lstThankyou, alive_);
+  BindList(Item(kIdLstChat), form.lstChat, subs_);
+  BindList(Item(kIdLstThankyou), form.lstThankyou, subs_);
 
   // Return in an entry line adds it to its list.
   QuorvexApp& app = desktop_.app();

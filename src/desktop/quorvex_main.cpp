@@ -1,9 +1,12 @@
-// quorvex.exe: the desktop program. "--simulate" serves an in-process
-// simulated client with a lively room, in real time.
+// quorvex.exe: the desktop program. It drives the chat client through the
+// Win32 binding of the ports; "--simulate" serves an in-process simulated
+// client with a lively room instead, in real time. Both run on the one
+// Win32 host and its message loop.
 #include <windows.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "app/quorvex_app.h"
@@ -12,10 +15,13 @@
 #include "desktop/dialog_prompter.h"
 #include "desktop/info_windows.h"
 #include "desktop/main_window.h"
-#include "desktop/message_pump.h"
 #include "desktop/simulation.h"
-#include "ports/virtual_host.h"
 #include "server/machine_restart.h"
+#include "win32/win32_host.h"
+#include "win32/win32_machine.h"
+#include "win32/win32_profile_file.h"
+#include "win32/win32_registry.h"
+#include "win32/win32_window_api.h"
 
 namespace {
 
@@ -41,51 +47,62 @@ Options ParseOptions(int argc, char** argv) {
   return o;
 }
 
-CivilTime LocalNow() {
-  SYSTEMTIME t;
-  GetLocalTime(&t);
-  return {t.wYear,   t.wMonth,  t.wDay,         t.wHour,
-          t.wMinute, t.wSecond, t.wMilliseconds};
-}
+// The ports the program runs on, but for the host and the prompter.
+struct Outside {
+  WindowApi& api;
+  Registry& registry;
+  ProfileFile& profiles;
+  Machine& machine;
+  std::uint64_t seed;
+};
 
-int RunSimulated(const Options& o) {
-  VirtualHost host(LocalNow());
-  MessagePump pump(host, o.speed);
-  Simulation sim(host, o.root);
+// The splash window's decision, then the main window until the program
+// ends. `on_loaded` runs once the main window is up.
+int RunProgram(win32::Win32Host& host, const Outside& out,
+               const std::function<void()>& on_loaded) {
   DialogPrompter prompter;
   Desktop::RegisterClasses();
-
-  // The splash window decides first.
   StartupKind kind;
   {
     InfoWindow splash;
     splash.Open(kSplashClass, "quorvex", SplashText(), {200, 160}, false);
-    kind = frmSplash_Load(sim.machine(), sim.profiles(), host);
+    kind = frmSplash_Load(out.machine, out.profiles, host);
   }
   if (kind == StartupKind::kStartedInstalled) return 0;
 
-  QuorvexApp app(Ports{host, sim.api(), sim.registry(), sim.profiles(),
-                       prompter, sim.machine(), 7});
-  Desktop desktop(app, pump, prompter);
+  QuorvexApp app(Ports{host, out.api, out.registry, out.profiles, prompter,
+                       out.machine, out.seed});
+  Desktop desktop(app, host, prompter);
   prompter.SetOwner(desktop.main().hwnd());
-  sim.StartTalk();
-  pump.Post([&app] { app.Load(); });
-  pump.Run();
+  if (on_loaded) on_loaded();
+  desktop.Post([&app] { app.Load(); });
+  const int code = host.Run();
   if (!app.ended()) app.Unload();
-  return 0;
+  return code;
+}
+
+int RunSimulated(const Options& o) {
+  win32::Win32Host host;
+  host.SetSpeed(o.speed);
+  Simulation sim(host, o.root);
+  return RunProgram(
+      host, {sim.api(), sim.registry(), sim.profiles(), sim.machine(), 7},
+      [&sim] { sim.StartTalk(); });
+}
+
+int RunOnClient() {
+  win32::Win32Host host;
+  win32::Win32WindowApi api;
+  win32::Win32Registry registry;
+  win32::Win32ProfileFile profiles;
+  win32::Win32Machine machine;
+  return RunProgram(host, {api, registry, profiles, machine, GetTickCount64()},
+                    nullptr);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const Options o = ParseOptions(argc, argv);
-  if (o.simulate) return RunSimulated(o);
-  // The real client is driven through the Win32 binding of the ports,
-  // which this build does not have yet.
-  MessageBoxW(nullptr,
-              L"This build of quorvex cannot drive the chat client yet.\n"
-              L"Run \"quorvex.exe --simulate\" to watch it serve a simulated "
-              L"room.",
-              L"quorvex", MB_OK | MB_ICONINFORMATION);
-  return 2;
+  return o.simulate ? RunSimulated(o) : RunOnClient();
 }

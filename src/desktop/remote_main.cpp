@@ -6,6 +6,7 @@
 //   yes TITLE       answers yes to the yes/no box of that title
 //   show CLASS      waits until the window class is showing
 //   close CLASS     clicks that window's lblExit
+//   say TEXT        types TEXT in the serve-and-chat window's line, Return
 //   wait SECONDS    lets the program run
 #include <windows.h>
 
@@ -60,6 +61,14 @@ int main(int argc, char** argv) {
       HWND exit = w ? GetDlgItem(w, kIdLblExit) : nullptr;
       if (ok) Click(exit ? exit : GetDlgItem(w, kIdCmdExit));
       WaitFor([&] { return !Showing(Wide(arg).c_str()); }, 10);
+    } else if (verb == "say") {
+      HWND w = WaitWindow(kChatroomClass, nullptr, 30);
+      HWND line = w ? GetDlgItem(w, kIdTxtSend) : nullptr;
+      ok = line != nullptr;
+      if (ok) {
+        SetText(line, arg);
+        PressReturn(line);
+      }
     } else if (verb == "wait") {
       std::this_thread::sleep_for(std::chrono::milliseconds(
           static_cast<int>(std::atof(arg.c_str()) * 1000)));

@@ -11,7 +11,7 @@ void RoomWindow::Open(POINT at) {
   Child(L"LISTBOX", "",
         LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER, 6, 26, 228,
         188, kIdLstRoom);
-  BindList(Item(kIdLstRoom), desktop_.app().frm().frmRoom.lstRoom, alive_);
+  BindList(Item(kIdLstRoom), desktop_.app().frm().frmRoom.lstRoom, subs_);
   ShowWindow(hwnd(), SW_SHOW);
 }
 
@@ -23,12 +23,6 @@ void RoomWindow::OnControl(int id, int code, HWND control) {
     app.Select("frmRoom.lstRoom", sel);
     app.Press("frmRoom.lstRoom");
   });
-}
-
-void RoomWindow::lblExit_Click() {
-  QuorvexApp& app = desktop_.app();
-  desktop_.Post([&app] { app.Press("frmRoom.lblExit"); });
-  Destroy();
 }
 
 }  // namespace quorvex::desktop

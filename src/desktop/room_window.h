@@ -2,24 +2,19 @@
 // bans one.
 #pragma once
 
-#include "desktop/window.h"
+#include "desktop/form_window.h"
 
 namespace quorvex::desktop {
 
-class Desktop;
-
-class RoomWindow : public SmallWindow {
+class RoomWindow : public FormWindow {
  public:
-  explicit RoomWindow(Desktop& desktop) : desktop_(desktop) {}
+  explicit RoomWindow(Desktop& desktop)
+      : FormWindow(desktop, "frmRoom.lblExit") {}
   // Shows the room as the core read it when the window loaded.
-  void Open(POINT at);
+  void Open(POINT at) override;
 
  protected:
-  void lblExit_Click() override;
   void OnControl(int id, int code, HWND control) override;
-
- private:
-  Desktop& desktop_;
 };
 
 }  // namespace quorvex::desktop

@@ -18,7 +18,7 @@ constexpr double kTalkRest = 45;
 
 }  // namespace
 
-Simulation::Simulation(VirtualHost& host, const fs::path& root)
+Simulation::Simulation(Host& host, const fs::path& root)
     : host_(host),
       room_(sim::ParseScenario(sim::kDemoName, sim::kDemoScenario,
                                sim::Controls())),

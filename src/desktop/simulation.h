@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "ports/virtual_host.h"
+#include "ports/host.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
@@ -21,7 +21,7 @@ class Simulation {
  public:
   // `root` holds the simulated drive and registry; a first run there
   // stores the demo room's settings (the handle the room uses, ...).
-  Simulation(VirtualHost& host, const std::filesystem::path& root);
+  Simulation(Host& host, const std::filesystem::path& root);
 
   // Starts the room's talk, and again each time it has run its course.
   void StartTalk();
@@ -32,7 +32,7 @@ class Simulation {
   WindowApi& api() { return client_; }
 
  private:
-  VirtualHost& host_;
+  Host& host_;
   sim::Scenario room_;
   FileRegistry registry_;
   IniProfileFile profiles_;

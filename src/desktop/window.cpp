@@ -32,8 +32,7 @@ void Window::Destroy() {
 void Window::CreateTopLevel(const wchar_t* class_name,
                             const std::string& caption, int x, int y, int w,
                             int h) {
-  *alive_ = false;
-  alive_ = MakeAlive();
+  subs_.Clear();
   CreateWindowExW(WS_EX_TOPMOST, class_name, Wide(caption).c_str(),
                   WS_POPUP | WS_CLIPCHILDREN | WS_MINIMIZEBOX | WS_SYSMENU, x,
                   y, w, h, nullptr, nullptr, GetModuleHandleW(nullptr), this);
@@ -85,7 +84,7 @@ LRESULT CALLBACK Window::Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
   }
   if (!self) return DefWindowProcW(hwnd, msg, wp, lp);
   if (msg == WM_NCDESTROY) {
-    *self->alive_ = false;
+    self->subs_.Clear();
     self->hwnd_ = nullptr;
     SetWindowLongPtrW(hwnd, GWLP_USERDATA, 0);
     self->OnDestroyed();

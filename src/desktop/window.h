@@ -43,8 +43,8 @@ class Window {
   virtual void OnCommand(int /*id*/, int /*code*/, HWND /*control*/) {}
   virtual void OnDestroyed() {}
 
-  // Clears every binding of this window when it goes away.
-  Alive alive_ = MakeAlive();
+  // The models this window shows; unsubscribed when it goes away.
+  Subscriptions subs_;
 
  private:
   static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp);

@@ -31,6 +31,7 @@ class PopupMenu {
   int depth() const { return static_cast<int>(levels_.size()); }
   // The highlighted item of a level (0-based), -1 for none.
   int selected(int level) const { return levels_[level].selected; }
+  const std::vector<MenuItem>& items() const { return items_; }
 
   static char Mnemonic(std::string_view caption);
 

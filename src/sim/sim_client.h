@@ -140,6 +140,8 @@ class SimClient : public WindowApi {
   Point WindowSize(Hwnd hwnd) const;
   // The client's address space, where the people list's records lie.
   const SimMemory& memory() const { return memory_; }
+  // The pop-up menu now open, null when none.
+  const PopupMenu* popup() const { return popup_.get(); }
 
   // --- WindowApi ---
   Hwnd FindWindowA(const char* class_name, const char* caption) override;

@@ -11,6 +11,11 @@ namespace quorvex::win32 {
 namespace {
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
+// A timer ticks at most once per tick of the system clock, as the old
+// runtime's timers did on the Windows the client ran on (about 18 times a
+// second): a 1 ms serving timer that polled the client a thousand times a
+// second would take a tenth of a core while nothing happens.
+constexpr double kTimerTick = 0.055;
 constexpr UINT_PTR kWakeTimer = 1;
 const wchar_t kWakeClass[] = L"QuorvexHostWake";
 
@@ -50,7 +55,7 @@ class Win32Host::TimerImpl : public HostTimer {
     // not called again at once to catch up.
     on_tick_();
     running_ = false;
-    due_ = host_.Clock() + interval_ / 1000.0;
+    due_ = host_.Clock() + Period();
     return true;
   }
   double due() const {
@@ -58,8 +63,9 @@ class Win32Host::TimerImpl : public HostTimer {
   }
 
  private:
+  double Period() const { return std::max(interval_ / 1000.0, kTimerTick); }
   void Restart() {
-    due_ = host_.Clock() + interval_ / 1000.0;
+    due_ = host_.Clock() + Period();
     host_.Arm();
   }
 
@@ -71,7 +77,7 @@ class Win32Host::TimerImpl : public HostTimer {
   double due_ = 0;
 };
 
-Win32Host::Win32Host() {
+Win32Host::Win32Host(double speed) : speed_(std::max(speed, 0.01)) {
   LARGE_INTEGER f, c;
   ::QueryPerformanceFrequency(&f);
   ::QueryPerformanceCounter(&c);
@@ -100,8 +106,24 @@ Win32Host::~Win32Host() {
 double Win32Host::Clock() const {
   LARGE_INTEGER c;
   ::QueryPerformanceCounter(&c);
-  return start_clock_ + static_cast<double>(c.QuadPart - start_count_) /
+  return start_clock_ + speed_ *
+                            static_cast<double>(c.QuadPart - start_count_) /
                             static_cast<double>(freq_);
+}
+
+double Win32Host::WallMsUntil(double clock) const {
+  return std::max(0.0, std::ceil((clock - Clock()) * 1000.0 / speed_));
+}
+
+void Win32Host::SetSpeed(double speed) {
+  // The clock goes on from where it stands.
+  const double now = Clock();
+  LARGE_INTEGER c;
+  ::QueryPerformanceCounter(&c);
+  start_count_ = c.QuadPart;
+  start_clock_ = now;
+  speed_ = std::max(speed, 0.01);
+  Arm();
 }
 
 double Win32Host::Timer() const {
@@ -170,7 +192,7 @@ void Win32Host::Arm() {
     ::KillTimer(w, kWakeTimer);
     return;
   }
-  const double ms = std::ceil((next - Clock()) * 1000.0);
+  const double ms = WallMsUntil(next);
   ::SetTimer(w, kWakeTimer,
              static_cast<UINT>(
                  std::clamp(ms, double{USER_TIMER_MINIMUM}, 2147483647.0)),
@@ -199,7 +221,7 @@ void Win32Host::DoEvents(double wake_by) {
   any |= RunDue();
   if (!any && wake_by > 0 && !quit_) {
     const double until = std::min(wake_by, NextDue());
-    const double wait_ms = std::ceil((until - Clock()) * 1000.0);
+    const double wait_ms = WallMsUntil(until);
     if (wait_ms > 0) {
       ::MsgWaitForMultipleObjectsEx(
           0, nullptr, static_cast<DWORD>(std::min(wait_ms, 86400000.0)),

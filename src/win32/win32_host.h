@@ -21,7 +21,9 @@ namespace quorvex::win32 {
 
 class Win32Host : public Host {
  public:
-  Win32Host();
+  // `speed`: as SetSpeed, from the start (tests of the stand-in client
+  // run both processes' clocks faster).
+  explicit Win32Host(double speed = 1);
   ~Win32Host() override;
   Win32Host(const Win32Host&) = delete;
   Win32Host& operator=(const Win32Host&) = delete;
@@ -33,6 +35,12 @@ class Win32Host : public Host {
   void Schedule(double delay_seconds, std::function<void()> fn) override;
   std::unique_ptr<HostTimer> CreateTimer(
       std::function<void()> on_tick) override;
+
+  // Makes Clock(), and with it every wait, timer and scheduled call, run
+  // `speed` times as fast as the wall clock (the time of day stays the
+  // wall's). The desktop's simulated room uses it to show a long session
+  // in a short time.
+  void SetSpeed(double speed);
 
   // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
   // while nothing is due. Returns the exit code.
@@ -59,9 +67,13 @@ class Win32Host : public Host {
                                           std::uintptr_t wparam,
                                           std::intptr_t lparam);
 
+  // Wall-clock milliseconds until Clock() reaches `clock`, at least 0.
+  double WallMsUntil(double clock) const;
+
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start
+  double speed_ = 1;
   std::multimap<double, Pending> scheduled_;
   std::uint64_t seq_ = 0;
   std::vector<TimerImpl*> timers_;

@@ -74,5 +74,22 @@ TEST(Win32HostTest, DoEventsDispatchesMessagesAndTimersNeverReEnter) {
   ::DestroyWindow(w);
 }
 
+TEST(Win32HostTest, ASpeedRunsTheClockThatManyTimesAsFastFromWhereItStood) {
+  Win32Host host;
+  const double before = host.Clock();
+  host.SetSpeed(1000);
+  const double from = host.Clock();
+  EXPECT_GE(from, before);
+  // At least 50 ms of the wall pass, so at least 50 s of the clock.
+  ::Sleep(50);
+  EXPECT_GE(host.Clock() - from, 49.0);
+  // A call scheduled a minute ahead comes within a wait of a minute.
+  bool ran = false;
+  host.Schedule(60, [&] { ran = true; });
+  const double until = host.Clock() + 120;
+  while (!ran && host.Clock() < until) host.DoEvents(until);
+  EXPECT_TRUE(ran);
+}
+
 }  // namespace
 }  // namespace quorvex::win32

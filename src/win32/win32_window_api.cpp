@@ -46,9 +46,48 @@ Hwnd Win32WindowApi::FindWindowA(const char* class_name, const char* caption) {
   return ToHwnd(::FindWindowA(Ptr(c), Ptr(t)));
 }
 
+namespace {
+
+// Whether `hwnd` has this class and caption (either may be absent), both
+// compared ignoring case, as FindWindowEx compares them.
+bool Matches(HWND hwnd, const char* class_name, const char* caption) {
+  auto same = [](const std::wstring& a, const char* utf8) {
+    const std::wstring b = Utf8ToWide(utf8);
+    return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()),
+                                  b.c_str(), static_cast<int>(b.size()),
+                                  TRUE) == CSTR_EQUAL;
+  };
+  if (class_name) {
+    wchar_t cls[257];
+    const int n = ::GetClassNameW(hwnd, cls, 257);
+    if (!same(std::wstring(cls, std::max(n, 0)), class_name)) return false;
+  }
+  if (caption) {
+    std::wstring text(
+        static_cast<std::size_t>(::GetWindowTextLengthW(hwnd)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(std::max(
+        ::GetWindowTextW(hwnd, text.data(), static_cast<int>(text.size())),
+        0)));
+    if (!same(text, caption)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 Hwnd Win32WindowApi::FindWindowExA(Hwnd parent, Hwnd child_after,
                                    const char* class_name,
                                    const char* caption) {
+  // Windows searches on from `child_after` whatever its class; Wine finds
+  // nothing when it is not of the class looked for (the first icon after
+  // a text field, say). Then the search on from it is made here.
+  if (child_after != 0 && class_name &&
+      !Matches(H(child_after), class_name, nullptr)) {
+    for (HWND h = ::GetWindow(H(child_after), GW_HWNDNEXT); h;
+         h = ::GetWindow(h, GW_HWNDNEXT))
+      if (Matches(h, class_name, caption)) return ToHwnd(h);
+    return 0;
+  }
   const auto c = Arg(class_name), t = Arg(caption);
   return ToHwnd(::FindWindowExA(H(parent), H(child_after), Ptr(c), Ptr(t)));
 }
@@ -139,6 +178,9 @@ std::intptr_t Win32WindowApi::SendMessageSetText(Hwnd hwnd, unsigned msg,
 
 bool Win32WindowApi::PostMessageA(Hwnd hwnd, unsigned msg,
                                   std::uintptr_t wparam, std::intptr_t lparam) {
+  // Posted to no window the platform would queue it for this thread: a
+  // key meant for a control not found yet must go nowhere instead.
+  if (hwnd == 0) return false;
   return ::PostMessageA(H(hwnd), msg, wparam, lparam);
 }
 

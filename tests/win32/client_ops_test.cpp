@@ -9,11 +9,18 @@
 #include "client/chat_room.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
+#include "client/error_boxes.h"
+#include "client/instant_messages.h"
 #include "client/mail_send.h"
 #include "client/mailbox.h"
+#include "client/room_buster.h"
+#include "client/session.h"
 #include "client/window_ops.h"
 #include "model/label.h"
 #include "model/list_box.h"
+#include "ports/client_windows.h"
+#include "ports/machine.h"
+#include "ports/memory_registry.h"
 #include "settings/settings.h"
 #include "standin_process.h"
 #include "win32/win32_host.h"
@@ -22,12 +29,18 @@
 namespace quorvex {
 namespace {
 
+constexpr char kRoomFullText[] =
+    "You are unable to enter this room because it is full.";
+
+// `speed` runs both processes' clocks that many times faster.
 class ClientOpsTest : public testing::Test {
  protected:
-  ClientOpsTest()
-      : standin(
+  explicit ClientOpsTest(double speed = 1)
+      : host(speed),
+        standin(
             "--user \"Joe Smith\" --room Lobby --mails 6 "
-            "--people Ann,Averyveryverylongname") {}
+            "--people Ann,Averyveryverylongname --speed " +
+            std::to_string(speed)) {}
 
   // Lets the other process work for a while, this one yielding.
   void Run(double seconds) {
@@ -52,6 +65,17 @@ class ClientOpsTest : public testing::Test {
     auto state = standin.State();
     return state["mailboxes"].contains(name) ? state["mailboxes"][name]
                                              : nlohmann::json::array();
+  }
+  // The client's windows as it sees them, "class:caption" (top-level
+  // windows and the frame's documents).
+  bool ClientShows(const std::string& window) {
+    for (const auto& w : standin.State()["windows"])
+      if (w == window) return true;
+    return false;
+  }
+  bool MenuShowing() {
+    const Hwnd menu = api.FindWindowA(aol::kPopupMenuClass, nullptr);
+    return menu != 0 && api.IsWindowVisible(menu);
   }
 
   win32::Win32Host host;
@@ -143,10 +167,154 @@ TEST_F(ClientOpsTest, MailboxIsLoadedAndAMailForwarded) {
   EXPECT_EQ(mail["body"], "here °");
 }
 
-TEST_F(ClientOpsTest, KeywordEntersARoom) {
+TEST_F(ClientOpsTest, MailIsWrittenAndSentNow) {
+  ASSERT_TRUE(standin.running());
+  // Twice: the second waits for the first one's window to go.
+  WriteMailNow(c, "Ann, Averyveryverylongname", "hello °", "the body");
+  WriteMailNow(c, "Ann", "again", "more");
+  ASSERT_TRUE(WaitFor([&] { return MailboxOf("Ann").size() == 2; }));
+  const auto box = MailboxOf("Ann");
+  EXPECT_EQ(box[0]["subject"], "hello °");
+  EXPECT_EQ(box[0]["body"], "the body");
+  EXPECT_EQ(box[1]["subject"], "again");
+  EXPECT_EQ(MailboxOf("Averyveryverylongname").size(), 1u);
+  EXPECT_TRUE(WaitFor([&] { return FindWriteMail(api) == 0; }));
+}
+
+TEST_F(ClientOpsTest, KeywordEntersARoomAndAFullRoomAnswersWithABox) {
   ASSERT_TRUE(standin.running());
   Keyword(api, "aol://2719:2-2-Den");
   EXPECT_TRUE(WaitFor([&] { return standin.State()["room"] == "Den"; }));
+
+  // A real message box, its text in a "Static" and its "Button".
+  standin.Command("refuse Lobby|1");
+  Keyword(api, "aol://2719:2-2-Lobby");
+  Hwnd box = 0;
+  // The box shows once its controls are made.
+  ASSERT_TRUE(WaitFor([&] {
+    box = FindClientBox(api, kRoomFullText);
+    return box && api.IsWindowVisible(box);
+  }));
+  EXPECT_EQ(api.GetClassNameA(box, 64), aol::kDialogClass);
+  std::uint32_t pid = 0;
+  api.GetWindowThreadProcessId(box, &pid);
+  EXPECT_EQ(pid, standin.pid());
+  const Hwnd ok = FindDialogButton(api, box, "OK");
+  ASSERT_NE(ok, 0u);
+  // Pressed by the keyboard, as the program does: the box goes in both
+  // the platform and the client.
+  PressButton(api, ok);
+  EXPECT_TRUE(WaitFor([&] {
+    return !api.IsWindow(box) && !ClientShows("#32770:America Online");
+  }));
+  EXPECT_EQ(standin.State()["room"], "Den");
+}
+
+TEST_F(ClientOpsTest, ThePopUpMenuOpensTheOfflineMailboxAndRunsItsItems) {
+  ASSERT_TRUE(standin.running());
+  // Up, Up, Right, Return.
+  OpenOfflineMailbox(c);
+  ASSERT_TRUE(WaitFor([&] { return FindDocument(api, kIncomingMail) != 0; }));
+  EXPECT_TRUE(WaitFor([&] { return !MenuShowing(); }));
+  // By a letter: "Mail Waiting to &be Sent".
+  RunToolbarMenu(c, aol::kToolbarMailIcon, 'b');
+  ASSERT_TRUE(WaitFor([&] { return FindDocument(api, kMailWaiting) != 0; }));
+  EXPECT_TRUE(WaitFor([&] { return !MenuShowing(); }));
+  EXPECT_FALSE(ClientShows("#32768:"));
+}
+
+TEST_F(ClientOpsTest, InstantMessagesGoOffAndOnThroughTheClientsBox) {
+  ASSERT_TRUE(standin.running());
+  auto settled = [&](bool on) {
+    auto s = standin.State();
+    for (const auto& w : s["windows"])
+      if (w == "#32770:America Online" ||
+          w == std::string("AOL Child:") + kSendIm)
+        return false;
+    return s["ims_on"] == on;
+  };
+  IMsOff(c);
+  EXPECT_TRUE(WaitFor([&] { return settled(false); })) << standin.State();
+  EXPECT_EQ(api.FindWindowA(aol::kDialogClass, kClientBoxCaption), 0u);
+  IMsOn(c);
+  EXPECT_TRUE(WaitFor([&] { return settled(true); })) << standin.State();
+}
+
+TEST_F(ClientOpsTest, TheRoomBusterPressesThroughAFullRoomsBoxes) {
+  ASSERT_TRUE(standin.running());
+  standin.Command("refuse Den|2");
+  FrmRoomBuster buster(c, nullptr);
+  buster.Form_Load();
+  buster.txtRoom.Set("Den");
+  buster.cmdStart_Click();
+  ASSERT_TRUE(WaitFor([&] { return !buster.busting(); }, 40));
+  const auto state = standin.State();
+  EXPECT_EQ(state["room"], "Den");
+  bool said = false;
+  for (const auto& line : state["lines"])
+    said = said || line.get<std::string>().find(
+                       "quorvex busted <B><U>Den</B></U> in <B><U>3</B></U> "
+                       "tries") != std::string::npos;
+  EXPECT_TRUE(said) << state["lines"].dump(1);
+  EXPECT_EQ(api.FindWindowA(aol::kDialogClass, nullptr), 0u);
+}
+
+// The client's program, started by sending the stand-in "start".
+class StandInMachine : public Machine {
+ public:
+  explicit StandInMachine(test::StandInProcess& standin) : standin_(standin) {}
+  std::string AppPath() const override { return "C:\\Quorvex"; }
+  std::string ExeName() const override { return "quorvex"; }
+  std::string WindowsDirectory() const override { return "C:\\Windows"; }
+  std::string HostPath(std::string_view path) const override {
+    return std::string(path);
+  }
+  bool FileExists(std::string_view path) const override {
+    return path == "C:\\AOL\\AOL.exe";
+  }
+  void RemoveFile(std::string_view) override {}
+  std::int64_t FileLength(std::string_view) const override { return -1; }
+  bool CopyFileBytes(
+      std::string_view, std::string_view,
+      const std::function<void(std::int64_t, std::int64_t)>&) override {
+    return false;
+  }
+  void RunProgram(std::string_view path) override {
+    if (path == "C:\\AOL\\AOL.exe") standin_.Command("start");
+  }
+  void Reboot() override {}
+
+ private:
+  test::StandInProcess& standin_;
+};
+
+// The restart's pauses add up to half a minute: both clocks run faster.
+class RestartTest : public ClientOpsTest {
+ protected:
+  RestartTest() : ClientOpsTest(4) {}
+};
+
+TEST_F(RestartTest, TheClientIsRestartedPastASignOnErrorAndBackInTheRoom) {
+  ASSERT_TRUE(standin.running());
+  standin.Command("knob signon_failures 1");
+  StandInMachine machine(standin);
+  MemoryProfileFile profiles;
+  profiles.WriteString("C:\\Windows\\Win.ini", "WAOL", "AppPath", "C:\\AOL");
+  StatusStrip status;
+  FrmRoomBuster buster(c, nullptr);
+  const std::string room = "Lobby";
+  // Closes the client, starts it, signs on (the first try ends in the
+  // error modal), turns IMs off (a box), opens the offline mailbox (the
+  // pop-up menu), sets the mail preferences and busts back into the room.
+  AOLRestart({c, machine, profiles, status, buster, room});
+  const auto state = standin.State();
+  EXPECT_TRUE(state["signed_on"]);
+  EXPECT_FALSE(state["ims_on"]);
+  EXPECT_EQ(state["room"], "Lobby");
+  EXPECT_EQ(status.text(), "status: idle");
+  EXPECT_NE(FindDocument(api, kIncomingMail), 0u);
+  EXPECT_EQ(api.FindWindowA(aol::kDialogClass, nullptr), 0u);
+  EXPECT_FALSE(MenuShowing());
 }
 
 TEST_F(ClientOpsTest, MenuCommandsByPosition) {

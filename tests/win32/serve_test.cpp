@@ -58,8 +58,17 @@ class ServeTest : public testing::Test {
   // they are.
   static constexpr const char* kRoot = "Software\\Quorvex Serve Test";
 
+  // Both processes' clocks run this many times faster than the wall
+  // clock. The figures are per second of the program's own clock, which
+  // its timers and pauses follow: what they would be at the real pace.
+  static constexpr double kSpeed = 3;
+
   ServeTest()
-      : standin("--user Host --room Lobby --mails 6 --people Ann,Bob,Cal"),
+      : standin(
+            "--user Host --room Lobby --mails 6 --people Ann,Bob,Cal --speed " +
+                std::to_string(kSpeed),
+            120),
+        host(kSpeed),
         registry(kRoot) {
     registry.DeleteApp(kApp);
     registry.Save(kApp, "Settings", "Handle", "srv");
@@ -100,11 +109,7 @@ class ServeTest : public testing::Test {
   nlohmann::json last_state;
 };
 
-// Disabled until the stand-in client shows its answer boxes as real
-// "#32770" windows: the start turns instant messages off, and the client
-// answers that IM with such a box; without it the IM window stays and the
-// start waits for the box (asking again at its pace) for ever.
-TEST_F(ServeTest, DISABLED_PeopleReceiveAMailTheListAndFindResults) {
+TEST_F(ServeTest, PeopleReceiveAMailTheListAndFindResults) {
   ASSERT_TRUE(standin.running());
   // Nothing may restart this machine.
   machine.SetExitWindows([](unsigned) { return false; });
@@ -141,13 +146,14 @@ TEST_F(ServeTest, DISABLED_PeopleReceiveAMailTheListAndFindResults) {
     const HANDLE self = ::GetCurrentProcess();
     const double idle_wall0 = host.Clock();
     const double idle_cpu0 = ProcessCpuSeconds(self);
-    const double idle_end = idle_wall0 + 10;
+    const double idle_end = idle_wall0 + 30;
     while (host.Clock() < idle_end) host.DoEvents(idle_end);
     const double idle_share =
         (ProcessCpuSeconds(self) - idle_cpu0) / (host.Clock() - idle_wall0);
-    std::fprintf(stderr,
-                 "[figure] idle serving: %.2f %% of a core over %.1f s\n",
-                 idle_share * 100, host.Clock() - idle_wall0);
+    std::fprintf(
+        stderr,
+        "[figure] idle serving: %.2f %% of a core over %.1f s of its clock\n",
+        idle_share * 100, host.Clock() - idle_wall0);
 
     const double cpu0 = ProcessCpuSeconds(self);
     const double wall0 = host.Clock();
@@ -162,30 +168,30 @@ TEST_F(ServeTest, DISABLED_PeopleReceiveAMailTheListAndFindResults) {
         },
         90);
     const double cpu = ProcessCpuSeconds(self) - cpu0;
-    std::fprintf(stderr,
-                 "[figure] three requests served in %.1f s wall, %.3f s CPU "
-                 "(%.3f s per forwarded mail)\n",
-                 host.Clock() - wall0, cpu, cpu / 3);
+    std::fprintf(
+        stderr,
+        "[figure] three requests served in %.1f s of its clock, %.3f s CPU "
+        "(%.3f s per forwarded mail)\n",
+        host.Clock() - wall0, cpu, cpu / 3);
     program.app().End();
   });
 
   EXPECT_TRUE(served) << last_state.dump(1);
-  EXPECT_EQ(prompts,
-            std::vector<std::string>{"do you want to make new lists?"});
+  EXPECT_TRUE(prompts.empty()) << prompts.front();
   // Only what each asked for, nothing to the others of it.
   EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Bob"), "mail 2"));
   EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Cal"), "mail 2"));
   // The room heard the program come on and how to ask, as the user.
   bool on = false, how = false;
-  for (const auto& line : last_state["lines"]) {
+  for (const auto& line : last_state["heard"]) {
     const std::string text = line;
     if (text.rfind("Host:\t", 0) != 0) continue;
     on = on ||
          text.find("quorvex mail server <B><U>on</B></U>") != std::string::npos;
     how = how || text.find("type /<B>srv send <U>x") != std::string::npos;
   }
-  EXPECT_TRUE(on) << last_state["lines"].dump(1);
-  EXPECT_TRUE(how) << last_state["lines"].dump(1);
+  EXPECT_TRUE(on) << last_state["heard"].dump(1);
+  EXPECT_TRUE(how) << last_state["heard"].dump(1);
 }
 
 }  // namespace

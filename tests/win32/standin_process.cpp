@@ -1,5 +1,6 @@
 #include "standin_process.h"
 
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -18,7 +19,8 @@ std::string WindowsPath(std::string path) {
 
 }  // namespace
 
-StandInProcess::StandInProcess(const std::string& args) {
+StandInProcess::StandInProcess(const std::string& args, double limit_seconds)
+    : limit_ms_(static_cast<DWORD>(limit_seconds * 1000)) {
   std::string command = "\"" + WindowsPath(QV_STANDIN_EXE) + "\" " + args;
   STARTUPINFOA si{};
   si.cb = sizeof si;
@@ -29,6 +31,38 @@ StandInProcess::StandInProcess(const std::string& args) {
   ::CloseHandle(pi.hThread);
   process_ = pi.hProcess;
   pid_ = pi.dwProcessId;
+  // The client's waits have no limit of their own; a test that would hang
+  // fails here instead.
+  done_ = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  watchdog_ = ::CreateThread(
+      nullptr, 0,
+      [](void* self) -> DWORD {
+        auto* p = static_cast<StandInProcess*>(self);
+        if (::WaitForSingleObject(p->done_, p->limit_ms_) == WAIT_TIMEOUT) {
+          std::fprintf(stderr,
+                       "[watchdog] the test is still running after %lu s: "
+                       "failed\n",
+                       static_cast<unsigned long>(p->limit_ms_ / 1000));
+          // Where it stands: the client as it sees itself, and the
+          // platform's boxes and menus as this process sees them.
+          std::fprintf(stderr, "[watchdog] the client: %s\n",
+                       p->State().dump().c_str());
+          for (HWND h = ::FindWindowA(nullptr, nullptr); h;
+               h = ::GetWindow(h, GW_HWNDNEXT)) {
+            char cls[64] = "";
+            ::GetClassNameA(h, cls, sizeof cls);
+            if (std::string(cls) == "#32770" || std::string(cls) == "#32768")
+              std::fprintf(stderr, "[watchdog] %s %s visible=%d\n", cls,
+                           ::GetWindow(h, GW_CHILD) ? "with controls" : "empty",
+                           ::IsWindowVisible(h) ? 1 : 0);
+          }
+          std::fflush(stderr);
+          ::TerminateProcess(p->process_, 1);
+          ::TerminateProcess(::GetCurrentProcess(), 1);
+        }
+        return 0;
+      },
+      this, 0, nullptr);
   for (int i = 0; i < 400 && !control_; ++i) {
     if (::WaitForSingleObject(process_, 50) == WAIT_OBJECT_0) break;
     control_ = ::FindWindowA("QuorvexStandInControl", nullptr);
@@ -40,6 +74,12 @@ StandInProcess::StandInProcess(const std::string& args) {
 }
 
 StandInProcess::~StandInProcess() {
+  if (done_) ::SetEvent(done_);
+  if (watchdog_) {
+    ::WaitForSingleObject(watchdog_, INFINITE);
+    ::CloseHandle(watchdog_);
+  }
+  if (done_) ::CloseHandle(done_);
   if (control_) Command("quit");
   if (process_) {
     if (::WaitForSingleObject(process_, 5000) != WAIT_OBJECT_0)

@@ -12,8 +12,10 @@ namespace quorvex::test {
 class StandInProcess {
  public:
   // Starts qv_standin.exe with these arguments and waits for its control
-  // window (the client's windows exist by then).
-  explicit StandInProcess(const std::string& args);
+  // window (the client's windows exist by then). A test still running
+  // `limit_seconds` later (a wait that never ends) is failed: the stand-in
+  // is stopped and this process ends with exit code 1.
+  explicit StandInProcess(const std::string& args, double limit_seconds = 60);
   ~StandInProcess();
   StandInProcess(const StandInProcess&) = delete;
   StandInProcess& operator=(const StandInProcess&) = delete;
@@ -27,6 +29,9 @@ class StandInProcess {
 
  private:
   HANDLE process_ = nullptr;
+  HANDLE done_ = nullptr;  // set when the test ends within its limit
+  HANDLE watchdog_ = nullptr;
+  DWORD limit_ms_ = 0;
   DWORD pid_ = 0;
   HWND control_ = nullptr;
   std::string dump_path_;

@@ -4,6 +4,7 @@
 #include <set>
 #include <vector>
 
+#include "ports/client_windows.h"
 #include "win32/code_page.h"
 
 namespace quorvex::standin {
@@ -39,6 +40,9 @@ bool Forwarded(UINT msg) {
     case LB_GETTEXTLEN:
     case LB_GETCOUNT:
     case LB_GETITEMDATA:
+    case LB_GETCURSEL:
+    case BM_GETCHECK:
+    case BM_SETCHECK:
     case WM_LBUTTONDOWN:
     case WM_LBUTTONUP:
       return true;
@@ -48,6 +52,48 @@ bool Forwarded(UINT msg) {
 }
 
 constexpr std::size_t kWhole = 1 << 20;
+
+bool IsModalClass(const std::string& class_name) {
+  return class_name == aol::kDialogClass || class_name == aol::kPopupMenuClass;
+}
+
+// The message box this thread shows, if any.
+HWND OwnMessageBox() {
+  HWND found = nullptr;
+  ::EnumThreadWindows(
+      ::GetCurrentThreadId(),
+      [](HWND h, LPARAM out) -> BOOL {
+        wchar_t cls[16];
+        if (::GetClassNameW(h, cls, 16) && std::wstring(cls) == L"#32770") {
+          *reinterpret_cast<HWND*>(out) = h;
+          return FALSE;
+        }
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
+// Builds the real menu of `items`; `paths[id]` is where each command id's
+// item lies (ids from 1: an id of 0 is no choice).
+HMENU BuildMenu(const std::vector<MenuItem>& items, std::vector<int> at,
+                std::vector<std::vector<int>>& paths) {
+  HMENU menu = ::CreatePopupMenu();
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    std::vector<int> here = at;
+    here.push_back(static_cast<int>(i));
+    const std::wstring caption = win32::Utf8ToWide(items[i].caption);
+    if (!items[i].submenu.empty()) {
+      HMENU sub = BuildMenu(items[i].submenu, here, paths);
+      ::AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(sub),
+                    caption.c_str());
+    } else {
+      ::AppendMenuW(menu, MF_STRING, paths.size(), caption.c_str());
+      paths.push_back(here);
+    }
+  }
+  return menu;
+}
 
 void CopyOut(const std::string& utf8, wchar_t* buffer, std::size_t chars,
              LRESULT* result) {
@@ -64,7 +110,7 @@ void CopyOut(const std::string& utf8, wchar_t* buffer, std::size_t chars,
 
 }  // namespace
 
-Mirror::Mirror(SimClient& sim) : sim_(sim) {
+Mirror::Mirror(SimClient& sim, Host& host) : sim_(sim), host_(host) {
   g_mirror = this;
   for (std::uintptr_t base : kHeapBases) {
     memory_ = ::VirtualAlloc(reinterpret_cast<void*>(base), kHeapSize,
@@ -144,6 +190,7 @@ void Mirror::Sync() {
   }
   own_destroy_ = false;
   SyncMemory();
+  SyncModals();
   syncing_ = false;
 }
 
@@ -153,6 +200,8 @@ void Mirror::SyncChildren(Hwnd parent, HWND real_parent) {
   for (Hwnd child : tree.Children(parent)) {
     const SimWindow* w = tree.Get(child);
     if (!w) continue;
+    // Boxes and pop-up menus are the platform's (SyncModals).
+    if (!parent && IsModalClass(w->class_name)) continue;
     Real& r = reals_[child];
     if (!r.hwnd || !::IsWindow(r.hwnd)) {
       r.hwnd = Create(*w, real_parent);
@@ -217,6 +266,87 @@ void Mirror::SyncMemory() {
     if (at < heap_base_ || at + bytes.size() > heap_base_ + kHeapSize) continue;
     std::memcpy(base + (at - heap_base_), bytes.data(), bytes.size());
     written_[at] = bytes.size();
+  }
+}
+
+void Mirror::SyncModals() {
+  const WindowTree& tree = sim_.tree();
+  for (Hwnd top : tree.Children(0)) {
+    const SimWindow* w = tree.Get(top);
+    if (w && w->class_name == aol::kDialogClass &&
+        seen_boxes_.insert(top).second)
+      boxes_.push_back(top);
+  }
+  std::erase_if(boxes_, [&](Hwnd b) { return !tree.Exists(b); });
+  std::erase_if(seen_boxes_, [&](Hwnd b) { return !tree.Exists(b); });
+  // The client took down what is showing (it signed off, say).
+  if (box_ && !tree.Exists(box_))
+    if (HWND real = OwnMessageBox()) ::EndDialog(real, IDCANCEL);
+  if (menu_ && !sim_.popup()) ::EndMenu();
+  if (modal_) return;
+  if (sim_.popup() && !menu_) {
+    modal_ = true;
+    host_.Schedule(0, [this] { TrackMenu(); });
+  } else if (!boxes_.empty()) {
+    modal_ = true;
+    const Hwnd next = boxes_.front();
+    boxes_.pop_front();
+    host_.Schedule(0, [this, next] { ShowBox(next); });
+  }
+}
+
+void Mirror::ShowBox(Hwnd sim_box) {
+  const WindowTree& tree = sim_.tree();
+  if (const SimWindow* w = tree.Get(sim_box)) {
+    const SimWindow* text = tree.Get(tree.Find(sim_box, 0, "Static", nullptr));
+    const std::wstring caption = win32::Utf8ToWide(w->text);
+    const std::wstring body = win32::Utf8ToWide(text ? text->text : "");
+    box_ = sim_box;
+    ::MessageBoxW(nullptr, body.c_str(), caption.c_str(), MB_OK);
+    box_ = 0;
+    // Pressed or closed, the client's box goes the same way.
+    if (tree.Exists(sim_box)) sim_.SendMessageA(sim_box, win::kWmClose, 0, 0);
+  }
+  modal_ = false;
+  Sync();
+}
+
+void Mirror::TrackMenu() {
+  const PopupMenu* popup = sim_.popup();
+  const HWND owner = RealOf(sim_.FindWindowA(aol::kFrameClass, nullptr));
+  if (popup && owner) {
+    std::vector<std::vector<int>> paths(1);
+    HMENU menu = BuildMenu(popup->items(), {}, paths);
+    menu_ = true;
+    const int id = static_cast<int>(
+        ::TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_LEFTALIGN, 40,
+                         40, 0, owner, nullptr));
+    menu_ = false;
+    ::DestroyMenu(menu);
+    ChooseInSimMenu(id > 0 && id < static_cast<int>(paths.size())
+                        ? paths[id]
+                        : std::vector<int>{});
+  }
+  modal_ = false;
+  Sync();
+}
+
+void Mirror::ChooseInSimMenu(const std::vector<int>& path) {
+  auto key = [this](int vk) {
+    sim_.SendMessageA(sim_.FindWindowA(aol::kPopupMenuClass, nullptr),
+                      win::kWmKeyDown, static_cast<std::uintptr_t>(vk), 0);
+  };
+  if (path.empty()) {
+    for (int i = 0; i < 8 && sim_.popup(); ++i) key(VK_ESCAPE);
+    return;
+  }
+  for (std::size_t level = 0; level < path.size() && sim_.popup(); ++level) {
+    for (int i = 0;
+         i < 64 && sim_.popup()->depth() == int(level) + 1 &&
+         sim_.popup()->selected(static_cast<int>(level)) != path[level];
+         ++i)
+      key(VK_DOWN);
+    key(VK_RETURN);
   }
 }
 

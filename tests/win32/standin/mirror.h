@@ -5,13 +5,23 @@
 // frame gets a real menu with the same command ids. Messages that another
 // process sends or posts to a real window are handed to the simulated
 // client as if sent or posted to its own window.
+//
+// The client's message boxes ("#32770") and its pop-up menu ("#32768")
+// are the platform's own: a real message box (MessageBox) and a real
+// pop-up menu (TrackPopupMenu), each in its own modal loop, one at a time.
+// What the user does in them (the button pressed, the item chosen, the
+// menu cancelled) is then done to the simulated client's box or menu.
 #pragma once
 
 #include <windows.h>
 
+#include <deque>
 #include <map>
+#include <set>
 #include <string>
+#include <vector>
 
+#include "ports/host.h"
 #include "sim/sim_client.h"
 
 namespace quorvex::standin {
@@ -20,7 +30,9 @@ class Mirror {
  public:
   // Maps the address range for the people list's records and makes the
   // simulated client place them there; call before the client launches.
-  explicit Mirror(SimClient& sim);
+  // Modal loops are entered from calls scheduled on `host`, never from
+  // inside a message another process sent (it would wait for the box).
+  Mirror(SimClient& sim, Host& host);
   ~Mirror();
   Mirror(const Mirror&) = delete;
   Mirror& operator=(const Mirror&) = delete;
@@ -47,8 +59,21 @@ class Mirror {
   void SyncChildren(Hwnd parent, HWND real_parent);
   void SyncMenu(Hwnd frame, HWND real);
   void SyncMemory();
+  // Queues the client's new boxes and shows the next box or the menu.
+  void SyncModals();
+  void ShowBox(Hwnd sim_box);
+  void TrackMenu();
+  // Chooses the item at `path` (positions per level) in the simulated
+  // client's menu, or closes it when `path` is empty.
+  void ChooseInSimMenu(const std::vector<int>& path);
 
   SimClient& sim_;
+  Host& host_;
+  std::deque<Hwnd> boxes_;     // the client's boxes waiting for their turn
+  std::set<Hwnd> seen_boxes_;  // every box queued so far
+  Hwnd box_ = 0;               // the client's box shown now
+  bool menu_ = false;          // the real pop-up menu is tracking
+  bool modal_ = false;         // a box or the menu is up or about to be
   std::map<Hwnd, Real> reals_;
   std::map<HWND, Hwnd> sims_;
   std::map<HWND, WNDPROC> original_;

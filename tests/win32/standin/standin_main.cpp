@@ -3,11 +3,15 @@
 // another process.
 //
 //   qv_standin.exe [--user NAME] [--room ROOM] [--mails N] [--people A,B]
+//                  [--speed F (the client's clock F times the wall clock)]
 //
 // A hidden window of class "QuorvexStandInControl" takes commands as
 // WM_COPYDATA texts (UTF-8), one per message:
-//   say NAME|TEXT   join NAME   leave NAME   signoff   full NAME
-//   mail TITLE      dump PATH (the room and the mailboxes as JSON)   quit
+//   say NAME|TEXT   join NAME   leave NAME   signoff   start (the client's
+//   program is run)   full NAME (a full mailbox)   mail TITLE
+//   knob NAME VALUE (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N
+//   dump PATH (the room's display and every line it showed, the mailboxes
+//   and the open windows as JSON)   quit
 #include <windows.h>
 
 #include <fstream>
@@ -17,16 +21,28 @@
 
 #include "mirror.h"
 #include "sim/sim_client.h"
+#include "sim/sim_knobs.h"
 #include "sim/sim_world.h"
 #include "win32/win32_host.h"
 
 namespace quorvex::standin {
 namespace {
 
+// Every line the room showed, in order: the program may empty the
+// display itself as it reads it.
+struct Heard : SimObserver {
+  void OnChat(const std::string& sn, const std::string& text) override {
+    lines.push_back(sn + ":\t" + text);
+  }
+  std::vector<std::string> lines;
+};
+
 struct App {
+  explicit App(double speed) : host(speed) { sim.SetObserver(&heard); }
   win32::Win32Host host;
   SimWorld world;
   SimClient sim{host, world, 7};
+  Heard heard;
   Mirror* mirror = nullptr;
 };
 App* g_app = nullptr;
@@ -38,6 +54,18 @@ void Dump(const std::string& path) {
   j["room"] = g_app->sim.current_room();
   j["lines"] = nlohmann::json::array();
   for (const auto& line : g_app->sim.DisplayLines()) j["lines"].push_back(line);
+  j["heard"] = g_app->heard.lines;
+  // Captions of the client's windows: top-level ones and documents.
+  j["windows"] = nlohmann::json::array();
+  const WindowTree& tree = g_app->sim.tree();
+  for (Hwnd top : tree.Children(0)) {
+    const SimWindow* w = tree.Get(top);
+    j["windows"].push_back(w->class_name + ":" + w->text);
+    if (w->class_name != "AOL Frame25") continue;
+    const Hwnd mdi = tree.Find(top, 0, "MDIClient", nullptr);
+    for (Hwnd doc : tree.Children(mdi))
+      j["windows"].push_back("AOL Child:" + tree.Get(doc)->text);
+  }
   j["mailboxes"] = nlohmann::json::object();
   for (const auto& [name, mails] : g_app->sim.Mailboxes()) {
     auto& box = j["mailboxes"][name];
@@ -70,6 +98,19 @@ void Command(const std::string& line) {
     sim.Leave(arg);
   } else if (verb == "signoff") {
     sim.SignOff();
+  } else if (verb == "start") {
+    sim.Start();
+  } else if (verb == "knob") {
+    const std::size_t space = arg.find(' ');
+    SetKnob(&sim.knobs(), arg.substr(0, space),
+            space == std::string::npos ? "" : arg.substr(space + 1));
+  } else if (verb == "refuse" || verb == "capacity") {
+    const std::size_t bar = arg.find('|');
+    const int n = bar == std::string::npos ? 0 : std::stoi(arg.substr(bar + 1));
+    if (verb == "refuse")
+      sim.RefuseRoom(arg.substr(0, bar), n);
+    else
+      sim.SetRoomCapacity(arg.substr(0, bar), n);
   } else if (verb == "full") {
     sim.SetFullMailbox(arg);
   } else if (verb == "mail") {
@@ -112,22 +153,24 @@ std::vector<std::string> Split(const std::string& s) {
 
 int main(int argc, char** argv) {
   using namespace quorvex::standin;
-  App app;
-  g_app = &app;
   std::string user = "Host", room = "Lobby", people;
   int mails = 5;
+  double speed = 1;
   for (int i = 1; i + 1 < argc; i += 2) {
     const std::string k = argv[i], v = argv[i + 1];
     if (k == "--user") user = v;
     if (k == "--room") room = v;
     if (k == "--mails") mails = std::stoi(v);
     if (k == "--people") people = v;
+    if (k == "--speed") speed = std::stod(v);
   }
+  App app(speed);
+  g_app = &app;
   app.sim.SetUserName(user);
   app.sim.SetRoomName(room);
   for (const std::string& p : Split(people)) app.sim.AddPerson(p);
   for (int i = 1; i <= mails; ++i) app.sim.AddMail("mail " + std::to_string(i));
-  Mirror mirror(app.sim);
+  Mirror mirror(app.sim, app.host);
   app.mirror = &mirror;
   if (!mirror.memory_ok()) return 3;
   app.sim.Launch();
