@@ -1,7 +1,9 @@
 // Any display text through the chat scanner: people say any lines, and the
 // display is at times overwritten with any bytes. While every line said is
 // a plain one (a name without ":" and tab, no line break), the scanner
-// hears exactly the lines said, once each and in order.
+// hears exactly the lines said, once each and in order. A line is said
+// under the speaker's screen name as the room knows it: names that differ
+// only in case or spaces are one person, shown as they first came in.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdio>
@@ -56,7 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
         const std::string text = in.ConsumeRandomLengthString(40);
         exact = exact && Plain(name, text);
         sim.Say(name, text);
-        said.push_back(name + "\n" + text);
+        const SimPerson* speaker = world.FindPerson(name);
+        said.push_back((speaker ? speaker->name : name) + "\n" + text);
         if (++since_scan >= sim.knobs().display_lines) exact = false;
         break;
       }

@@ -171,6 +171,12 @@ void QuorvexApp::Select(const std::string& list, int index) {
   if (ListBox* l = c->list(*this)) l->Select(index);
 }
 
+void QuorvexApp::SelectText(const std::string& list, const std::string& text) {
+  const Control* c = FindControl(list);
+  if (!c || !c->list) return;
+  if (ListBox* l = c->list(*this)) l->Select(l->FindExact(text));
+}
+
 bool QuorvexApp::CanSet(const std::string& control) {
   const Control* c = FindControl(control);
   return c && c->set;

@@ -59,6 +59,9 @@ class QuorvexApp {
   void Press(const std::string& control, int index = 0);
   static bool CanSelect(const std::string& list);
   void Select(const std::string& list, int index);
+  // Selects the first item that reads `text`, case ignored; nothing is
+  // selected when no item does.
+  void SelectText(const std::string& list, const std::string& text);
   static bool CanSet(const std::string& control);
   void Set(const std::string& control, const std::string& value);
 

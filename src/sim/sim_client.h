@@ -122,6 +122,11 @@ class SimClient : public WindowApi {
   const std::deque<std::string>& DisplayLines() const { return display_lines_; }
   std::vector<std::string> IncomingTitles() const;
   int WaitingCount() const { return static_cast<int>(waiting_.size()); }
+  // "Mail Waiting to be Sent", oldest first.
+  struct WaitingMail {
+    std::string to, subject, body;
+  };
+  std::vector<WaitingMail> Waiting() const;
   int SentCount() const { return static_cast<int>(sent_.size()); }
   std::uint32_t process_id() const { return pid_; }
   // A preference check box's saved state, by its label (-1: unknown).

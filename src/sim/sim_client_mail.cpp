@@ -303,6 +303,14 @@ void SimClient::SendMail(Doc& doc, bool now) {
   Later(knobs_.send_time, [this, h, status, m] { FinishSend(h, status, m); });
 }
 
+std::vector<SimClient::WaitingMail> SimClient::Waiting() const {
+  std::vector<WaitingMail> out;
+  for (const OutMail& m : waiting_)
+    out.push_back(
+        {m.cc.empty() ? m.to : m.to + ", " + m.cc, m.subject, m.body});
+  return out;
+}
+
 void SimClient::FinishSend(Hwnd doc, Hwnd status, const OutMail& mail) {
   std::vector<std::string> errors = Deliver(mail);
   sent_.push_back(mail);

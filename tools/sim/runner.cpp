@@ -198,6 +198,11 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
   state["registry"] = reg;
   state["files"] = files;
   state["mailboxes"] = mailboxes;
+  // Mail the client holds to send later; shown only when there is some.
+  ordered_json waiting = ordered_json::array();
+  for (const SimClient::WaitingMail& m : client.Waiting())
+    waiting.push_back({{"to", m.to}, {"subject", m.subject}, {"body", m.body}});
+  if (!waiting.empty()) state["waiting"] = waiting;
   // The client's mail preferences as saved: what the program set, or left.
   ordered_json preferences = ordered_json::object();
   for (const auto& [label, checked] : client.MailPreferences())
@@ -407,7 +412,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "press") {
         program.app().Press(line.name, line.index);
       } else if (line.verb == "select") {
-        program.app().Select(line.name, line.index);
+        if (line.text.empty())
+          program.app().Select(line.name, line.index);
+        else
+          program.app().SelectText(line.name, line.text);
       } else if (line.verb == "set") {
         program.app().Set(line.name, line.text);
       } else if (line.verb == "start") {

@@ -89,6 +89,29 @@ run 120
   EXPECT_GE(resumed, 1);
 }
 
+TEST(RunnerTest, SelectByTextPicksTheItemThatReadsItOrNone) {
+  RunResult run = RunText(R"(person Amy
+person zed
+mails 5
+at 1 say zed: /host send 2
+at 1.5 say Amy: /host send 1
+at 4 press lstBanned 2
+at 5 select frmRoom.lstRoom "nobody"
+at 5 press frmRoom.lstRoom
+at 6 select frmRoom.lstRoom "ZED"
+at 6 press frmRoom.lstRoom
+run 7
+)");
+  EXPECT_EQ(run.final_state["lists"]["lstBanned"], Json::array({"zed"}));
+  EXPECT_EQ(run.final_state["lists"]["lstPending"], Json::array({"amy-1"}));
+  EXPECT_THROW(ParseScenario("t.scn", "at 1 select lstPending \"\"\nrun 2\n",
+                             Controls()),
+               ScenarioError);
+  EXPECT_THROW(
+      ParseScenario("t.scn", "at 1 select lstPending 1 2\nrun 2\n", Controls()),
+      ScenarioError);
+}
+
 TEST(RunnerTest, DemoServesEveryKindOfRequest) {
   Scenario sc = ParseScenario(kDemoName, kDemoScenario, Controls());
   std::ostringstream out;

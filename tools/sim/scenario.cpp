@@ -132,11 +132,18 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
                  "'");
       } else if (t.verb == "select") {
         t.name = TakeWord(rest);
-        std::string idx = TakeWord(rest);
-        if (t.name.empty() || idx.empty())
-          p.Fail("expected 'select LIST INDEX'");
-        t.index =
-            static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
+        const std::string item = TrimBlanks(rest);
+        if (item.size() >= 2 && item.front() == '"' && item.back() == '"') {
+          // An item by its text, as the user would pick it.
+          t.text = item.substr(1, item.size() - 2);
+          if (t.text.empty()) p.Fail("the item's text is empty");
+        } else {
+          std::string idx = TakeWord(rest);
+          if (t.name.empty() || idx.empty() || !TrimBlanks(rest).empty())
+            p.Fail("expected 'select LIST INDEX' or 'select LIST \"TEXT\"'");
+          t.index =
+              static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
+        }
         if (controls.selectable && !controls.selectable(t.name))
           p.Fail("unknown list to select in: '" + t.name + "'");
       } else if (t.verb == "set") {

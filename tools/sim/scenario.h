@@ -30,7 +30,7 @@ struct TimedLine {
   std::string
       verb;  // say, press, select, set, answer, signoff, join, leave, start
   std::string name;  // speaker, control, list, person
-  std::string text;  // said text, answer, value
+  std::string text;  // said text, answer, value; select: the item's text
   int index = 0;     // press: preset item (0 none); select: item
 };
 

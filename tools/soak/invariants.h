@@ -5,8 +5,9 @@
 //    counts once per requester), and, when not delivered, ended in a way
 //    the program knows: a dead mail, a full mailbox, cleared or removed by
 //    the user, removed by a ban, still pending (in the list, or in the
-//    saved queue after an exit), lost to a fault of the queue's file, or
-//    in flight when the program stopped;
+//    saved queue after an exit), handed to the client and still waiting
+//    to be sent, deleted unsent by the sent-mail check, lost to a fault
+//    of the queue's file, or in flight when the program stopped;
 //  - no mail reaches anyone who did not ask for something;
 //  - the total counter shown equals the one stored, unless a write of the
 //    settings failed.
@@ -24,9 +25,13 @@ struct RunFigures {
   int accepted = 0;       // mail requests accepted
   int delivered = 0;      // forwarded mails received
   int still_pending = 0;  // accepted, pending at the end
-  int excused = 0;        // accepted, not delivered, ended a known way
-  int in_flight = 0;      // of those: taken when the program stopped
-  std::map<std::string, int> faults;  // injected, by kind
+  int waiting = 0;        // accepted, handed to the client, waiting to be sent
+  int deleted_waiting = 0;  // waiting, deleted by the sent-mail check
+  int banned = 0;           // removed from the list by a ban
+  int excused = 0;          // accepted, not delivered, ended another known way
+  int in_flight = 0;        // of those: taken when the program stopped
+  std::map<std::string, int> endings;  // those ended another way, by name
+  std::map<std::string, int> faults;   // injected, by kind
 };
 
 // The violations found (empty: the run is clean).

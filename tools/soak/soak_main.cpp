@@ -61,9 +61,13 @@ int main(int argc, char** argv) {
       ("quorvex-soak-" + std::to_string(std::random_device{}()));
   const auto wall0 = std::chrono::steady_clock::now();
   int failed = 0;
-  std::int64_t accepted = 0, delivered = 0, excused = 0, in_flight = 0,
-               still_pending = 0;
-  std::map<std::string, int> faults;
+  std::int64_t accepted = 0, delivered = 0, excused = 0, still_pending = 0,
+               waiting = 0, deleted_waiting = 0, banned = 0;
+  std::map<std::string, int> faults, endings;
+  // The client's faults, drawn into the rooms rather than logged as they
+  // strike: rooms that lose clicks, sign-offs, full mailboxes, dead mails
+  // and slow clients.
+  std::map<std::string, int> client_faults;
   std::map<std::string, int> violations;  // by first words
   for (int i = 0; i < runs; ++i) {
     const std::uint64_t seed = first + static_cast<std::uint64_t>(i);
@@ -73,6 +77,13 @@ int main(int argc, char** argv) {
     soak::RunFigures fig;
     try {
       const sim::Scenario sc = sim::ParseScenario(name, text, sim::Controls());
+      if (sc.lost_clicks > 0) ++client_faults["rooms losing clicks"];
+      for (const sim::TimedLine& t : sc.timeline)
+        if (t.verb == "signoff") ++client_faults["sign-offs"];
+      client_faults["full mailboxes"] +=
+          static_cast<int>(sc.full_mailboxes.size());
+      client_faults["dead mails"] += static_cast<int>(sc.dead_mails.size());
+      if (sc.latency_ms > 50) ++client_faults["slow clients"];
       std::ostringstream transcript;
       sim::RunOptions options;
       // Every save is flushed to disk: a memory file system keeps a run
@@ -86,9 +97,12 @@ int main(int argc, char** argv) {
       bad.push_back(std::string("the run did not end normally: ") + e.what());
     }
     accepted += fig.accepted, delivered += fig.delivered;
-    excused += fig.excused, in_flight += fig.in_flight;
+    excused += fig.excused;
     still_pending += fig.still_pending;
+    waiting += fig.waiting, deleted_waiting += fig.deleted_waiting;
+    banned += fig.banned;
     for (const auto& [kind, n] : fig.faults) faults[kind] += n;
+    for (const auto& [why, n] : fig.endings) endings[why] += n;
     if ((i + 1) % 50 == 0)
       std::cout << "  ... " << i + 1 << " runs, " << failed << " failed"
                 << std::endl;
@@ -121,10 +135,24 @@ int main(int argc, char** argv) {
             << " failed, " << wall << " s\n"
             << "  requests: " << accepted << " mail requests accepted, "
             << delivered << " forwarded mails received, " << still_pending
-            << " still pending at the end, " << excused << " ended otherwise ("
-            << in_flight << " in flight at a stop)\n"
-            << "  faults injected: " << injected;
+            << " still pending at the end, " << waiting
+            << " handed to the client, waiting to be sent, " << deleted_waiting
+            << " waiting and deleted by the sent-mail check (by design), "
+            << banned << " removed by a ban, " << excused
+            << " ended otherwise:";
+  const char* sep = " ";
+  for (const auto& [why, n] : endings) {
+    std::cout << sep << why << " " << n;
+    sep = ", ";
+  }
+  std::cout << "\n  faults injected: " << injected;
   for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
+  std::cout << "\n  client faults drawn:";
+  sep = " ";
+  for (const auto& [kind, n] : client_faults) {
+    std::cout << sep << kind << " " << n;
+    sep = ", ";
+  }
   std::cout << "\n";
   for (const auto& [what, n] : violations)
     std::cout << "  violation '" << what << "': " << n << "\n";

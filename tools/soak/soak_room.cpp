@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <random>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -42,9 +43,13 @@ std::string Garbage(Dice& d, int length) {
   return s;
 }
 
-std::string Request(Dice& d, int mails) {
+// A line for the server; `queues` tells whether it asks for a mail or a
+// list, which a valid request queues.
+std::string Request(Dice& d, int mails, bool* queues = nullptr) {
   const std::string h = d.Chance(0.1) ? "/SRV" : "/srv";
-  switch (d.Int(0, 15)) {
+  const int kind = d.Int(0, 15);
+  if (queues) *queues = kind <= 5;
+  switch (kind) {
     case 0:
     case 1:
     case 2:
@@ -105,6 +110,11 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   if (d.Chance(0.3)) s << "registry Settings ScrollMethod = False\n";
   if (d.Chance(0.3)) s << "registry Banning Mails = " << d.Int(1, 12) << "\n";
   if (d.Chance(0.3)) s << "registry Banning Mistakes = " << d.Int(1, 5) << "\n";
+  // The sent-mail check now and then (with the send later method it also
+  // deletes the mail waiting to be sent); the regular method now and then.
+  if (d.Chance(0.25))
+    s << "registry Settings SentRestart = " << d.Int(2, 6) << "\n";
+  if (d.Chance(0.25)) s << "registry Settings MailMethod = False\n";
   s << "mails " << mails << " song\n";
   if (on("full-mailbox") && d.Chance(0.3))
     s << "full-mailbox " << d.Pick(people) << "\n";
@@ -119,6 +129,15 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   // The user starts serving at once (lists built when none are found).
   s << "at 0.5 answer yes\nat 1 press cmdStart\n";
   bool running = true, serving = true, paused = false;
+  // Who asked for mail since the last ban from the room window, and who is
+  // banned: a ban picks one of the former most of the time.
+  std::vector<std::string> asking;
+  std::set<std::string> banned;
+  auto asked = [&](const std::string& p) {
+    if (!banned.count(p) &&
+        std::find(asking.begin(), asking.end(), p) == asking.end())
+      asking.push_back(p);
+  };
   double t = 2;
   while (t < end) {
     t += d.Int(1, 2000) / 1000.0;
@@ -130,14 +149,19 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
       s << at << "start\n";
       running = true, serving = false, paused = false;
     } else if (what < 60) {
-      s << at << "say " << d.Pick(people) << ": " << Request(d, mails) << "\n";
+      const std::string p = d.Pick(people);
+      bool queues = false;
+      s << at << "say " << p << ": " << Request(d, mails, &queues) << "\n";
+      if (queues) asked(p);
     } else if (what < 63) {
       // A flood: one person, many lines in a second.
       const std::string p = d.Pick(people);
       const int n = d.Int(10, 40);
       for (int i = 0; i < n; ++i) {
         std::snprintf(at, sizeof at, "at %.3f ", t + i * 0.02);
-        s << at << "say " << p << ": " << Request(d, mails) << "\n";
+        bool queues = false;
+        s << at << "say " << p << ": " << Request(d, mails, &queues) << "\n";
+        if (queues) asked(p);
       }
       t += n * 0.02;
     } else if (what < 68) {
@@ -162,11 +186,26 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
       s << at << "answer " << d.Pick(people) << "\n"
         << at << "press mnuClearSN\n";
     } else if (what < 83) {
-      // A ban from the room's people window.
-      s << at << "press lstBanned 2\n"
-        << at << "select frmRoom.lstRoom " << d.Int(0, 4) << "\n"
-        << at << "press frmRoom.lstRoom\n"
-        << at << "press frmRoom.lblExit\n";
+      // A ban from the room's people window: mostly someone who asked for
+      // mail, sometimes a bystander; picked by name, as the user would.
+      std::vector<std::string> bystanders;
+      for (const std::string& p : people)
+        if (!banned.count(p) &&
+            std::find(asking.begin(), asking.end(), p) == asking.end())
+          bystanders.push_back(p);
+      const bool requester =
+          !asking.empty() && (bystanders.empty() || d.Chance(0.8));
+      if (requester || !bystanders.empty()) {
+        const std::string name =
+            requester ? d.Pick(asking) : d.Pick(bystanders);
+        s << at << "press lstBanned 2\n"
+          << at << "select frmRoom.lstRoom \"" << name << "\"\n"
+          << at << "press frmRoom.lstRoom\n"
+          << at << "press frmRoom.lblExit\n";
+        banned.insert(name);
+        asking.erase(std::remove(asking.begin(), asking.end(), name),
+                     asking.end());
+      }
     } else if (what < 88) {
       s << at << "press mnuMSpeed " << d.Int(1, 3) << "\n";
     } else if (what < 92 && on("signoff")) {
