@@ -116,9 +116,12 @@ class DesktopTest : public ProgramTest {
   // The simulated registry as the program last wrote it. Opened so that
   // the program can still replace the file while it is read (it renames a
   // new file over it on every change).
-  std::string RegistryFile() const {
+  std::string RegistryFile() const { return FileText("registry.json"); }
+  // What the simulated client showed and sent so far, a line each.
+  std::string RoomLog() const { return FileText("room.txt"); }
+  std::string FileText(const char* name) const {
     HANDLE f =
-        CreateFileW((root_ / "registry.json").c_str(), GENERIC_READ,
+        CreateFileW((root_ / name).c_str(), GENERIC_READ,
                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, 0, nullptr);
     if (f == INVALID_HANDLE_VALUE) return "";
@@ -316,12 +319,22 @@ TEST_F(DesktopTest, ServeAndChatFollowsTheRoomAndSaysALineInItsTurn) {
       },
       10));
   // While serving, a typed line is queued and said by the serving loop;
-  // the box empties, and the room's echo comes back to the mirror.
+  // the box empties, and the user's line appears in the room. (The mirror
+  // may be emptied before anyone reads it, so the room's log is asked.)
   SetText(line, "hello room");
   PressReturn(line);
   EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 20));
   EXPECT_TRUE(WaitFor(
-      [&] { return Text(mirror).find("[hello room]") != std::string::npos; },
+      [&] {
+        const std::string log = RoomLog();
+        const std::size_t at = log.find("[hello room]");
+        if (at == std::string::npos) return false;
+        const std::size_t line_end = log.rfind('\n', at);
+        const std::size_t line_start =
+            line_end == std::string::npos ? 0 : line_end + 1;
+        return log.substr(line_start, at - line_start).find("  Host: ") !=
+               std::string::npos;
+      },
       60));
   // lblExit closes it; the main window goes on serving.
   Click(GetDlgItem(chat, kIdLblExit));

@@ -1,10 +1,13 @@
 // quorvex.exe --simulate: the simulated client in this process, with the
 // demo's room talking in real time, and a folder that stands for drive C:
 // (settings, queue and restart files included), so that anyone without
-// the client can watch the server work.
+// the client can watch the server work. What the simulated client shows
+// and sends (the room's lines, mails, instant messages) is written as it
+// happens to room.txt in that folder, for a person or a test to follow.
 #pragma once
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include "ports/host.h"
@@ -14,6 +17,7 @@
 #include "sim/scenario.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
+#include "sim/transcript.h"
 
 namespace quorvex::desktop {
 
@@ -39,6 +43,9 @@ class Simulation {
   FolderMachine machine_;
   SimWorld world_;
   SimClient client_;
+  std::ofstream log_file_;
+  sim::Transcript log_;
+  sim::TranscriptObserver log_observer_;
 };
 
 }  // namespace quorvex::desktop

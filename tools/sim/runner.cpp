@@ -77,32 +77,6 @@ class RootFolder {
   bool temporary_ = false;
 };
 
-class TranscriptObserver : public SimObserver {
- public:
-  explicit TranscriptObserver(Transcript& t) : t_(t) {}
-  void OnChat(const std::string& sn, const std::string& text) override {
-    t_.Write("chat", {{"sn", sn}, {"text", text}});
-  }
-  void OnMail(const std::string& from, const std::string& to,
-              const std::string& subject, const std::string& body,
-              bool send_now) override {
-    t_.Write("mail", {{"from", from},
-                      {"to", to},
-                      {"subject", subject},
-                      {"body", body},
-                      {"send", send_now ? "now" : "later"}});
-  }
-  void OnIm(const std::string& to, const std::string& text) override {
-    t_.Write("im", {{"to", to}, {"text", text}});
-  }
-  void OnClient(const std::string& what) override {
-    t_.Write("client", {{"what", what}});
-  }
-
- private:
-  Transcript& t_;
-};
-
 void WatchList(const ListBox& list, Transcript& t) {
   const_cast<ListBox&>(list).Subscribe(
       [&t](const ListBox& l, const ListChange& c) {

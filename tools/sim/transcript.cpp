@@ -77,4 +77,27 @@ void Transcript::Write(const std::string& ev,
   out_ << "{\"t\":" << Fixed3(elapsed_()) << "," << body.substr(1) << '\n';
 }
 
+void TranscriptObserver::OnChat(const std::string& sn,
+                                const std::string& text) {
+  t_.Write("chat", {{"sn", sn}, {"text", text}});
+}
+
+void TranscriptObserver::OnMail(const std::string& from, const std::string& to,
+                                const std::string& subject,
+                                const std::string& body, bool send_now) {
+  t_.Write("mail", {{"from", from},
+                    {"to", to},
+                    {"subject", subject},
+                    {"body", body},
+                    {"send", send_now ? "now" : "later"}});
+}
+
+void TranscriptObserver::OnIm(const std::string& to, const std::string& text) {
+  t_.Write("im", {{"to", to}, {"text", text}});
+}
+
+void TranscriptObserver::OnClient(const std::string& what) {
+  t_.Write("client", {{"what", what}});
+}
+
 }  // namespace quorvex::sim

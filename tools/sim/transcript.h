@@ -7,6 +7,8 @@
 #include <ostream>
 #include <string>
 
+#include "sim/sim_observer.h"
+
 namespace quorvex::sim {
 
 enum class TranscriptFormat { kJsonl, kText };
@@ -37,6 +39,22 @@ class Transcript {
   std::function<double()> elapsed_;
   std::function<double()> clock_;
   int events_ = 0;
+};
+
+// Writes what the simulated client shows and sends: chat lines, mails,
+// instant messages and the client's own events.
+class TranscriptObserver : public SimObserver {
+ public:
+  explicit TranscriptObserver(Transcript& t) : t_(t) {}
+  void OnChat(const std::string& sn, const std::string& text) override;
+  void OnMail(const std::string& from, const std::string& to,
+              const std::string& subject, const std::string& body,
+              bool send_now) override;
+  void OnIm(const std::string& to, const std::string& text) override;
+  void OnClient(const std::string& what) override;
+
+ private:
+  Transcript& t_;
 };
 
 // JSON text of any byte string: invalid UTF-8 is replaced, never thrown.
