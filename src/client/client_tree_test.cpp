@@ -26,6 +26,30 @@ TEST_F(ClientTreeTest, ClientChildFallsBackToTheTopmostContainingTheText) {
   EXPECT_EQ(GetUserSN(api), "");
 }
 
+// Walking the client's windows one after the other, the next of a window
+// that closed meanwhile is none. The walk must not end there: the welcome
+// window after it would be missed, and the user taken for signed off.
+TEST_F(ClientTreeTest, AWindowClosingMidWalkHidesNoneAfterIt) {
+  Launch();
+  Keyword(api, "aol://9293:Ann");
+  Run(1);
+  const Hwnd im = FindDocument(api, kSendIm);
+  ASSERT_NE(im, 0u);
+  ASSERT_EQ(api.GetWindow(FindMdiClient(api), win::kGwChild), im);
+  int closings = 0;
+  api.before_get_window = [&](Hwnd h, unsigned cmd) {
+    if (h == im && cmd == win::kGwHwndNext && api.IsWindow(im)) {
+      ++closings;
+      api.SendMessageA(im, win::kWmClose, 0, 0);
+    }
+  };
+  EXPECT_TRUE(IsSignedOn(api));
+  EXPECT_EQ(closings, 1);
+  EXPECT_EQ(FindDocument(api, kSendIm), 0u);
+  // A walk that finds nothing still ends.
+  EXPECT_EQ(FindChildByTitle(api, FindMdiClient(api), "Goodbye"), 0u);
+}
+
 TEST_F(ClientTreeTest, WaitForClientChildWithinOneSecond) {
   Launch();
   const Hwnd room = FindChatRoom(api);

@@ -11,13 +11,26 @@ namespace {
 // The walk of FindChildByClass and FindChildByTitle. The old runtime held
 // the walked handle in a 16-bit number and stopped with an overflow above
 // 32767; handles stay whole here.
+//
+// The client opens and closes windows while we walk: the next of a window
+// that has just closed is none, which would end the walk before the
+// windows after it (the welcome window among them, and the user would be
+// taken for signed off). A walk cut short that way starts again from the
+// first child, a few times at the most.
+constexpr int kWalks = 4;
+
 template <typename Text>
 Hwnd FindChildWhere(WindowApi& api, Hwnd parent, std::string_view wanted,
                     Text text_of) {
   const std::string needle = UCase(wanted);
-  for (Hwnd child = api.GetWindow(parent, win::kGwChild); child != 0;
-       child = api.GetWindow(child, win::kGwHwndNext)) {
-    if (UCase(text_of(child)).find(needle) != std::string::npos) return child;
+  for (int walk = 0; walk < kWalks; ++walk) {
+    Hwnd last = 0;
+    for (Hwnd child = api.GetWindow(parent, win::kGwChild); child != 0;
+         child = api.GetWindow(child, win::kGwHwndNext)) {
+      if (UCase(text_of(child)).find(needle) != std::string::npos) return child;
+      last = child;
+    }
+    if (last == 0 || api.IsWindow(last)) break;  // walked to the true end
   }
   return 0;
 }

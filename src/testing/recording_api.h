@@ -5,6 +5,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,9 @@ class RecordingApi : public WindowApi, public SimObserver {
   void SetObserver(SimObserver* observer) { observer_ = observer; }
 
   std::vector<RecordedMessage> messages;
+  // Runs before each GetWindow: lets a test close a window mid-walk, as
+  // the client does whenever it likes.
+  std::function<void(Hwnd, unsigned)> before_get_window;
   // The messages sent or posted to one window.
   std::vector<RecordedMessage> To(Hwnd hwnd) const {
     std::vector<RecordedMessage> out;
@@ -69,6 +73,7 @@ class RecordingApi : public WindowApi, public SimObserver {
     return sim_.FindWindowExA(p, a, c, t);
   }
   Hwnd GetWindow(Hwnd h, unsigned cmd) override {
+    if (before_get_window) before_get_window(h, cmd);
     return sim_.GetWindow(h, cmd);
   }
   std::string GetClassNameA(Hwnd h, int n) override {
