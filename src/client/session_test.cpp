@@ -1,42 +1,34 @@
 #include "client/session.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "testing/temp_folder.h"
 #include "testing/test_client.h"
 
 namespace quorvex {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* kAolFolder = "C:\\America Online 5.0";
 
 class SessionTest : public ClientTest {
  protected:
   SessionTest() {
-    fs::create_directories(root);
     machine.SetRunProgramHook([this](std::string_view path) {
       started.emplace_back(path);
       sim.Start();
     });
   }
-  ~SessionTest() override { fs::remove_all(root); }
 
   SessionContext Session() {
     return {c, machine, profiles, status, buster, room};
   }
   void Touch(const std::string& windows_path) {
-    fs::path p = machine.HostPath(windows_path);
-    fs::create_directories(p.parent_path());
-    std::ofstream(p) << "MZ";
+    TempFolder::Write(machine.HostPath(windows_path), "MZ");
   }
   void SetAppPath(const std::string& folder) {
     profiles.WriteString(machine.HostPath("C:\\Windows\\Win.ini"), "WAOL",
@@ -71,8 +63,7 @@ class SessionTest : public ClientTest {
     client_events.push_back(what);
   }
 
-  fs::path root = fs::temp_directory_path() /
-                  ("qv_session_" + std::to_string(std::random_device{}()));
+  const TempFolder root{"qv_session_"};
   FolderMachine machine{root};
   IniProfileFile profiles;
   StatusStrip status;

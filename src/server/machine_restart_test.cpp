@@ -1,7 +1,5 @@
 #include "server/machine_restart.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -79,9 +77,7 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
   sim.Launch();
   std::string program(200000, 'q');
   program[12345] = 'x';
-  const std::string exe = machine.HostPath(ProgramPath(machine));
-  std::filesystem::create_directories(std::filesystem::path(exe).parent_path());
-  std::ofstream(exe, std::ios::binary) << program;
+  TempFolder::Write(machine.HostPath(ProgramPath(machine)), program);
   frm.Timer1 = host.CreateTimer([] {});
   frm.Timer1->SetEnabled(true);
   frm.settings.MailNotify = false;
@@ -97,8 +93,7 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
   EXPECT_EQ(State("Pending 0"), "bob-1");
   EXPECT_FALSE(sim.running());
   EXPECT_EQ(WinIniLoad(), "C:\\Windows\\z.exe");
-  std::ifstream copy(machine.HostPath(kRestartCopy), std::ios::binary);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(copy), {}), program);
+  EXPECT_EQ(TempFolder::Read(machine.HostPath(kRestartCopy)), program);
   EXPECT_EQ(reboots, 1);
   ASSERT_GE(statuses.size(), 2u);
   EXPECT_EQ(statuses[statuses.size() - 2],
@@ -134,8 +129,7 @@ TEST_F(MachineRestartTest, ResumeRestoresCleansUpAndServes) {
   PutState("TotalPending", "1");
   PutState("Pending 0", "bob-1");
   PutState("TotalSent", "40");
-  std::filesystem::create_directories(machine.HostPath("C:\\Windows"));
-  std::ofstream(machine.HostPath(kRestartCopy)) << "copy";
+  TempFolder::Write(machine.HostPath(kRestartCopy), "copy");
   SetWinIniLoad(kRestartCopy);
   ASSERT_TRUE(RestartPending(machine));
 

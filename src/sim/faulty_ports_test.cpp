@@ -2,18 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "ports/memory_registry.h"
 #include "sim/folder_machine.h"
+#include "testing/temp_folder.h"
 
 namespace quorvex {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct Heard {
   std::vector<std::string> faults;
@@ -95,24 +92,19 @@ TEST(FaultyPortsTest, AFullDiskFailsThatSaveAndTheNextFew) {
 }
 
 TEST(FaultyPortsTest, ProfileFilesVanishWhenLookedFor) {
-  const fs::path root = fs::temp_directory_path() / "qv-faulty-machine-test";
-  fs::remove_all(root);
-  fs::create_directories(root);
+  const TempFolder root("qv_faulty_machine_");
   FolderMachine folder(root);
   FaultDice dice({.vanish = 1}, 1, nullptr);
   FaultyMachine machine(folder, dice);
   const std::string ini = machine.AppPath() + "\\Quorvex.INI";
   const std::string exe = machine.AppPath() + "\\prog.exe";
-  for (const std::string& f : {ini, exe}) {
-    fs::create_directories(fs::path(machine.HostPath(f)).parent_path());
-    std::ofstream(machine.HostPath(f)) << "x";
-  }
+  for (const std::string& f : {ini, exe})
+    TempFolder::Write(machine.HostPath(f), "x");
   EXPECT_TRUE(machine.FileExists(exe));   // not a profile file: stays
   EXPECT_FALSE(machine.FileExists(ini));  // vanished
   EXPECT_FALSE(folder.FileExists(ini));
   EXPECT_FALSE(machine.FileExists(ini));  // a missing file is no fault
   EXPECT_EQ(dice.injected(), 1);
-  fs::remove_all(root);
 }
 
 }  // namespace

@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <random>
 #include <string>
 #include <type_traits>
 
 #include "ports/memory_registry.h"
+#include "testing/temp_folder.h"
 
 namespace quorvex {
 namespace {
@@ -18,14 +16,7 @@ namespace fs = std::filesystem;
 
 class FolderTest : public testing::Test {
  protected:
-  FolderTest() { fs::create_directories(folder_); }
-  ~FolderTest() override { fs::remove_all(folder_); }
-  void WriteText(const fs::path& p, const std::string& text) {
-    std::ofstream(p, std::ios::binary) << text;
-  }
-  const fs::path folder_ =
-      fs::temp_directory_path() /
-      ("qv_registry_" + std::to_string(std::random_device{}()));
+  const TempFolder folder_{"qv_registry_"};
 };
 using FileRegistryTest = FolderTest;
 
@@ -93,7 +84,7 @@ TEST_F(FileRegistryTest, SettingsOutliveTheInstanceOrAWriteThrows) {
   EXPECT_EQ(again.Dump("quorvex").at("Settings").count("LAscii"), 1u);
 
   // A file where the registry's folder should be: the write fails loudly.
-  WriteText(folder_ / "blocked", "not a folder");
+  TempFolder::Write(folder_ / "blocked", "not a folder");
   FileRegistry blocked(folder_ / "blocked" / "registry.json");
   EXPECT_THROW(blocked.Save("Quorvex", "Settings", "Handle", "srv"),
                std::runtime_error);
@@ -102,7 +93,7 @@ TEST_F(FileRegistryTest, SettingsOutliveTheInstanceOrAWriteThrows) {
 TEST_F(FileRegistryTest, ABadFileIsAnErrorNamingTheFile) {
   const fs::path file = folder_ / "registry.json";
   auto message = [&](const std::string& text) -> std::string {
-    WriteText(file, text);
+    TempFolder::Write(file, text);
     try {
       FileRegistry reg(file);
     } catch (const std::runtime_error& e) {

@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "model/text_util.h"
+#include "testing/temp_folder.h"
 
 namespace quorvex {
 namespace {
@@ -18,21 +16,12 @@ namespace fs = std::filesystem;
 
 class FolderMachineTest : public testing::Test {
  protected:
-  FolderMachineTest() { fs::create_directories(root_); }
-  ~FolderMachineTest() override { fs::remove_all(root_); }
-
   void WriteFile(const fs::path& relative, const std::string& contents) {
-    fs::create_directories((root_ / relative).parent_path());
-    std::ofstream(root_ / relative, std::ios::binary) << contents;
+    TempFolder::Write(root_ / relative, contents);
   }
-  std::string ReadFile(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
+  static std::string ReadFile(const fs::path& p) { return TempFolder::Read(p); }
 
-  fs::path root_ =
-      fs::temp_directory_path() /
-      ("qv_folder_machine_" + std::to_string(std::random_device{}()));
+  const TempFolder root_{"qv_folder_machine_"};
   FolderMachine m{root_};
 };
 

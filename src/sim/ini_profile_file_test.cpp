@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
+
+#include "testing/temp_folder.h"
 
 namespace quorvex {
 namespace {
@@ -14,23 +13,11 @@ namespace fs = std::filesystem;
 
 class IniProfileFileTest : public testing::Test {
  protected:
-  IniProfileFileTest()
-      : folder_(fs::temp_directory_path() /
-                ("qv_ini_" + std::to_string(std::random_device{}()))),
-        file_((folder_ / "Windows" / "Win.INI").string()) {}
-  ~IniProfileFileTest() override { fs::remove_all(folder_); }
+  void WriteText(const std::string& text) { TempFolder::Write(file_, text); }
+  std::string ReadText() { return TempFolder::Read(file_); }
 
-  void WriteText(const std::string& text) {
-    fs::create_directories(fs::path(file_).parent_path());
-    std::ofstream(file_, std::ios::binary) << text;
-  }
-  std::string ReadText() {
-    std::ifstream in(file_, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
-
-  fs::path folder_;
-  std::string file_;
+  const TempFolder folder_{"qv_ini_"};
+  const std::string file_ = (folder_ / "Windows" / "Win.INI").string();
   IniProfileFile ini_;
 };
 

@@ -8,9 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -24,6 +22,7 @@
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
 #include "testing/sim_recorder.h"
+#include "testing/temp_folder.h"
 
 namespace quorvex {
 
@@ -45,19 +44,6 @@ class ServerTest : public ::testing::Test {
     frm.status.Subscribe(
         [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
-  ~ServerTest() override {
-    std::error_code ec;
-    std::filesystem::remove_all(root, ec);
-  }
-
-  static std::filesystem::path MakeRoot() {
-    std::random_device rd;
-    auto p = std::filesystem::temp_directory_path() /
-             ("qv-server-test-" + std::to_string(rd()) + std::to_string(rd()));
-    std::filesystem::create_directories(p);
-    return p;
-  }
-
   void AddMails(int n) {
     for (int i = 1; i <= n; ++i) sim.AddMail("mail " + std::to_string(i));
   }
@@ -90,7 +76,7 @@ class ServerTest : public ::testing::Test {
     return {all.begin() + static_cast<long>(from), all.end()};
   }
 
-  std::filesystem::path root = MakeRoot();
+  const TempFolder root{"qv_server_test_"};
   VirtualHost host{CivilTime{2004, 5, 1, 12, 0, 0, 0}};
   SimWorld world;
   SimClient sim{host, world};
