@@ -1,241 +1,181 @@
 // The mailboxes, forwarding and writing mail, and the client's error
-// boxes, driven the way the program drives them.
-#include <gtest/gtest.h>
-
-#include "testing/sim_rig.h"
+// boxes, found and opened by the program's own window walks rather than
+// by copies of them.
+#include "testing/test_client.h"
 
 namespace quorvex {
 namespace {
 
-class SimMailTest : public ::testing::Test {
+class SimMailTest : public ClientTest {
  protected:
   void SetUp() override {
-    api_.SetUserName("Host");
-    api_.AddPerson("Ann");
-    api_.AddPerson("Bob Smith");
-    api_.AddMail("cats", "Zed", "meow");
-    api_.AddMail("dogs");
-    api_.AddMail("song list");
-    api_.Launch();
-  }
-
-  // The tool bar's mail menu, then Up, Up, Right, Return.
-  Hwnd OpenOfflineMailbox() {
-    rig_.PostClick(rig_.ToolbarIcon(3));
-    Hwnd menu = 0;
-    while (!(menu = api_.FindWindowA("#32768", nullptr)) ||
-           !api_.IsWindowVisible(menu))
-      rig_.host.DoEvents();
-    rig_.PostKey(menu, win::kVkUp);
-    api_.PostMessageA(menu, win::kWmKeyDown, win::kVkUp, 0);
-    rig_.PostKey(menu, win::kVkRight);
-    rig_.PostKey(menu, win::kVkReturn);
-    rig_.Run(0.2);
-    return rig_.Doc("Incoming/Saved Mail");
-  }
-  void RunToolbarMenu(char letter) {
-    rig_.PostClick(rig_.ToolbarIcon(3));
-    rig_.Run(0.2);
-    api_.PostMessageA(api_.FindWindowA("#32768", nullptr), win::kWmChar,
-                      static_cast<unsigned char>(letter), 0);
-    rig_.Run(0.2);
+    sim.AddPerson("Ann");
+    sim.AddPerson("Bob Smith");
+    sim.AddMail("cats", "Zed", "meow");
+    sim.AddMail("dogs");
+    sim.AddMail("song list");
+    Launch();
   }
   std::string Item(Hwnd tree, int i) {
-    auto n = api_.SendMessageA(tree, win::kLbGetTextLen, i, 0);
+    const auto n = api.SendMessageA(tree, win::kLbGetTextLen, i, 0);
     std::string s;
-    api_.SendMessageGetText(tree, win::kLbGetText, i, &s,
-                            static_cast<std::size_t>(n) + 1);
+    api.SendMessageGetText(tree, win::kLbGetText, i, &s,
+                           static_cast<std::size_t>(n) + 1);
     return s;
   }
-  std::intptr_t Count(Hwnd tree) {
-    return api_.SendMessageA(tree, win::kLbGetCount, 0, 0);
+  std::intptr_t Items(Hwnd tree) {
+    return api.SendMessageA(tree, win::kLbGetCount, 0, 0);
   }
-  Hwnd FindByChildren(bool compose) {
-    for (Hwnd w = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr); w;
-         w = api_.FindWindowExA(rig_.Mdi(), w, "AOL Child", nullptr)) {
-      Hwnd rich = api_.FindWindowExA(w, 0, "RICHCNTL", nullptr);
-      bool combo = api_.FindWindowExA(w, 0, "_AOL_Combobox", nullptr) != 0;
-      bool font = api_.FindWindowExA(w, 0, "_AOL_Fontcombo", nullptr) != 0;
-      bool stat = api_.FindWindowExA(w, 0, "_AOL_Static", nullptr) != 0;
-      // The room has its style boxes too; its people list tells it apart.
-      bool room = api_.FindWindowExA(w, 0, "_AOL_Listbox", nullptr) != 0;
-      if (compose && rich && combo && font && stat && !room) return w;
-      if (!compose && rich &&
-          !api_.FindWindowExA(w, rich, "RICHCNTL", nullptr) && !combo && !font)
-        return w;
-    }
-    return 0;
+  Hwnd Icon(Hwnd window, int n) {
+    return FindNthChild(api, window, aol::kIconClass, n);
   }
-  // Opens mail `index` (0-based) and its forward window, complete.
-  Hwnd OpenForward(int index) {
-    Hwnd tree =
-        api_.FindWindowExA(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
-    api_.SendMessageA(tree, win::kLbSetCurSel, index, 0);
-    rig_.PostKey(tree, win::kVkReturn);
-    rig_.Run(0.2);
-    Hwnd mail = FindByChildren(false);
-    if (!mail) return 0;
-    rig_.Click(rig_.Nth(mail, "_AOL_Icon", 8));
-    rig_.Run(0.2);
-    return FindByChildren(true);
+  // The forward window of mail `position`, complete, addressed to `to`.
+  Hwnd Forward(int position, const std::string& to) {
+    const Hwnd fwd = OpenForwardWindow(position);
+    Run(0.2);
+    SetText(api, FindChild(api, fwd, aol::kEditClass), to);
+    return fwd;
   }
-  // Fills in the recipients and clicks icon `icon` (14 Send Now, 15 Later).
-  void Forward(int index, const std::string& to, int icon) {
-    Hwnd fwd = OpenForward(index);
-    rig_.SetText(rig_.Nth(fwd, "_AOL_Edit", 1), to);
-    rig_.Click(rig_.Nth(fwd, "_AOL_Icon", icon));
+  void SetBody(Hwnd fwd, const std::string& body) {
+    SetText(api, FindChild(api, fwd, aol::kRichTextClass), body);
   }
-
-  SimRig rig_;
-  SimClient& api_ = rig_.client;
+  Hwnd ClientBox() {
+    return api.FindWindowA(aol::kDialogClass, "America Online");
+  }
 };
 
 TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
-  Hwnd box = OpenOfflineMailbox();
+  OpenOfflineMailbox(c);
+  Run(0.2);
+  const Hwnd box = FindDocument(api, kIncomingMail);
   ASSERT_NE(box, 0u);
-  EXPECT_EQ(api_.FindWindowA("#32768", nullptr), 0u);  // the menu is gone
-  Hwnd tree = api_.FindWindowExA(box, 0, "_AOL_Tree", nullptr);
-  EXPECT_EQ(Count(tree), 3);
-  EXPECT_EQ(Item(tree, 0), "01/01/2000\tZed\tcats");
-  EXPECT_EQ(Item(tree, 1), "01/01/2000\tHost\tdogs");
-  EXPECT_EQ(api_.SendMessageA(tree, win::kLbGetTextLen, 3, 0), -1);
+  EXPECT_EQ(api.FindWindowA(aol::kPopupMenuClass, nullptr), 0u);  // gone
+  const Hwnd tree = FindChild(api, box, aol::kTreeClass);
+  EXPECT_EQ(Items(tree), 3);
+  EXPECT_EQ(Item(tree, 0), "05/01/2004\tZed\tcats");
+  EXPECT_EQ(Item(tree, 1), "05/01/2004\tJoe Smith\tdogs");
+  EXPECT_EQ(api.SendMessageA(tree, win::kLbGetTextLen, 3, 0), -1);
   std::string cut;
-  api_.SendMessageGetText(tree, win::kLbGetText, 2, &cut, 5);
-  EXPECT_EQ(cut, "01/0");
+  api.SendMessageGetText(tree, win::kLbGetText, 2, &cut, 5);
+  EXPECT_EQ(cut, "05/0");
 
   // Asking again brings the same window up rather than a second one.
-  api_.ShowWindow(box, win::kSwMinimize);
-  EXPECT_EQ(OpenOfflineMailbox(), box);
+  api.ShowWindow(box, win::kSwMinimize);
+  OpenOfflineMailbox(c);
+  Run(0.2);
+  EXPECT_EQ(FindDocument(api, kIncomingMail), box);
 }
 
-TEST_F(SimMailTest, ForwardSendNowReachesEveryRecipient) {
-  Hwnd fwd = OpenForward(0);
+TEST_F(SimMailTest, ForwardSendNowGoesOnceToEveryRecipient) {
+  const Hwnd fwd = Forward(0, "(ann)(bob smith)(newbie)");
   ASSERT_NE(fwd, 0u);
-  EXPECT_EQ(api_.GetWindowTextA(fwd, 100), "Fwd: cats");
-  Hwnd open_mail = FindByChildren(false);
-  EXPECT_EQ(rig_.Text(rig_.Nth(fwd, "_AOL_Icon", 15)), "Send Later");
-
-  rig_.SetText(rig_.Nth(fwd, "_AOL_Edit", 1), "(ann)(bob smith)(newbie)");
-  rig_.SetText(rig_.Nth(fwd, "RICHCNTL", 1), "mail number 1");
-  Hwnd send_now = rig_.Nth(fwd, "_AOL_Icon", 14);
-  EXPECT_EQ(rig_.Text(send_now), "Send Now");
-  for (int i = 0; i < 5; ++i) rig_.Click(send_now);  // one mail only
-  ASSERT_EQ(rig_.events.mails.size(), 1u);
-  EXPECT_EQ(rig_.events.mails[0].to, "(ann)(bob smith)(newbie)");
-  EXPECT_TRUE(rig_.events.mails[0].send_now);
-  // The status window shows while the mail goes out.
-  EXPECT_NE(rig_.Doc("Status"), 0u);
-  rig_.Run(1);
-  EXPECT_EQ(rig_.Doc("Status"), 0u);
-  EXPECT_FALSE(api_.IsWindow(fwd));
-  EXPECT_FALSE(api_.IsWindow(open_mail));  // it goes with its forward
-  auto boxes = api_.Mailboxes();
+  EXPECT_EQ(GetCaption(api, fwd), "Fwd: cats");
+  EXPECT_EQ(GetText(api, Icon(fwd, 15)), "Send Later");
+  const Hwnd open_mail = FindOpenMail(api);
+  SetBody(fwd, "mail number 1");
+  const Hwnd send_now = Icon(fwd, 14);
+  EXPECT_EQ(GetText(api, send_now), "Send Now");
+  for (int i = 0; i < 5; ++i) ClickIcon(api, send_now);  // one mail only
+  ASSERT_EQ(mails.size(), 1u);
+  EXPECT_TRUE(mails[0].now);
+  Run(1);
+  EXPECT_FALSE(api.IsWindow(fwd));
+  EXPECT_FALSE(api.IsWindow(open_mail));  // it goes with its forward
+  EXPECT_EQ(FindDocument(api, "Status"), 0u);
+  auto boxes = sim.Mailboxes();
   ASSERT_EQ(boxes["Ann"].size(), 1u);
   EXPECT_EQ(boxes["Ann"][0].body, "mail number 1");
   EXPECT_EQ(boxes["Ann"][0].forward_of, "cats");
   EXPECT_EQ(boxes["Bob Smith"].size(), 1u);
   EXPECT_EQ(boxes["newbie"].size(), 1u);
-  EXPECT_EQ(rig_.Doc("Error"), 0u);
 }
 
-TEST_F(SimMailTest, ForwardWindowIsIncompleteAtFirst) {
-  Hwnd tree = api_.FindWindowExA(OpenOfflineMailbox(), 0, "_AOL_Tree", nullptr);
-  api_.SetLatency(1);
-  api_.SendMessageA(tree, win::kLbSetCurSel, 1, 0);
-  rig_.PostKey(tree, win::kVkReturn);
-  rig_.Run(1.1);
-  rig_.Click(rig_.Nth(FindByChildren(false), "_AOL_Icon", 8));
-  rig_.Run(1.1);
-  Hwnd fwd = FindByChildren(true);
+TEST_F(SimMailTest, AForwardWindowStillFillingSendsNothing) {
+  sim.SetLatency(1);
+  const Hwnd fwd = OpenForwardWindow(1);
   ASSERT_NE(fwd, 0u);
-  // A few blank icons only: counting on wraps back to the first ones, and
-  // a click there sends nothing.
-  EXPECT_EQ(rig_.Nth(fwd, "_AOL_Icon", 14), rig_.Nth(fwd, "_AOL_Icon", 2));
-  rig_.Click(rig_.Nth(fwd, "_AOL_Icon", 14));
-  rig_.Run(1);
-  EXPECT_EQ(rig_.Text(rig_.Nth(fwd, "_AOL_Icon", 14)), "Send Now");
-  EXPECT_TRUE(rig_.events.mails.empty());
+  SetText(api, FindChild(api, fwd, aol::kEditClass), "(ann)");
+  // A few blank icons only, and a click on one of them sends nothing.
+  EXPECT_EQ(Icon(fwd, 14), 0u);
+  ClickIcon(api, Icon(fwd, 2));
+  Run(1.1);
+  EXPECT_EQ(GetText(api, Icon(fwd, 14)), "Send Now");
+  EXPECT_TRUE(mails.empty());
 }
 
-TEST_F(SimMailTest, SendLaterQueuesTheMailAndDeleteRemovesOnePerClick) {
-  Forward(0, "cy", 15);
-  Forward(1, "ann, (bob smith)", 15);
-  ASSERT_EQ(rig_.events.mails.size(), 2u);
-  EXPECT_FALSE(rig_.events.mails[0].send_now);
-  EXPECT_TRUE(api_.Mailboxes()["Ann"].empty());  // not sent yet
+TEST_F(SimMailTest, SendLaterWaitsAndDeleteRemovesOnePerClick) {
+  ClickIcon(api, Icon(Forward(0, "cy"), 15));
+  ClickIcon(api, Icon(Forward(1, "ann, (bob smith)"), 15));
+  ASSERT_EQ(mails.size(), 2u);
+  EXPECT_FALSE(mails[0].now);
+  EXPECT_TRUE(sim.Mailboxes()["Ann"].empty());  // not sent yet
 
-  RunToolbarMenu('b');
-  Hwnd waiting = rig_.Doc("Mail Waiting to be Sent");
+  RunToolbarMenu(c, aol::kToolbarMailIcon, 'b');
+  Run(0.2);
+  const Hwnd waiting = FindDocument(api, kMailWaiting);
   ASSERT_NE(waiting, 0u);
-  Hwnd tree = api_.FindWindowExA(waiting, 0, "_AOL_Tree", nullptr);
-  EXPECT_EQ(Count(tree), 2);
-  rig_.Click(rig_.Nth(waiting, "_AOL_Icon", 2));
-  ASSERT_EQ(Count(tree), 1);
-  EXPECT_EQ(Item(tree, 0), "01/01/2000\tann, (bob smith)\tFwd: dogs");
+  const Hwnd tree = FindChild(api, waiting, aol::kTreeClass);
+  EXPECT_EQ(Items(tree), 2);
+  ClickIcon(api, Icon(waiting, aol::kWaitingDeleteIcon));
+  ASSERT_EQ(Items(tree), 1);
+  EXPECT_EQ(Item(tree, 0), "05/01/2004\tann, (bob smith)\tFwd: dogs");
 
   // The automatic session sends what waits.
-  RunToolbarMenu('a');
-  Hwnd session = api_.FindWindowA("_AOL_Modal", "Automatic AOL");
+  RunToolbarMenu(c, aol::kToolbarMailIcon, 'a');
+  Run(0.2);
+  const Hwnd session = api.FindWindowA(aol::kModalClass, "Automatic AOL");
   ASSERT_NE(session, 0u);
-  Hwnd view = api_.FindWindowExA(session, 0, "_AOL_View", nullptr);
-  rig_.Run(2);
-  EXPECT_EQ(rig_.Text(view), "AOL session is complete.");
-  EXPECT_EQ(api_.Mailboxes()["Bob Smith"].size(), 1u);
-  EXPECT_EQ(Count(tree), 0);
+  Run(2);
+  EXPECT_EQ(GetText(api, FindChild(api, session, aol::kViewClass)),
+            "AOL session is complete.");
+  EXPECT_EQ(sim.Mailboxes()["Bob Smith"].size(), 1u);
+  EXPECT_EQ(Items(tree), 0);
 }
 
-TEST_F(SimMailTest, FullMailboxShowsTheErrorWindowAndOthersStillGetIt) {
-  api_.SetFullMailbox("Bob Smith");
-  api_.SetFullMailbox("ann");
-  api_.SetFullMailbox("ann", false);
-  Forward(2, "(ann)(bobsmith)", 14);
-  rig_.Run(1);
-  Hwnd error = rig_.Doc("Error");
+TEST_F(SimMailTest, FullMailboxesAreNamedAsWrittenAndMatchedWithoutBlanks) {
+  sim.SetFullMailbox("Bob Smith");
+  sim.SetFullMailbox("ann");
+  sim.SetFullMailbox("ann", false);
+  ClickIcon(api, Icon(Forward(2, "(ann)(bobsmith)"), 14));
+  Run(1);
+  const Hwnd error = FindDocument(api, "Error");
   ASSERT_NE(error, 0u);
-  Hwnd view = api_.FindWindowExA(error, 0, "_AOL_View", nullptr);
-  EXPECT_EQ(rig_.Text(view), "bobsmith - Mailbox is full");
-  EXPECT_EQ(api_.Mailboxes()["Ann"].size(), 1u);
-  EXPECT_TRUE(api_.Mailboxes()["Bob Smith"].empty());
-  rig_.Click(api_.FindWindowExA(error, 0, "_AOL_Icon", nullptr));
-  EXPECT_FALSE(api_.IsWindow(error));
+  EXPECT_EQ(GetText(api, FindChild(api, error, aol::kViewClass)),
+            "bobsmith - Mailbox is full");
+  EXPECT_EQ(sim.Mailboxes()["Ann"].size(), 1u);
+  EXPECT_TRUE(sim.Mailboxes()["Bob Smith"].empty());
 }
 
 TEST_F(SimMailTest, DeadAndOverlongMailsAreRefusedWithTheClientsBox) {
-  api_.SetDeadMail(3);
-  Hwnd fwd = OpenForward(2);
-  rig_.SetText(rig_.Nth(fwd, "_AOL_Edit", 1), "(ann)");
-  Hwnd send_now = rig_.Nth(fwd, "_AOL_Icon", 14);
-  rig_.Click(send_now);
-  rig_.Click(send_now);  // held by the box: no second one
-  Hwnd box = api_.FindWindowA("#32770", "America Online");
+  sim.SetDeadMail(3);
+  Hwnd fwd = Forward(2, "(ann)");
+  const Hwnd send_now = Icon(fwd, 14);
+  ClickIcon(api, send_now);
+  ClickIcon(api, send_now);  // held by the box: no second one
+  Hwnd box = ClientBox();
   ASSERT_NE(box, 0u);
-  EXPECT_NE(api_.FindWindowExA(box, 0, "Static", kDeadMailText), 0u);
-  EXPECT_EQ(api_.FindWindowExA(0, box, "#32770", nullptr), 0u);
-  Hwnd ok = api_.FindWindowExA(box, 0, "Button", "OK");
-  api_.SendMessageA(ok, win::kWmKeyDown, win::kVkSpace, 0);
-  api_.SendMessageA(ok, win::kWmKeyUp, win::kVkSpace, 0);
-  EXPECT_FALSE(api_.IsWindow(box));
-  EXPECT_TRUE(rig_.events.mails.empty());
-  api_.SendMessageA(fwd, win::kWmClose, 0, 0);
-  EXPECT_EQ(FindByChildren(false), 0u);  // the open mail went too
+  EXPECT_NE(api.FindWindowExA(box, 0, "Static", kDeadMailText), 0u);
+  EXPECT_EQ(api.FindWindowExA(0, box, aol::kDialogClass, nullptr), 0u);
+  api.SendMessageA(box, win::kWmClose, 0, 0);
+  EXPECT_TRUE(mails.empty());
+  api.SendMessageA(fwd, win::kWmClose, 0, 0);
+  EXPECT_EQ(FindOpenMail(api), 0u);  // the open mail went too
 
   // An over-long body is refused until it fits.
-  api_.knobs().max_body_chars = 10;
-  fwd = OpenForward(0);
-  rig_.SetText(rig_.Nth(fwd, "_AOL_Edit", 1), "ann");
-  rig_.SetText(rig_.Nth(fwd, "RICHCNTL", 1), "eleven char");
-  rig_.Click(rig_.Nth(fwd, "_AOL_Icon", 14));
-  box = api_.FindWindowA("#32770", "America Online");
-  EXPECT_NE(api_.FindWindowExA(box, 0, "Static", kTooLongText), 0u);
-  api_.SendMessageA(box, win::kWmClose, 0, 0);
-  rig_.SetText(rig_.Nth(fwd, "RICHCNTL", 1), "ten chars!");
-  rig_.Click(rig_.Nth(fwd, "_AOL_Icon", 14));
-  rig_.Run(1);
-  EXPECT_EQ(api_.Mailboxes()["Ann"].size(), 1u);
+  sim.knobs().max_body_chars = 10;
+  fwd = Forward(0, "ann");
+  SetBody(fwd, "eleven char");
+  ClickIcon(api, Icon(fwd, 14));
+  EXPECT_NE(api.FindWindowExA(ClientBox(), 0, "Static", kTooLongText), 0u);
+  api.SendMessageA(ClientBox(), win::kWmClose, 0, 0);
+  SetBody(fwd, "ten chars!");
+  ClickIcon(api, Icon(fwd, 14));
+  Run(1);
+  EXPECT_EQ(sim.Mailboxes()["Ann"].size(), 1u);
 
   // With nobody to send to, nothing goes.
-  Forward(1, "", 14);
-  EXPECT_NE(api_.FindWindowA("#32770", "America Online"), 0u);
+  ClickIcon(api, Icon(Forward(1, ""), 14));
+  EXPECT_NE(ClientBox(), 0u);
 }
 
 }  // namespace
