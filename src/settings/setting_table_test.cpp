@@ -113,8 +113,6 @@ TEST(SettingTableTest, SavedValuesLoadBackExceptTheReplyMethod) {
         &Settings::ScrollThankyou})
     EXPECT_FALSE(loaded.*flag);
   EXPECT_TRUE(loaded.ScrollMethod);
-  EXPECT_EQ(registry.GetSetting(kApp, kSettingsSection, "StatusMethod", ""),
-            "False");
   EXPECT_EQ(loaded.MailSpeed, 0.25f);
   EXPECT_EQ(loaded.ListSpeed, 0.3567f);
   EXPECT_EQ(loaded.FindSpeed, 0.0f);

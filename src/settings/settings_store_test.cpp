@@ -96,8 +96,7 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   EXPECT_TRUE(Checked("mnuScrollMethod(1)"));
 }
 
-TEST_F(SettingsStoreTest, SaveWritesEveryStoredKeyAndReloads) {
-  settings.Handle = "Srv";
+TEST_F(SettingsStoreTest, SaveWritesEveryStoredKey) {
   settings.MailSpeed = 0.3567f;
   settings.ListSpeed = 0;
   settings.ScrollMethod = false;
@@ -109,15 +108,9 @@ TEST_F(SettingsStoreTest, SaveWritesEveryStoredKeyAndReloads) {
   EXPECT_EQ(keys["ListSpeed"], "0");
   EXPECT_EQ(keys["StatusMethod"], "False");
   EXPECT_EQ(keys["Version"], kVersion);
+  // What is saved loads back: see SettingTableTest.
   for (const char* unsaved : {"ScrollMethod", "TotalSent", "Loaded", "Load"})
     EXPECT_EQ(keys.count(unsaved), 0u) << unsaved;
-
-  Put("Loaded", "5");
-  Settings reloaded;
-  LoadSettings(reloaded, menus, registry, lblSent, "other");
-  EXPECT_EQ(reloaded.Handle, "Srv");
-  EXPECT_EQ(reloaded.MailSpeed, 0.3567f);
-  EXPECT_TRUE(reloaded.ScrollMethod);  // back to chat at every start
 }
 
 }  // namespace
