@@ -2,6 +2,7 @@
 // preferences change how mail is sent.
 #include <gtest/gtest.h>
 
+#include "client/error_boxes.h"
 #include "testing/sim_rig.h"
 
 namespace quorvex {
@@ -13,10 +14,6 @@ class SimModalTest : public ::testing::Test {
     api_.SetUserName("Host");
     api_.SetRoomName("Lobby");
     api_.AddPerson("Ann");
-  }
-  void PressSpace(Hwnd button) {
-    api_.SendMessageA(button, win::kWmKeyDown, win::kVkSpace, 0);
-    api_.SendMessageA(button, win::kWmKeyUp, win::kVkSpace, 0);
   }
   // A new "Write Mail" window addressed to Ann.
   Hwnd WriteToAnn() {
@@ -87,7 +84,7 @@ TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   const Hwnd sent_note = api_.FindWindowA("_AOL_Modal", "America Online");
   ASSERT_NE(sent_note, 0u);
   EXPECT_EQ(rig_.Text(rig_.Nth(sent_note, "_AOL_View", 1)), kMailSentNote);
-  PressSpace(rig_.Nth(sent_note, "_AOL_Button", 1));
+  PressButton(api_, rig_.Nth(sent_note, "_AOL_Button", 1));
   EXPECT_FALSE(api_.IsWindow(sent_note));
   ASSERT_EQ(rig_.events.mails.size(), 1u);
 
@@ -104,7 +101,7 @@ TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   rig_.Click(send_now);
   rig_.Run(1);
   EXPECT_EQ(rig_.events.mails.size(), 1u);
-  PressSpace(rig_.Nth(spell, "_AOL_Button", 1));
+  PressButton(api_, rig_.Nth(spell, "_AOL_Button", 1));
   rig_.Click(send_now);
   rig_.Run(1);
   EXPECT_EQ(rig_.events.mails.size(), 2u);

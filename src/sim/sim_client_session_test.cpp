@@ -1,6 +1,7 @@
 // Signing off, and the preference pages.
 #include <gtest/gtest.h>
 
+#include "client/client_tree.h"
 #include "testing/sim_rig.h"
 
 namespace quorvex {
@@ -13,13 +14,6 @@ class SimSessionTest : public ::testing::Test {
     api_.SetRoomName("Lobby");
     api_.AddPerson("Ann");
   }
-  bool SignedOnAsSeen() {
-    for (Hwnd w = api_.GetWindow(rig_.Mdi(), win::kGwChild); w;
-         w = api_.GetWindow(w, win::kGwHwndNext))
-      if (api_.GetWindowTextA(w, 100).rfind("Welcome, ", 0) == 0) return true;
-    return false;
-  }
-
   SimRig rig_;
   SimClient& api_ = rig_.client;
 };
@@ -28,13 +22,13 @@ TEST_F(SimSessionTest, SignOffClosesTheOnlineWindowsAndKeywordsWait) {
   api_.Launch();
   // The welcome window only goes down to an icon.
   api_.SendMessageA(rig_.Doc("Welcome, Host!"), win::kWmClose, 0, 0);
-  EXPECT_TRUE(SignedOnAsSeen());
+  EXPECT_TRUE(IsSignedOn(api_));
 
   api_.SignOffAfter(5);
   rig_.Run(4);
   EXPECT_TRUE(api_.signed_on());
   rig_.Run(2);
-  EXPECT_FALSE(SignedOnAsSeen());
+  EXPECT_FALSE(IsSignedOn(api_));
   EXPECT_EQ(rig_.Doc("Lobby"), 0u);
   EXPECT_EQ(rig_.events.client, std::vector<std::string>{"signs off"});
   // Keywords do nothing while signed off.
