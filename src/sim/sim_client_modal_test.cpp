@@ -17,10 +17,10 @@ class SimModalTest : public ::testing::Test {
   }
   // A new "Write Mail" window addressed to Ann.
   Hwnd WriteToAnn() {
-    rig_.Click(rig_.ToolbarIcon(2));
+    ClickIcon(api_, FindToolbarIcon(api_, 2));
     rig_.Run(1);
-    const Hwnd write = rig_.Doc("Write Mail");
-    rig_.SetText(rig_.Nth(write, "_AOL_Edit", 1), "Ann");
+    const Hwnd write = FindDocument(api_, "Write Mail");
+    SetText(api_, FindNthChild(api_, write, "_AOL_Edit", 1), "Ann");
     return write;
   }
 
@@ -32,23 +32,25 @@ TEST_F(SimModalTest, SignOnErrorHoldsTheSignOnWindowUntilDismissed) {
   api_.knobs().signon_failures = 1;
   api_.SetSignedOffAtStart();
   api_.Launch();
-  const Hwnd sign_on_button = rig_.Nth(rig_.Doc("Sign On"), "_AOL_Icon", 2);
-  rig_.Click(sign_on_button);
+  const Hwnd sign_on_button =
+      FindNthChild(api_, FindDocument(api_, "Sign On"), "_AOL_Icon", 2);
+  ClickIcon(api_, sign_on_button);
   rig_.Run(10);
   const Hwnd error = api_.FindWindowA("_AOL_Modal", nullptr);
   ASSERT_NE(error, 0u);
-  EXPECT_NE(rig_.Text(rig_.Nth(error, "_AOL_Static", 1)).find("failed"),
-            std::string::npos);
+  EXPECT_NE(
+      GetText(api_, FindNthChild(api_, error, "_AOL_Static", 1)).find("failed"),
+      std::string::npos);
 
   // Clicked again with the error standing, Sign On does nothing.
-  rig_.Click(sign_on_button);
+  ClickIcon(api_, sign_on_button);
   rig_.Run(10);
   EXPECT_FALSE(api_.signed_on());
   EXPECT_TRUE(api_.IsWindow(error));
 
-  rig_.Click(rig_.Nth(error, "_AOL_Icon", 1));
+  ClickIcon(api_, FindNthChild(api_, error, "_AOL_Icon", 1));
   EXPECT_FALSE(api_.IsWindow(error));
-  rig_.Click(sign_on_button);
+  ClickIcon(api_, sign_on_button);
   rig_.Run(10);
   EXPECT_TRUE(api_.signed_on());
 }
@@ -56,20 +58,20 @@ TEST_F(SimModalTest, SignOnErrorHoldsTheSignOnWindowUntilDismissed) {
 TEST_F(SimModalTest, FullRoomBoxHoldsTheKeywordBoxAndTheToolBar) {
   api_.Launch();
   api_.RefuseRoom("Private", 1);
-  rig_.Keyword("aol://2719:2-2-Private");
+  Keyword(api_, "aol://2719:2-2-Private");
   rig_.Run(1);
   const Hwnd box = api_.FindWindowA("#32770", "America Online");
   ASSERT_NE(box, 0u);
 
   // The next try would get in, but the box lets nothing through.
-  rig_.Keyword("aol://2719:2-2-Private");
-  rig_.Click(rig_.ToolbarIcon(2));
+  Keyword(api_, "aol://2719:2-2-Private");
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(1);
   EXPECT_EQ(api_.current_room(), "Lobby");
-  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Write Mail"), 0u);
 
   api_.SendMessageA(box, win::kWmClose, 0, 0);
-  rig_.Keyword("aol://2719:2-2-Private");
+  Keyword(api_, "aol://2719:2-2-Private");
   rig_.Run(1);
   EXPECT_EQ(api_.current_room(), "Private");
 }
@@ -78,13 +80,14 @@ TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   api_.Launch();
   // As the client comes: confirm and close on, no spell check.
   Hwnd write = WriteToAnn();
-  rig_.Click(rig_.Nth(write, "_AOL_Icon", 16));
+  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 16));
   rig_.Run(1);
   EXPECT_FALSE(api_.IsWindow(write));
   const Hwnd sent_note = api_.FindWindowA("_AOL_Modal", "America Online");
   ASSERT_NE(sent_note, 0u);
-  EXPECT_EQ(rig_.Text(rig_.Nth(sent_note, "_AOL_View", 1)), kMailSentNote);
-  PressButton(api_, rig_.Nth(sent_note, "_AOL_Button", 1));
+  EXPECT_EQ(GetText(api_, FindNthChild(api_, sent_note, "_AOL_View", 1)),
+            kMailSentNote);
+  PressButton(api_, FindNthChild(api_, sent_note, "_AOL_Button", 1));
   EXPECT_FALSE(api_.IsWindow(sent_note));
   ASSERT_EQ(rig_.events.mails.size(), 1u);
 
@@ -92,17 +95,17 @@ TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   api_.SetPreference(kPrefClose, 0);
   api_.SetPreference(kPrefSpellCheck, 1);
   write = WriteToAnn();
-  const Hwnd send_now = rig_.Nth(write, "_AOL_Icon", 16);
-  rig_.Click(send_now);
+  const Hwnd send_now = FindNthChild(api_, write, "_AOL_Icon", 16);
+  ClickIcon(api_, send_now);
   rig_.Run(1);
   // The spelling is checked first, and the check holds the mail.
   const Hwnd spell = api_.FindWindowA("_AOL_Modal", "Spell Check");
   ASSERT_NE(spell, 0u);
-  rig_.Click(send_now);
+  ClickIcon(api_, send_now);
   rig_.Run(1);
   EXPECT_EQ(rig_.events.mails.size(), 1u);
-  PressButton(api_, rig_.Nth(spell, "_AOL_Button", 1));
-  rig_.Click(send_now);
+  PressButton(api_, FindNthChild(api_, spell, "_AOL_Button", 1));
+  ClickIcon(api_, send_now);
   rig_.Run(1);
   EXPECT_EQ(rig_.events.mails.size(), 2u);
   EXPECT_EQ(api_.Mailboxes().at("Ann").size(), 2u);

@@ -18,14 +18,14 @@ class SimRoomTest : public ::testing::Test {
     rig_.client.Launch();
   }
   Hwnd Room() {
-    return api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", "Lobby");
+    return api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", "Lobby");
   }
-  Hwnd Display() { return rig_.Nth(Room(), "RICHCNTL", 1); }
-  Hwnd Input() { return rig_.Nth(Room(), "RICHCNTL", 2); }
+  Hwnd Display() { return FindNthChild(api_, Room(), "RICHCNTL", 1); }
+  Hwnd Input() { return FindNthChild(api_, Room(), "RICHCNTL", 2); }
   Hwnd OpenIm(const std::string& to) {
-    rig_.Keyword("aol://9293:" + to);
+    Keyword(api_, "aol://9293:" + to);
     rig_.Run(0.1);
-    return rig_.Doc("Send Instant Message");
+    return FindDocument(api_, "Send Instant Message");
   }
 
   SimRig rig_;
@@ -33,23 +33,23 @@ class SimRoomTest : public ::testing::Test {
 };
 
 TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
-  rig_.SetText(Input(), "hello all");
+  SetText(api_, Input(), "hello all");
   api_.SendMessageA(Input(), win::kWmChar, 13, 0);
-  EXPECT_EQ(rig_.Text(Input()), "");
+  EXPECT_EQ(GetText(api_, Input()), "");
   ASSERT_EQ(rig_.events.chats.size(), 1u);
   EXPECT_EQ(rig_.events.chats[0].sn, "Host");
 
   // Posted, the line goes when the program yields; a key down works too;
   // an empty input says nothing.
-  rig_.SetText(Input(), "<b>two</b>");
+  SetText(api_, Input(), "<b>two</b>");
   api_.PostMessageA(Input(), win::kWmChar, 13, 0);
-  EXPECT_EQ(rig_.Text(Input()), "<b>two</b>");
+  EXPECT_EQ(GetText(api_, Input()), "<b>two</b>");
   rig_.Run(0.01);
-  rig_.SetText(Input(), "three");
-  rig_.PostKey(Input(), win::kVkReturn);
+  SetText(api_, Input(), "three");
+  PostKey(api_, Input(), win::kVkReturn);
   rig_.Run(0.01);
   api_.SendMessageA(Input(), win::kWmChar, 13, 0);
-  EXPECT_EQ(rig_.Text(Display()),
+  EXPECT_EQ(GetText(api_, Display()),
             "Host:\thello all\r\nHost:\t<b>two</b>\r\nHost:\tthree");
 
   // The hidden input still takes typing.
@@ -62,13 +62,13 @@ TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
 TEST_F(SimRoomTest, DisplayKeepsOnlyItsLastLines) {
   api_.knobs().display_lines = 3;
   for (int i = 1; i <= 5; ++i) api_.Say("Ann", "line " + std::to_string(i));
-  EXPECT_EQ(rig_.Text(Display()),
+  EXPECT_EQ(GetText(api_, Display()),
             "Ann:\tline 3\r\nAnn:\tline 4\r\nAnn:\tline 5");
   EXPECT_EQ(rig_.events.chats.size(), 5u);  // every line was seen
   // Emptied like any rich edit, it goes on with the lines said after.
   api_.SendMessageSetText(Display(), win::kWmSetText, 0, "");
   api_.Say("Ann", "line 6");
-  EXPECT_EQ(rig_.Text(Display()), "Ann:\tline 6");
+  EXPECT_EQ(GetText(api_, Display()), "Ann:\tline 6");
 }
 
 TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
@@ -76,8 +76,8 @@ TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
   ListBox people("lstPeople");
   GetRoomPeople(api_, people, true);
   EXPECT_EQ(people.Items(), (std::vector<std::string>{"Host", "Ann", "Bob"}));
-  Hwnd count = rig_.Nth(Room(), "_AOL_Static", 2);
-  EXPECT_EQ(rig_.Text(count), "3");
+  Hwnd count = FindNthChild(api_, Room(), "_AOL_Static", 2);
+  EXPECT_EQ(GetText(api_, count), "3");
   // Without the right to read, or for another process, nothing opens.
   EXPECT_EQ(api_.OpenProcess(0x0400, false, api_.process_id()), 0u);
   EXPECT_EQ(api_.OpenProcess(0xF0010, false, api_.process_id() + 1), 0u);
@@ -86,7 +86,7 @@ TEST_F(SimRoomTest, PeopleAreReadFromTheClientsMemory) {
   auto ann_item = static_cast<std::uint32_t>(
       api_.SendMessageA(list, win::kLbGetItemData, 1, 0));
   api_.Leave("ANN");
-  EXPECT_EQ(rig_.Text(count), "2");
+  EXPECT_EQ(GetText(api_, count), "2");
   ProcessHandle p = api_.OpenProcess(0xF0010, false, api_.process_id());
   char buf[4];
   std::size_t read = 99;
@@ -98,8 +98,8 @@ TEST_F(SimRoomTest, AnInstantMessageToAPersonClosesItsWindow) {
   // No box answers, unlike for the reserved names the program sends to.
   Hwnd im = OpenIm("Ann");
   Hwnd field = api_.FindWindowExA(im, 0, "RICHCNTL", nullptr);
-  rig_.SetText(field, "psst");
-  rig_.Click(rig_.Nth(im, "_AOL_Icon", 9, field));
+  SetText(api_, field, "psst");
+  ClickIcon(api_, FindNthChildAfter(api_, im, field, "_AOL_Icon", 9));
   EXPECT_FALSE(api_.IsWindow(im));
   EXPECT_EQ(api_.FindWindowA("#32770", nullptr), 0u);
   EXPECT_EQ(rig_.events.ims.back().to, "Ann");

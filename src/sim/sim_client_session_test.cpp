@@ -1,7 +1,6 @@
 // Signing off, and the preference pages.
 #include <gtest/gtest.h>
 
-#include "client/client_tree.h"
 #include "testing/sim_rig.h"
 
 namespace quorvex {
@@ -21,7 +20,7 @@ class SimSessionTest : public ::testing::Test {
 TEST_F(SimSessionTest, SignOffClosesTheOnlineWindowsAndKeywordsWait) {
   api_.Launch();
   // The welcome window only goes down to an icon.
-  api_.SendMessageA(rig_.Doc("Welcome, Host!"), win::kWmClose, 0, 0);
+  api_.SendMessageA(FindDocument(api_, "Welcome, Host!"), win::kWmClose, 0, 0);
   EXPECT_TRUE(IsSignedOn(api_));
 
   api_.SignOffAfter(5);
@@ -29,33 +28,33 @@ TEST_F(SimSessionTest, SignOffClosesTheOnlineWindowsAndKeywordsWait) {
   EXPECT_TRUE(api_.signed_on());
   rig_.Run(2);
   EXPECT_FALSE(IsSignedOn(api_));
-  EXPECT_EQ(rig_.Doc("Lobby"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Lobby"), 0u);
   EXPECT_EQ(rig_.events.client, std::vector<std::string>{"signs off"});
   // Keywords do nothing while signed off.
-  rig_.Keyword("aol://2719:2-2-Lobby");
+  Keyword(api_, "aol://2719:2-2-Lobby");
   rig_.Run(1);
-  EXPECT_EQ(rig_.Doc("Lobby"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Lobby"), 0u);
 }
 
 TEST_F(SimSessionTest, SignOffDropsWhatWasUnderWay) {
   api_.SetLatency(1);
   api_.Launch();
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   api_.SignOff();
   rig_.Run(2);
   // Write Mail was asked for before the sign-off: it never opens.
-  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Write Mail"), 0u);
 
   // Written offline, a mail can wait but not go now.
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(3);
-  Hwnd write = rig_.Doc("Write Mail");
+  Hwnd write = FindDocument(api_, "Write Mail");
   ASSERT_NE(write, 0u);
-  rig_.SetText(rig_.Nth(write, "_AOL_Edit", 1), "Ann");
-  rig_.Click(rig_.Nth(write, "_AOL_Icon", 16));
+  SetText(api_, FindNthChild(api_, write, "_AOL_Edit", 1), "Ann");
+  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 16));
   rig_.Run(2);
   EXPECT_TRUE(rig_.events.mails.empty());
-  rig_.Click(rig_.Nth(write, "_AOL_Icon", 17));
+  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 17));
   EXPECT_FALSE(api_.IsWindow(write));
   EXPECT_EQ(api_.WaitingCount(), 1);
 }
@@ -64,13 +63,13 @@ TEST_F(SimSessionTest, PreferencePagesRememberTheirCheckBoxes) {
   constexpr unsigned kBmGetCheck = 240, kBmSetCheck = 241;
   const char* confirm = "Confirm mail after it has been sent";
   api_.Launch();
-  rig_.Keyword("Preferences");
+  Keyword(api_, "Preferences");
   rig_.Run(0.2);
-  Hwnd prefs = rig_.Doc("Preferences");
+  Hwnd prefs = FindDocument(api_, "Preferences");
   ASSERT_NE(prefs, 0u);
   Hwnd page = 0, box = 0;
   auto open_mail_page = [&] {
-    rig_.Click(rig_.Nth(prefs, "_AOL_Icon", 3));  // Mail
+    ClickIcon(api_, FindNthChild(api_, prefs, "_AOL_Icon", 3));  // Mail
     rig_.Run(0.2);
     page = api_.FindWindowA("_aol_modal", "Mail Preferences");
     box = api_.FindWindowExA(page, 0, "_aol_checkbox", confirm);
@@ -78,14 +77,14 @@ TEST_F(SimSessionTest, PreferencePagesRememberTheirCheckBoxes) {
   open_mail_page();
   ASSERT_NE(box, 0u);
   EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 1);
-  rig_.Click(box);  // a click toggles
+  ClickIcon(api_, box);  // a click toggles
   EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 0);
   // Cancel forgets, OK keeps.
-  rig_.Click(rig_.Nth(page, "_AOL_Icon", 2));
+  ClickIcon(api_, FindNthChild(api_, page, "_AOL_Icon", 2));
   EXPECT_EQ(api_.Preference(confirm), 1);
   open_mail_page();
   api_.SendMessageA(box, kBmSetCheck, 0, 0);
-  rig_.Click(rig_.Nth(page, "_AOL_icon", 1));
+  ClickIcon(api_, FindNthChild(api_, page, "_AOL_icon", 1));
   EXPECT_FALSE(api_.IsWindow(page));
   EXPECT_EQ(api_.Preference(confirm), 0);
   open_mail_page();

@@ -21,23 +21,24 @@ class SimWindowsTest : public ::testing::Test {
 TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
   Hwnd frame = api_.FindWindowA("AOL Frame25", nullptr);
   // Class names ignore case: both spellings the program uses work.
-  EXPECT_EQ(api_.FindWindowExA(frame, 0, "MDICLIENT", nullptr), rig_.Mdi());
+  EXPECT_EQ(api_.FindWindowExA(frame, 0, "MDICLIENT", nullptr),
+            FindMdiClient(api_));
   Hwnd strip = api_.FindWindowExA(frame, 0, "AOL ToolBar", nullptr);
   Hwnd row = api_.FindWindowExA(strip, 0, "_AOL_ToolBar", nullptr);
   // The 3rd icon by FindWindowExA and by sibling steps agree.
   Hwnd first = api_.FindWindowExA(row, 0, "_aol_icon", nullptr);
   EXPECT_EQ(
       api_.GetWindow(api_.GetWindow(first, win::kGwHwndNext), win::kGwHwndNext),
-      rig_.ToolbarIcon(3));
-  EXPECT_EQ(rig_.Text(rig_.ToolbarIcon(2)), "Write");
+      FindToolbarIcon(api_, 3));
+  EXPECT_EQ(GetText(api_, FindToolbarIcon(api_, 2)), "Write");
 
   // Signed on: the welcome window holds the name; the room is on top.
-  Hwnd top = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr);
+  Hwnd top = api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr);
   EXPECT_EQ(api_.GetWindowTextA(top, 100), "Lobby 12");
-  Hwnd welcome = rig_.Doc("Welcome, Joe Smith!");
+  Hwnd welcome = FindDocument(api_, "Welcome, Joe Smith!");
   EXPECT_EQ(api_.GetWindowTextLengthA(welcome), 19);
   EXPECT_EQ(api_.GetWindowTextA(welcome, 10), "Welcome, ");  // cut to 9
-  EXPECT_EQ(rig_.Text(api_.FindWindowExA(top, 0, "_AOL_Static", nullptr)),
+  EXPECT_EQ(GetText(api_, api_.FindWindowExA(top, 0, "_AOL_Static", nullptr)),
             "Lobby 12");
   // The room holds its style and font boxes, as a mail being written does:
   // only its people list tells it apart.
@@ -49,19 +50,20 @@ TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
 
 TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
   api_.SetLatency(0.5);
-  rig_.PostClick(rig_.ToolbarIcon(2));
+  PostClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(0.4);
-  EXPECT_EQ(rig_.Doc("Write Mail"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Write Mail"), 0u);
   rig_.Run(0.2);
-  Hwnd write = rig_.Doc("Write Mail");
+  Hwnd write = FindDocument(api_, "Write Mail");
   ASSERT_NE(write, 0u);
   // A new document window is the first "AOL Child".
-  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+  EXPECT_EQ(api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr),
+            write);
 
   api_.SendMessageA(write, win::kWmClose, 0, 0);
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(0.6);
-  Hwnd again = rig_.Doc("Write Mail");
+  Hwnd again = FindDocument(api_, "Write Mail");
   EXPECT_NE(again, write);
   // A message posted to a window that is gone is refused.
   EXPECT_FALSE(api_.PostMessageA(write, win::kWmClose, 0, 0));
@@ -75,25 +77,26 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
   api_.knobs().lost_click_chance = 1.0;
   api_.knobs().busy = 10;
   rig_.Run(1);  // the launch's own busy time is over
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(1);
-  ASSERT_NE(rig_.Doc("Write Mail"), 0u);
+  ASSERT_NE(FindDocument(api_, "Write Mail"), 0u);
   // The window's opening keeps the client busy: the next click is lost.
-  rig_.Click(rig_.ToolbarIcon(1));
+  ClickIcon(api_, FindToolbarIcon(api_, 1));
   rig_.Run(1);
-  EXPECT_EQ(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Joe Smith's Online Mailbox"), 0u);
   rig_.Run(10);
-  rig_.Click(rig_.ToolbarIcon(1));
+  ClickIcon(api_, FindToolbarIcon(api_, 1));
   rig_.Run(1);
-  EXPECT_NE(rig_.Doc("Joe Smith's Online Mailbox"), 0u);
+  EXPECT_NE(FindDocument(api_, "Joe Smith's Online Mailbox"), 0u);
 
   api_.knobs().lost_click_chance = 0;
-  api_.SendMessageA(rig_.ToolbarIcon(2), win::kWmLButtonUp, 0, 0);
-  api_.SendMessageA(rig_.ToolbarIcon(2), win::kWmLButtonDown, 0, 0);
+  api_.SendMessageA(FindToolbarIcon(api_, 2), win::kWmLButtonUp, 0, 0);
+  api_.SendMessageA(FindToolbarIcon(api_, 2), win::kWmLButtonDown, 0, 0);
   rig_.Run(1);
-  Hwnd write = rig_.Doc("Write Mail");
-  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), write, "AOL Child", "Write Mail"),
-            0u);
+  Hwnd write = FindDocument(api_, "Write Mail");
+  EXPECT_EQ(
+      api_.FindWindowExA(FindMdiClient(api_), write, "AOL Child", "Write Mail"),
+      0u);
 }
 
 TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
@@ -105,7 +108,7 @@ TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
     std::string pattern;
     for (int i = 0; i < 24; ++i) {
       int before = static_cast<int>(rig.client.tree().size());
-      rig.Click(rig.ToolbarIcon(2));
+      ClickIcon(rig.client, FindToolbarIcon(rig.client, 2));
       rig.Run(0.2);
       pattern += rig.client.tree().size() > before ? 'o' : 'x';
     }
@@ -118,26 +121,27 @@ TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
 }
 
 TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
-  Hwnd frame = rig_.Frame();
+  Hwnd frame = FindFrame(api_);
   Hmenu bar = api_.GetMenu(frame);
   std::uint32_t remember = api_.GetMenuItemID(api_.GetSubMenu(bar, 2), 7);
   EXPECT_NE(remember, 0xFFFFFFFFu);
   EXPECT_EQ(api_.GetSubMenu(bar, 9), 0u);
 
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(0.2);
-  Hwnd write = rig_.Doc("Write Mail");
+  Hwnd write = FindDocument(api_, "Write Mail");
   // Shrinking without SWP_NOZORDER raises it; then its size is kept.
-  api_.SetWindowPos(rig_.Doc("Buddy List Window"), 0, 0, 0, 0, 0, 3);
+  api_.SetWindowPos(FindDocument(api_, "Buddy List Window"), 0, 0, 0, 0, 0, 3);
   api_.SetWindowPos(write, 0, 0, 0, 1, 1, win::kSwpNoMove);
-  EXPECT_EQ(api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr), write);
+  EXPECT_EQ(api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr),
+            write);
   api_.SendMessageA(frame, win::kWmCommand, remember, 0);
   api_.SendMessageA(write, win::kWmClose, 0, 0);
-  rig_.Click(rig_.ToolbarIcon(2));
+  ClickIcon(api_, FindToolbarIcon(api_, 2));
   rig_.Run(0.2);
-  EXPECT_EQ(api_.WindowSize(rig_.Doc("Write Mail")).y, 1);
+  EXPECT_EQ(api_.WindowSize(FindDocument(api_, "Write Mail")).y, 1);
   // Other kinds keep their own size.
-  EXPECT_GT(api_.WindowSize(rig_.Doc("Buddy List Window")).y, 1);
+  EXPECT_GT(api_.WindowSize(FindDocument(api_, "Buddy List Window")).y, 1);
 
   // Sign Off is in the menu too.
   api_.SendMessageA(frame, win::kWmCommand,
@@ -146,8 +150,8 @@ TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
 }
 
 TEST_F(SimWindowsTest, HiddenParentsHideAndThePointerStopsInTheCorner) {
-  Hwnd room = api_.FindWindowExA(rig_.Mdi(), 0, "AOL Child", nullptr);
-  Hwnd input = rig_.Nth(room, "RICHCNTL", 2);
+  Hwnd room = api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr);
+  Hwnd input = FindNthChild(api_, room, "RICHCNTL", 2);
   api_.ShowWindow(room, win::kSwHide);
   EXPECT_FALSE(api_.IsWindowVisible(input));
   // The screen size comes in display units beyond the pixels.
