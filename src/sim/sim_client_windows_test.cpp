@@ -92,27 +92,6 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
       0u);
 }
 
-TEST_F(SimWindowsTest, SameSeedLosesTheSameClicks) {
-  auto run = [](std::uint64_t seed) {
-    SimRig rig(seed);
-    rig.client.knobs().lost_click_chance = 0.5;
-    rig.client.knobs().busy = 1000;
-    rig.client.Launch();
-    std::string pattern;
-    for (int i = 0; i < 24; ++i) {
-      int before = static_cast<int>(rig.client.tree().size());
-      ClickIcon(rig.client, FindToolbarIcon(rig.client, 2));
-      rig.Run(0.2);
-      pattern += rig.client.tree().size() > before ? 'o' : 'x';
-    }
-    return pattern;
-  };
-  std::string a = run(7);
-  EXPECT_EQ(a, run(7));
-  EXPECT_NE(a.find('o'), std::string::npos);
-  EXPECT_NE(a.find('x'), std::string::npos);
-}
-
 TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
   Hwnd frame = FindFrame(api_);
   Hmenu bar = api_.GetMenu(frame);
