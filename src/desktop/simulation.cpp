@@ -25,14 +25,8 @@ Simulation::Simulation(Host& host, const fs::path& root)
       registry_((fs::create_directories(root), root / "registry.json")),
       machine_(root),
       client_(host, world_, room_.seed),
-      log_file_(root / "room.txt", std::ios::binary | std::ios::trunc),
-      log_(
-          log_file_, sim::TranscriptFormat::kText,
-          [&host] { return host.Clock(); }, [&host] { return host.Timer(); }),
-      log_observer_(log_) {
-  // Each line reaches the file as it is written.
-  log_file_.setf(std::ios::unitbuf);
-  client_.SetObserver(&log_observer_);
+      log_(root / "room.txt", kRoomLogLimit, [&host] { return host.Timer(); }) {
+  client_.SetObserver(&log_);
   machine_.SetAppPath("C:\\Program Files\\Quorvex");
   machine_.SetExeName("quorvex");
   if (!fs::exists(registry_.path()) || fs::file_size(registry_.path()) < 3)

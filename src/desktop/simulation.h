@@ -3,11 +3,12 @@
 // (settings, queue and restart files included), so that anyone without
 // the client can watch the server work. What the simulated client shows
 // and sends (the room's lines, mails, instant messages) is written as it
-// happens to room.txt in that folder, for a person or a test to follow.
+// happens to room.txt in that folder, for a person or a test to follow;
+// the file starts afresh once it holds kRoomLogLimit bytes.
 #pragma once
 
 #include <filesystem>
-#include <fstream>
+#include <ios>
 #include <memory>
 
 #include "ports/host.h"
@@ -20,6 +21,8 @@
 #include "sim/transcript.h"
 
 namespace quorvex::desktop {
+
+inline constexpr std::streamoff kRoomLogLimit = 8 << 20;
 
 class Simulation {
  public:
@@ -43,9 +46,7 @@ class Simulation {
   FolderMachine machine_;
   SimWorld world_;
   SimClient client_;
-  std::ofstream log_file_;
-  sim::Transcript log_;
-  sim::TranscriptObserver log_observer_;
+  sim::TranscriptFile log_;
 };
 
 }  // namespace quorvex::desktop

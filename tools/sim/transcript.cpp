@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace quorvex::sim {
 
@@ -98,6 +99,48 @@ void TranscriptObserver::OnIm(const std::string& to, const std::string& text) {
 
 void TranscriptObserver::OnClient(const std::string& what) {
   t_.Write("client", {{"what", what}});
+}
+
+TranscriptFile::TranscriptFile(std::filesystem::path path, std::streamoff limit,
+                               std::function<double()> clock)
+    : path_(std::move(path)),
+      limit_(limit),
+      transcript_(file_, TranscriptFormat::kText, clock, clock),
+      lines_(transcript_) {
+  Open();
+}
+
+void TranscriptFile::Open() {
+  file_.open(path_, std::ios::binary | std::ios::trunc);
+  file_.setf(std::ios::unitbuf);
+}
+
+void TranscriptFile::Roll() {
+  if (file_.tellp() < limit_) return;
+  file_.close();
+  Open();
+}
+
+void TranscriptFile::OnChat(const std::string& sn, const std::string& text) {
+  Roll();
+  lines_.OnChat(sn, text);
+}
+
+void TranscriptFile::OnMail(const std::string& from, const std::string& to,
+                            const std::string& subject, const std::string& body,
+                            bool send_now) {
+  Roll();
+  lines_.OnMail(from, to, subject, body, send_now);
+}
+
+void TranscriptFile::OnIm(const std::string& to, const std::string& text) {
+  Roll();
+  lines_.OnIm(to, text);
+}
+
+void TranscriptFile::OnClient(const std::string& what) {
+  Roll();
+  lines_.OnClient(what);
 }
 
 }  // namespace quorvex::sim

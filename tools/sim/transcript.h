@@ -2,7 +2,10 @@
 // (jsonl) or as text for a person to read.
 #pragma once
 
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <ios>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
@@ -55,6 +58,33 @@ class TranscriptObserver : public SimObserver {
 
  private:
   Transcript& t_;
+};
+
+// What a simulated client shows and sends, as text lines in a file that a
+// person or another process can follow: each line is on disk as soon as it
+// is written, and the file starts afresh once it holds `limit` bytes or
+// more, so that a room left talking for days cannot fill the disk.
+class TranscriptFile : public SimObserver {
+ public:
+  // `clock` gives the time of day in seconds since midnight.
+  TranscriptFile(std::filesystem::path path, std::streamoff limit,
+                 std::function<double()> clock);
+  void OnChat(const std::string& sn, const std::string& text) override;
+  void OnMail(const std::string& from, const std::string& to,
+              const std::string& subject, const std::string& body,
+              bool send_now) override;
+  void OnIm(const std::string& to, const std::string& text) override;
+  void OnClient(const std::string& what) override;
+
+ private:
+  void Open();
+  void Roll();
+
+  std::filesystem::path path_;
+  std::streamoff limit_;
+  std::ofstream file_;
+  Transcript transcript_;
+  TranscriptObserver lines_;
 };
 
 // JSON text of any byte string: invalid UTF-8 is replaced, never thrown.
