@@ -26,7 +26,7 @@ Simulation::Simulation(Host& host, const fs::path& root)
       machine_(root),
       client_(host, world_, room_.seed),
       log_(root / "room.txt", kRoomLogLimit, [&host] { return host.Timer(); }) {
-  client_.SetObserver(&log_);
+  client_.SetObserver(&log_.observer());
   machine_.SetAppPath("C:\\Program Files\\Quorvex");
   machine_.SetExeName("quorvex");
   if (!fs::exists(registry_.path()) || fs::file_size(registry_.path()) < 3)

@@ -64,6 +64,7 @@ std::string Transcript::TextLine(const std::string& ev,
 
 void Transcript::Write(const std::string& ev,
                        const nlohmann::ordered_json& fields) {
+  if (before_write_) before_write_();
   ++events_;
   if (format_ == TranscriptFormat::kText) {
     out_ << ClockText(clock_()) << "  " << TextLine(ev, fields) << '\n';
@@ -104,43 +105,19 @@ void TranscriptObserver::OnClient(const std::string& what) {
 TranscriptFile::TranscriptFile(std::filesystem::path path, std::streamoff limit,
                                std::function<double()> clock)
     : path_(std::move(path)),
-      limit_(limit),
       transcript_(file_, TranscriptFormat::kText, clock, clock),
       lines_(transcript_) {
   Open();
+  transcript_.SetBeforeWrite([this, limit] {
+    if (file_.tellp() < limit) return;
+    file_.close();
+    Open();
+  });
 }
 
 void TranscriptFile::Open() {
   file_.open(path_, std::ios::binary | std::ios::trunc);
   file_.setf(std::ios::unitbuf);
-}
-
-void TranscriptFile::Roll() {
-  if (file_.tellp() < limit_) return;
-  file_.close();
-  Open();
-}
-
-void TranscriptFile::OnChat(const std::string& sn, const std::string& text) {
-  Roll();
-  lines_.OnChat(sn, text);
-}
-
-void TranscriptFile::OnMail(const std::string& from, const std::string& to,
-                            const std::string& subject, const std::string& body,
-                            bool send_now) {
-  Roll();
-  lines_.OnMail(from, to, subject, body, send_now);
-}
-
-void TranscriptFile::OnIm(const std::string& to, const std::string& text) {
-  Roll();
-  lines_.OnIm(to, text);
-}
-
-void TranscriptFile::OnClient(const std::string& what) {
-  Roll();
-  lines_.OnClient(what);
 }
 
 }  // namespace quorvex::sim

@@ -30,6 +30,10 @@ class Transcript {
   // Writes one event; `fields` holds everything but "t" and "ev", in the
   // order they should appear.
   void Write(const std::string& ev, const nlohmann::ordered_json& fields);
+  // Runs before each event is written.
+  void SetBeforeWrite(std::function<void()> fn) {
+    before_write_ = std::move(fn);
+  }
 
   int events() const { return events_; }
 
@@ -41,6 +45,7 @@ class Transcript {
   TranscriptFormat format_;
   std::function<double()> elapsed_;
   std::function<double()> clock_;
+  std::function<void()> before_write_;
   int events_ = 0;
 };
 
@@ -64,24 +69,18 @@ class TranscriptObserver : public SimObserver {
 // person or another process can follow: each line is on disk as soon as it
 // is written, and the file starts afresh once it holds `limit` bytes or
 // more, so that a room left talking for days cannot fill the disk.
-class TranscriptFile : public SimObserver {
+class TranscriptFile {
  public:
   // `clock` gives the time of day in seconds since midnight.
   TranscriptFile(std::filesystem::path path, std::streamoff limit,
                  std::function<double()> clock);
-  void OnChat(const std::string& sn, const std::string& text) override;
-  void OnMail(const std::string& from, const std::string& to,
-              const std::string& subject, const std::string& body,
-              bool send_now) override;
-  void OnIm(const std::string& to, const std::string& text) override;
-  void OnClient(const std::string& what) override;
+  // What the simulated client is to tell.
+  SimObserver& observer() { return lines_; }
 
  private:
   void Open();
-  void Roll();
 
   std::filesystem::path path_;
-  std::streamoff limit_;
   std::ofstream file_;
   Transcript transcript_;
   TranscriptObserver lines_;

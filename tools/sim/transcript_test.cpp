@@ -21,20 +21,20 @@ TEST(TranscriptFileTest, LinesAreOnDiskAtOnceAndTheFileStartsAfreshAtItsLimit) {
   // The limit is reached exactly by two lines: the third starts afresh.
   {
     TranscriptFile log(path, 2 * kLine, [] { return 0.0; });
-    log.OnChat("a", "x");
+    log.observer().OnChat("a", "x");
     EXPECT_EQ(TempFolder::Read(path), line);  // read while still open
-    log.OnChat("a", "x");
+    log.observer().OnChat("a", "x");
     EXPECT_EQ(TempFolder::Read(path), line + line);
-    log.OnChat("a", "x");
+    log.observer().OnChat("a", "x");
     EXPECT_EQ(TempFolder::Read(path), line);
   }
   // One byte more and the third line still fits; the fourth starts afresh.
   {
     TranscriptFile log(path, 2 * kLine + 1, [] { return 0.0; });
     EXPECT_EQ(TempFolder::Read(path), "");  // a new log, a new file
-    for (int i = 0; i < 3; ++i) log.OnChat("a", "x");
+    for (int i = 0; i < 3; ++i) log.observer().OnChat("a", "x");
     EXPECT_EQ(TempFolder::Read(path), line + line + line);
-    log.OnIm("a", "x");
+    log.observer().OnIm("a", "x");
     EXPECT_EQ(TempFolder::Read(path), "00:00:00.000  [im] to a: x\n");
   }
 }
