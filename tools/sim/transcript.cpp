@@ -67,7 +67,8 @@ void Transcript::Write(const std::string& ev,
   if (before_write_) before_write_();
   ++events_;
   if (format_ == TranscriptFormat::kText) {
-    out_ << ClockText(clock_()) << "  " << TextLine(ev, fields) << '\n';
+    // One write a line: a file flushed on every write gets whole lines.
+    out_ << ClockText(clock_()) + "  " + TextLine(ev, fields) + '\n';
     return;
   }
   nlohmann::ordered_json j;
@@ -76,7 +77,7 @@ void Transcript::Write(const std::string& ev,
     j[it.key()] = it.value();
   std::string body = JsonDump(j);
   // "t" leads, with exactly three decimals.
-  out_ << "{\"t\":" << Fixed3(elapsed_()) << "," << body.substr(1) << '\n';
+  out_ << "{\"t\":" + Fixed3(elapsed_()) + "," + body.substr(1) + '\n';
 }
 
 void TranscriptObserver::OnChat(const std::string& sn,
