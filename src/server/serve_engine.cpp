@@ -91,21 +91,16 @@ void ServeEngine::Start() {
   PrepareClient();
   if (ctx_.ended) return;
 
-  Host& host = c_.host;
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex mail server <B><U>on</B></U>");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended,
-      "type /<B>" + s.Handle + " send <U>x" +
-          (s.BlocksXYEnable ? ",x-y</U></B>" : "</U></B>"));
-  PauseSeconds(host, kAround);
-  if (s.FindsEnable) {
-    // The range setting of sends picks the find form too; intended.
-    Say(c_, ctx_.ended,
-        "type <B>/" + s.Handle + " find <U>x" +
-            (s.BlocksXYEnable ? ",x&y</U></B>" : "</U></B>"));
-    PauseSeconds(host, kAround);
-  }
+  const std::string on = "quorvex mail server <B><U>on</B></U>";
+  const std::string send = "type /<B>" + s.Handle + " send <U>x" +
+                           (s.BlocksXYEnable ? ",x-y</U></B>" : "</U></B>");
+  // The range setting of sends picks the find form too; intended.
+  if (s.FindsEnable)
+    Announce({on, send,
+              "type <B>/" + s.Handle + " find <U>x" +
+                  (s.BlocksXYEnable ? ",x&y</U></B>" : "</U></B>")});
+  else
+    Announce({on, send});
   if (ctx_.ended) return;
 
   ctx_.ServerOn = true;
@@ -141,11 +136,8 @@ void ServeEngine::cmdPause_Click() {
 }
 
 void ServeEngine::Resume() {
-  Host& host = c_.host;
   ctx_.status.Draw("status: unpausing server");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex mail server <B><U>unpaused</B></U>");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex mail server <B><U>unpaused</B></U>"});
   if (ctx_.ended) return;
   ctx_.ServerPaused = false;
   SetTimers(true);
@@ -154,21 +146,15 @@ void ServeEngine::Resume() {
 }
 
 void ServeEngine::PauseServer() {
-  Host& host = c_.host;
   ctx_.status.Draw("status: pausing server");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex mail server <B><U>paused</B></U>");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex mail server <B><U>paused</B></U>"});
   SetTimers(false);
   ctx_.status.Draw("status: paused");
 }
 
 void ServeEngine::Stop() {
-  Host& host = c_.host;
   ctx_.status.Draw("status: stopping server");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex mail server <B><U>off</B></U>");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex mail server <B><U>off</B></U>"});
   Say(c_, ctx_.ended, "please stop requesting");
   SetTimers(false);
   if (ctx_.ended) return;
@@ -267,18 +253,22 @@ void ServeEngine::ServeSteps() {
   RememberRoom();
 }
 
+void ServeEngine::Announce(std::initializer_list<std::string> lines) {
+  for (const std::string& line : lines) {
+    PauseSeconds(c_.host, kAround);
+    Say(c_, ctx_.ended, line);
+  }
+  PauseSeconds(c_.host, kAround);
+}
+
 void ServeEngine::RememberRoom() {
   if (Hwnd room = FindChatRoom(c_.api))
     ctx_.room_name = GetCaption(c_.api, room);
 }
 
 void ServeEngine::RestartClient() {
-  Host& host = c_.host;
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex is restarting <B><U>aol</B></U>");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "please hold requests and be patient");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex is restarting <B><U>aol</B></U>",
+            "please hold requests and be patient"});
   ctx_.status.Draw("status: restarting aol");
   RememberRoom();
   // The second clock's error sweep must not click into the client while
@@ -286,9 +276,7 @@ void ServeEngine::RestartClient() {
   ctx_.Timer2->SetEnabled(false);
   if (aol_restart) aol_restart();
   ctx_.counters.AOLCount = 0;
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex restarted <B><U>aol</B></U>");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex restarted <B><U>aol</B></U>"});
   if (ctx_.ended) return;
   ctx_.Timer2->SetEnabled(true);
   ctx_.status.Draw("status: restarted aol");
@@ -296,12 +284,8 @@ void ServeEngine::RestartClient() {
 }
 
 void ServeEngine::RestartMachine() {
-  Host& host = c_.host;
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex is restarting <B><U>cpu</B></U>");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "please hold requests and be patient");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex is restarting <B><U>cpu</B></U>",
+            "please hold requests and be patient"});
   ctx_.status.Draw("status: restarting cpu");
   RememberRoom();
   ctx_.Timer2->SetEnabled(false);
@@ -311,11 +295,7 @@ void ServeEngine::RestartMachine() {
 
 void ServeEngine::ClearSent() {
   Host& host = c_.host;
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex is deleting <B><U>sent</B></U>");
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "please be patient");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex is deleting <B><U>sent</B></U>", "please be patient"});
   ctx_.status.Draw("status: deleting sent");
   ctx_.Timer2->SetEnabled(false);
   host.DoEvents();
@@ -325,9 +305,7 @@ void ServeEngine::ClearSent() {
     DeleteMailWaiting(c_);
     host.DoEvents();
   }
-  PauseSeconds(host, kAround);
-  Say(c_, ctx_.ended, "quorvex deleted <B><U>sent</B></U>");
-  PauseSeconds(host, kAround);
+  Announce({"quorvex deleted <B><U>sent</B></U>"});
   if (ctx_.ended) return;
   ctx_.Timer2->SetEnabled(true);
   ctx_.counters.SentCount = 0;

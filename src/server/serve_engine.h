@@ -6,6 +6,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -108,6 +109,9 @@ class ServeEngine {
   void ClearSent();
   void PrepareClient();
   void RememberRoom();
+  // Says each line after a pause, and pauses once more after the last:
+  // the frame of every announcement in the room.
+  void Announce(std::initializer_list<std::string> lines);
   void Announce(const std::string& line);
   void SetTimers(bool enabled);
 
