@@ -119,6 +119,10 @@ void ServeEngine::PrepareClient() {
   FindFrame(api);
   FindChildByTitle(api, FindMdiClient(api), "Buddy List Window");
   user_sn_ = GetUserSN(api);
+  // The room to return to after a client restart, known from the start: a
+  // client lost during the first tick would otherwise be sent to no room,
+  // and its restart would wait for one for ever.
+  RememberRoom();
   if (set_preferences) set_preferences();
   if (ctx_.settings.MailResize) ShrinkMailWindows(c_);
   IMsOff(c_);
