@@ -18,6 +18,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <set>
 #include <string>
@@ -106,6 +107,20 @@ class SimClient : public WindowApi {
   void SignOffAfter(double seconds);
   // The machine runs the client's program.
   void Start();
+  // The client's process ends at once, as a crashing client's does: its
+  // windows go without a close, and a start under way never comes.
+  void Crash();
+
+  // --- Across processes (a client started again keeps its world) ---
+  // What outlives the client's process: the user and the room to return
+  // to, the people with their mailboxes and the rooms, the mailbox and
+  // the mail waiting or sent, the preferences and remembered window
+  // sizes, and the knobs with the faults still to come (sign-on failures,
+  // refusals of full rooms). Windows and what was under way are not kept.
+  nlohmann::json SaveState() const;
+  // Restores a saved state into a client not launched yet; then Launch()
+  // (the client as first set up) or Start() (its program run again).
+  void RestoreState(const nlohmann::json& state);
 
   // --- Observation ---
   std::map<std::string, std::vector<ReceivedMail>> Mailboxes() const {
@@ -371,6 +386,8 @@ class SimClient : public WindowApi {
   ProcessHandle next_process_handle_ = 0x1F4;
   std::uint32_t pid_ = 0;
   int starts_ = 0;
+  // Bumped by a crash: a start under way for the old process never comes.
+  std::uint64_t process_epoch_ = 0;
 
   std::string user_name_ = "Host";
   std::string room_name_ = "Lobby";

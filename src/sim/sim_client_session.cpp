@@ -50,7 +50,8 @@ void SimClient::Start() {
   Notify([](SimObserver& o) { o.OnClient(kClientStarts); });
   Later(
       knobs_.start_time,
-      [this] {
+      [this, process = process_epoch_] {
+        if (process != process_epoch_) return;
         start_pending_ = false;
         if (frame_) return;
         launched_ = true;
@@ -58,6 +59,16 @@ void SimClient::Start() {
         ShowSignOnWindow(false);
       },
       false);
+}
+
+void SimClient::Crash() {
+  if (!frame_ && !start_pending_) return;
+  ++process_epoch_;
+  start_pending_ = false;
+  const bool was_on = signed_on_;
+  if (frame_) DestroyClient();
+  if (was_on) Notify([](SimObserver& o) { o.OnClient(kClientSignsOff); });
+  Notify([](SimObserver& o) { o.OnClient(kClientCloses); });
 }
 
 void SimClient::RequestFrameClose() {
@@ -69,8 +80,8 @@ void SimClient::RequestFrameClose() {
   close_pending_ = true;
   Later(
       knobs_.close_time,
-      [this] {
-        if (!frame_) return;
+      [this, process = process_epoch_] {
+        if (!frame_ || process != process_epoch_) return;
         bool was_on = signed_on_;
         DestroyClient();
         if (was_on) Notify([](SimObserver& o) { o.OnClient(kClientSignsOff); });

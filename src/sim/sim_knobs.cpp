@@ -16,6 +16,7 @@ struct Knob {
   Type type;
   double max;  // the largest value taken (counts and seconds)
   std::function<void(SimKnobs&, double)> set;
+  std::function<double(const SimKnobs&)> get;
 };
 
 const std::vector<Knob>& Knobs() {
@@ -23,38 +24,64 @@ const std::vector<Knob>& Knobs() {
   constexpr double kMaxInt = std::numeric_limits<int>::max();
   static const std::vector<Knob> knobs = {
       {"latency", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.latency = v; }},
-      {"busy", Type::kSeconds, kDay, [](SimKnobs& k, double v) { k.busy = v; }},
+       [](SimKnobs& k, double v) { k.latency = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.latency); }},
+      {"busy", Type::kSeconds, kDay, [](SimKnobs& k, double v) { k.busy = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.busy); }},
       {"lost_click_chance", Type::kChance, 1,
-       [](SimKnobs& k, double v) { k.lost_click_chance = v; }},
+       [](SimKnobs& k, double v) { k.lost_click_chance = v; },
+       [](const SimKnobs& k) {
+         return static_cast<double>(k.lost_click_chance);
+       }},
       {"display_lines", Type::kCount, 1000000,
-       [](SimKnobs& k, double v) { k.display_lines = static_cast<int>(v); }},
+       [](SimKnobs& k, double v) { k.display_lines = static_cast<int>(v); },
+       [](const SimKnobs& k) { return static_cast<double>(k.display_lines); }},
       {"max_body_chars", Type::kCount, kMaxInt,
        [](SimKnobs& k, double v) {
          k.max_body_chars = static_cast<std::size_t>(v);
-       }},
+       },
+       [](const SimKnobs& k) { return static_cast<double>(k.max_body_chars); }},
       {"send_time", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.send_time = v; }},
+       [](SimKnobs& k, double v) { k.send_time = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.send_time); }},
       {"close_time", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.close_time = v; }},
+       [](SimKnobs& k, double v) { k.close_time = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.close_time); }},
       {"close_needs_two", Type::kSwitch, 1,
-       [](SimKnobs& k, double v) { k.close_needs_two = v != 0; }},
+       [](SimKnobs& k, double v) { k.close_needs_two = v != 0; },
+       [](const SimKnobs& k) {
+         return static_cast<double>(k.close_needs_two);
+       }},
       {"start_time", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.start_time = v; }},
+       [](SimKnobs& k, double v) { k.start_time = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.start_time); }},
       {"signon_step", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.signon_step = v; }},
+       [](SimKnobs& k, double v) { k.signon_step = v; },
+       [](const SimKnobs& k) { return static_cast<double>(k.signon_step); }},
       {"signon_failures", Type::kCount, 1000000,
-       [](SimKnobs& k, double v) { k.signon_failures = static_cast<int>(v); }},
+       [](SimKnobs& k, double v) { k.signon_failures = static_cast<int>(v); },
+       [](const SimKnobs& k) {
+         return static_cast<double>(k.signon_failures);
+       }},
       {"full_room_leave_time", Type::kSeconds, kDay,
-       [](SimKnobs& k, double v) { k.full_room_leave_time = v; }},
+       [](SimKnobs& k, double v) { k.full_room_leave_time = v; },
+       [](const SimKnobs& k) {
+         return static_cast<double>(k.full_room_leave_time);
+       }},
       {"room_style_controls", Type::kSwitch, 1,
-       [](SimKnobs& k, double v) { k.room_style_controls = v != 0; }},
+       [](SimKnobs& k, double v) { k.room_style_controls = v != 0; },
+       [](const SimKnobs& k) {
+         return static_cast<double>(k.room_style_controls);
+       }},
       {"sent_fill_step", Type::kCount, 1000000,
-       [](SimKnobs& k, double v) { k.sent_fill_step = static_cast<int>(v); }},
+       [](SimKnobs& k, double v) { k.sent_fill_step = static_cast<int>(v); },
+       [](const SimKnobs& k) { return static_cast<double>(k.sent_fill_step); }},
       {"screen_width", Type::kCount, 100000,
-       [](SimKnobs& k, double v) { k.screen_width = static_cast<int>(v); }},
+       [](SimKnobs& k, double v) { k.screen_width = static_cast<int>(v); },
+       [](const SimKnobs& k) { return static_cast<double>(k.screen_width); }},
       {"screen_height", Type::kCount, 100000,
-       [](SimKnobs& k, double v) { k.screen_height = static_cast<int>(v); }},
+       [](SimKnobs& k, double v) { k.screen_height = static_cast<int>(v); },
+       [](const SimKnobs& k) { return static_cast<double>(k.screen_height); }},
   };
   return knobs;
 }
@@ -125,6 +152,20 @@ std::string SetKnob(SimKnobs* knobs, std::string_view name,
   for (const Knob& k : Knobs())
     known += (known.empty() ? "" : ", ") + std::string(k.name);
   return "unknown knob '" + std::string(name) + "' (" + known + ")";
+}
+
+std::string KnobValue(const SimKnobs& knobs, std::string_view name) {
+  for (const Knob& k : Knobs()) {
+    if (name != k.name) continue;
+    const double v = k.get(knobs);
+    if (k.type == Type::kCount || k.type == Type::kSwitch)
+      return std::to_string(static_cast<long long>(v));
+    // The shortest text that reads back as the same number.
+    char buf[64];
+    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, v);
+    return ec == std::errc() ? std::string(buf, end) : std::string();
+  }
+  return "";
 }
 
 std::vector<std::string> KnobNames() {

@@ -56,6 +56,8 @@ struct SimKnobs {
 // was set. With `knobs` null it only checks.
 std::string SetKnob(SimKnobs* knobs, std::string_view name,
                     std::string_view value);
+// The knob's value as SetKnob reads it back ("" for an unknown name).
+std::string KnobValue(const SimKnobs& knobs, std::string_view name);
 // The knobs' names, in the order above.
 std::vector<std::string> KnobNames();
 

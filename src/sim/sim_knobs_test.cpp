@@ -51,5 +51,25 @@ TEST(SimKnobsTest, EveryKnobCanBeSet) {
   EXPECT_EQ(KnobNames().size(), 16u);
 }
 
+TEST(SimKnobsTest, EachValueReadsBackAsItWasSet) {
+  SimKnobs k;
+  ASSERT_EQ(SetKnob(&k, "latency", "0.4"), "");
+  ASSERT_EQ(SetKnob(&k, "lost_click_chance", "0.7"), "");
+  ASSERT_EQ(SetKnob(&k, "close_needs_two", "true"), "");
+  ASSERT_EQ(SetKnob(&k, "max_body_chars", "2147483647"), "");
+  EXPECT_EQ(KnobValue(k, "latency"), "0.4");
+  EXPECT_EQ(KnobValue(k, "close_needs_two"), "1");
+  EXPECT_EQ(KnobValue(k, "max_body_chars"), "2147483647");
+  EXPECT_EQ(KnobValue(k, "no_such_knob"), "");
+  // Every knob, written back through its text, stays as it was.
+  SimKnobs copy;
+  copy.latency = 9;
+  for (const std::string& name : KnobNames())
+    ASSERT_EQ(SetKnob(&copy, name, KnobValue(k, name)), "") << name;
+  for (const std::string& name : KnobNames())
+    EXPECT_EQ(KnobValue(copy, name), KnobValue(k, name)) << name;
+  EXPECT_EQ(copy.lost_click_chance, 0.7);
+}
+
 }  // namespace
 }  // namespace quorvex

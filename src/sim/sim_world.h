@@ -51,6 +51,7 @@ class SimWorld {
   // The room of that name, made when new.
   SimRoom& Room(std::string_view name);
   SimRoom* FindRoom(std::string_view name);
+  const std::deque<SimRoom>& rooms() const { return rooms_; }
   void SetRoomCapacity(std::string_view room, int capacity);
   // The room is reported full for the next `times` tries to enter it.
   void RefuseRoom(std::string_view room, int times);

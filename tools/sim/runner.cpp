@@ -381,6 +381,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
         client.Leave(line.name);
       } else if (line.verb == "signoff") {
         client.SignOff();
+      } else if (line.verb == "kill") {
+        client.Crash();
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {

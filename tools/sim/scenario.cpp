@@ -162,7 +162,7 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
           p.Fail("unknown control to set: '" + t.name + "'");
       } else if (t.verb == "answer") {
         t.text = std::string(rest);
-      } else if (t.verb == "signoff" || t.verb == "start") {
+      } else if (t.verb == "signoff" || t.verb == "start" || t.verb == "kill") {
         if (!TrimBlanks(rest).empty()) p.Fail("'" + t.verb + "' takes nothing");
       } else if (t.verb == "join" || t.verb == "leave") {
         t.name = std::string(rest);
