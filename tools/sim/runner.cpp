@@ -25,6 +25,7 @@
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
 #include "sim/interrupt.h"
+#include "sim/program_events.h"
 #include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
@@ -36,14 +37,6 @@ namespace fs = std::filesystem;
 using nlohmann::ordered_json;
 
 namespace {
-
-// The profile files a scenario can name, by their Windows paths.
-std::string ProfilePath(const Machine& machine, const std::string& file) {
-  if (file == "Quorvex.INI") return machine.AppPath() + "\\Quorvex.INI";
-  return machine.WindowsDirectory() + "\\" + file;
-}
-
-const char* kProfileFiles[] = {"Quorvex.INI", "RestartSettings.INI", "Win.INI"};
 
 // A folder removed when the run ends, unless the user named it.
 class RootFolder {
@@ -77,78 +70,10 @@ class RootFolder {
   bool temporary_ = false;
 };
 
-void WatchList(const ListBox& list, Transcript& t) {
-  const_cast<ListBox&>(list).Subscribe(
-      [&t](const ListBox& l, const ListChange& c) {
-        ordered_json f{{"name", l.name()}};
-        switch (c.op) {
-          case ListChange::Op::kAdd:
-            f["op"] = "add";
-            f["item"] = c.item;
-            break;
-          case ListChange::Op::kRemove:
-            f["op"] = "remove";
-            f["item"] = c.item;
-            break;
-          case ListChange::Op::kClear:
-            f["op"] = "clear";
-            break;
-        }
-        t.Write("list", f);
-      });
-}
-
-// A window's opening, closing and minimising. The main window is open
-// from the start to the end, so only its minimising is written.
-void WatchForm(Form& form, Transcript& t, bool open_events) {
-  auto last =
-      std::make_shared<std::pair<bool, bool>>(form.open(), form.minimized());
-  form.Subscribe([&t, last, open_events](const Form& f) {
-    const char* what = nullptr;
-    if (open_events && f.open() != last->first)
-      what = f.open() ? "opens" : "closes";
-    else if (f.minimized() != last->second)
-      what = f.minimized() ? "minimises" : "restores";
-    *last = {f.open(), f.minimized()};
-    if (what) t.Write("window", {{"name", f.name()}, {"what", what}});
-  });
-}
-
 ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
-  FrmMain& frm = app.frm();
-  ordered_json lists = ordered_json::object();
-  for (const ListBox* l : app.OpenLists()) lists[l->name()] = l->Items();
-  ordered_json labels = ordered_json::object();
-  for (const Label* l : app.Labels()) labels[l->name()] = l->caption();
-  ordered_json menus = ordered_json::object();
-  ordered_json checked = ordered_json::array();
-  ordered_json disabled = ordered_json::array();
-  for (const std::string& name : frm.menus.Order()) {
-    const MenuEntry& e = frm.menus.Get(name);
-    menus[name] = e.caption;
-    if (e.checked) checked.push_back(name);
-    if (!e.enabled) disabled.push_back(name);
-  }
-  ordered_json reg = ordered_json::object();
-  for (const auto& [section, keys] : registry.Dump(kApp)) {
-    ordered_json s = ordered_json::object();
-    for (const auto& [k, v] : keys) s[k] = v;
-    reg[section] = s;
-  }
-  ordered_json files = ordered_json::object();
-  for (const char* f : kProfileFiles) {
-    std::string path = ProfilePath(machine, f);
-    if (!machine.FileExists(path)) continue;
-    ordered_json sections = ordered_json::object();
-    for (const auto& [section, keys] : profiles.Dump(machine.HostPath(path))) {
-      ordered_json s = ordered_json::object();
-      for (const auto& [k, v] : keys) s[k] = v;
-      sections[section] = s;
-    }
-    files[f] = sections;
-  }
+  ordered_json state = ProgramFinalState(app, registry, profiles, machine);
   ordered_json mailboxes = ordered_json::object();
   for (const auto& [sn, mails] : client.Mailboxes()) {
     ordered_json box = ordered_json::array();
@@ -157,20 +82,6 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
           {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
     mailboxes[sn] = box;
   }
-  ordered_json state{{"lists", lists},
-                     {"ReplyQueue", frm.ReplyQueue.Items()},
-                     {"MistakeList", frm.MistakeList.Items()},
-                     {"labels", labels}};
-  // The text boxes of open windows that show the program's text.
-  ordered_json texts = ordered_json::object();
-  for (const auto& [name, box] : app.OpenTexts()) texts[name] = box->text;
-  if (!texts.empty()) state["texts"] = texts;
-  state["status"] = frm.status.text();
-  state["menus"] = menus;
-  state["checked"] = checked;
-  state["disabled"] = disabled;
-  state["registry"] = reg;
-  state["files"] = files;
   state["mailboxes"] = mailboxes;
   // Mail the client holds to send later; shown only when there is some.
   ordered_json waiting = ordered_json::array();
@@ -302,25 +213,9 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   // from before its main window loads.
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
-    FrmMain& frm = app.frm();
-    for (const Label* l : app.AllLabels())
-      const_cast<Label*>(l)->Subscribe([&transcript](const Label& label) {
-        transcript.Write("label",
-                         {{"name", label.name()}, {"text", label.caption()}});
-      });
-    frm.status.Subscribe([&transcript](const StatusStrip& s) {
-      transcript.Write("status", {{"text", s.text()}});
-    });
-    WatchList(frm.lstPending(), transcript);
-    WatchList(frm.lstBanned, transcript);
-    WatchList(frm.lstMails, transcript);
-    WatchList(frm.ReplyQueue, transcript);
-    WatchList(frm.MistakeList, transcript);
-    WatchForm(app.frmMainForm(), transcript, false);
-    WatchForm(app.frmChatroom().form, transcript, true);
-    WatchForm(app.frmAbout().form, transcript, true);
-    WatchForm(app.frmCredits().form, transcript, true);
+    WatchProgram(app, transcript);
     if (!std::exchange(first_app, false)) return;
+    FrmMain& frm = app.frm();
     // The mailbox's titles stand in lstMails from the start, as if read,
     // so that requests can be made before the server is started; starting
     // reads the mailbox again. As the start reads it: other servers' list

@@ -1,0 +1,34 @@
+// What a transcript hears of the program itself, and the program's part of
+// the final state: shared by quorvex-sim and by the runs of a scenario
+// through the real Win32 binding, so that both write the same transcript.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "app/quorvex_app.h"
+#include "ports/machine.h"
+#include "ports/profile_file.h"
+#include "ports/registry.h"
+#include "sim/transcript.h"
+
+namespace quorvex::sim {
+
+// The profile files a scenario can name ("Quorvex.INI",
+// "RestartSettings.INI", "Win.INI"), by their Windows paths.
+std::string ProfilePath(const Machine& machine, const std::string& file);
+
+// Writes the program's labels, status strip, lists, collections and small
+// windows' opening and closing as they change. Call before the main
+// window loads.
+void WatchProgram(QuorvexApp& app, Transcript& t);
+
+// The program's part of the final state: lists, collections, labels, the
+// texts of open windows, status, menus, the registry and the profile files
+// that exist.
+nlohmann::ordered_json ProgramFinalState(QuorvexApp& app,
+                                         const Registry& registry,
+                                         const ProfileFile& profiles,
+                                         const Machine& machine);
+
+}  // namespace quorvex::sim
