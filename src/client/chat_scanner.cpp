@@ -82,6 +82,13 @@ void AddChatLine(std::string_view line, std::vector<ChatLineEvent>* out) {
                   std::string(line.substr(colon + 2))});
 }
 
+// The characters of a UTF-8 text: its code points.
+std::size_t CharacterCount(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(),
+      [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
 }  // namespace
 
 std::vector<ChatLineEvent> ChatScanner::Drain() {
@@ -99,11 +106,23 @@ std::vector<ChatLineEvent> ChatScanner::Drain() {
   std::vector<ChatLineEvent> fresh;
   for (std::size_t i = seen; i < lines.size(); ++i)
     AddChatLine(lines[i], &fresh);
-  // Read and emptied back to back: only a line landing in between could
-  // be lost, and the simulated client delivers lines only when we yield.
-  if (!text.empty()) SetText(api_, display, "");
+  // Only what was read goes: the client adds the room's lines whenever
+  // they come, also between this read and the deletion, and emptying the
+  // whole display would lose such a line. The selection counts characters
+  // (the code page's, one each). A display that takes no deletion is
+  // emptied whole.
   kept_.clear();
-  if (!text.empty() && !GetText(api_, display).empty())
+  if (text.empty()) return fresh;
+  api_.SendMessageA(display, win::kEmSetSel, 0,
+                    static_cast<std::intptr_t>(CharacterCount(text)));
+  api_.SendMessageA(display, win::kWmClear, 0, 0);
+  std::string after = GetText(api_, display);
+  if (after.starts_with(text)) {
+    SetText(api_, display, "");
+    after = GetText(api_, display);
+  }
+  // One that keeps its lines whatever is done is read by overlap.
+  if (!after.empty() && after.starts_with(text))
     kept_.assign(lines.begin(), lines.end());
   return fresh;
 }

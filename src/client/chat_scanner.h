@@ -3,8 +3,10 @@
 // for the chat-scanning control of the main window.
 //
 // A host timer reads the room's chat display (its first "RICHCNTL": lines
-// of NAME, ":", tab, text, joined by CR LF) and then empties it, so that
-// each read sees only the lines said since the last one. Comparing two
+// of NAME, ":", tab, text, joined by CR LF) and then deletes what it read
+// (selected, then cleared), so that each read sees only the lines said
+// since the last one, and a line the client adds between the read and the
+// deletion stays for the next read. Comparing two
 // reads instead cannot tell where the new lines start once the display is
 // full and people repeat the same line: the text does not change. A
 // display that will not be emptied is still read that way, as a fallback:

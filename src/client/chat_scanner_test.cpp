@@ -1,5 +1,8 @@
 #include "client/chat_scanner.h"
 
+#include <functional>
+#include <utility>
+
 #include "client/chat_room.h"
 #include "testing/test_client.h"
 
@@ -51,6 +54,45 @@ TEST_F(ChatScannerTest, EveryLineOnceInOrderOwnLinesIncluded) {
   Run(1);
   EXPECT_EQ(heard.back(), "Cat: in the den");
   EXPECT_EQ(heard.size(), 6u);
+}
+
+// The client adds a line after the scanner has read the display and
+// before it deletes what it read, as a real client does whenever a line
+// comes.
+class LineAfterRead : public RecordingApi {
+ public:
+  using RecordingApi::RecordingApi;
+  std::function<void()> after_read;
+  std::intptr_t SendMessageGetText(Hwnd h, unsigned msg, std::uintptr_t w,
+                                   std::string* out,
+                                   std::size_t chars) override {
+    const std::intptr_t r =
+        RecordingApi::SendMessageGetText(h, msg, w, out, chars);
+    if (msg == win::kWmGetText && after_read)
+      std::exchange(after_read, nullptr)();
+    return r;
+  }
+};
+
+TEST_F(ChatScannerTest, ALineAddedBetweenTheReadAndTheDeletionIsReadNext) {
+  Launch();
+  LineAfterRead racing(sim);
+  ChatScanner racing_scanner(racing, host);
+  std::vector<std::string> got;
+  const int id = racing_scanner.Subscribe(
+      [&](const std::string& sn, const std::string& text) {
+        got.push_back(sn + ": " + text);
+      });
+  racing_scanner.SetEnabled(id, true);
+  sim.Say("Ann", "first \xC3\xA9t\xC3\xA9");
+  racing.after_read = [&] { sim.Say("Bob", "between"); };
+  EXPECT_EQ(racing_scanner.Scan(), 1);
+  EXPECT_EQ(racing_scanner.Scan(), 1);
+  EXPECT_EQ(racing_scanner.Scan(), 0);
+  EXPECT_EQ(got, (std::vector<std::string>{"Ann: first \xC3\xA9t\xC3\xA9",
+                                           "Bob: between"}));
+  // Nothing read stays behind.
+  EXPECT_EQ(GetText(api, FindChild(api, FindChatRoom(api), "RICHCNTL")), "");
 }
 
 TEST_F(ChatScannerTest, DisplayThatKeepsItsLinesIsReadByOverlap) {

@@ -23,6 +23,7 @@ constexpr unsigned kWmGetText = 13;
 constexpr unsigned kWmGetTextLength = 14;
 constexpr unsigned kWmClose = 16;
 constexpr unsigned kWmNcLButtonDown = 161;
+constexpr unsigned kEmSetSel = 177;
 constexpr unsigned kEmLineIndex = 187;
 constexpr unsigned kEmLineLength = 193;
 constexpr unsigned kEmGetLine = 196;
@@ -38,6 +39,7 @@ constexpr unsigned kLbGetItemData = 409;
 constexpr unsigned kLbFindStringExact = 418;
 constexpr unsigned kWmLButtonDown = 513;
 constexpr unsigned kWmLButtonUp = 514;
+constexpr unsigned kWmClear = 771;
 
 constexpr unsigned kGwHwndNext = 2;
 constexpr unsigned kGwChild = 5;

@@ -522,17 +522,24 @@ std::intptr_t SimClient::SendMessageSetText(Hwnd hwnd, unsigned msg,
   // The display is a rich edit: it takes a text set into it, and keeps
   // adding the room's lines after it.
   if (w->role == kRoleDisplay) {
-    display_lines_.clear();
-    std::string_view rest = text;
-    while (!rest.empty()) {
-      size_t end = rest.find("\r\n");
-      display_lines_.emplace_back(rest.substr(0, end));
-      rest = end == std::string_view::npos ? std::string_view{}
-                                           : rest.substr(end + 2);
-    }
+    SetDisplayText(*w, std::string(text));
+    return 1;
   }
   w->text = std::string(text);
   return 1;
+}
+
+void SimClient::SetDisplayText(SimWindow& w, std::string text) {
+  display_lines_.clear();
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    size_t end = rest.find("\r\n");
+    display_lines_.emplace_back(rest.substr(0, end));
+    rest = end == std::string_view::npos ? std::string_view{}
+                                         : rest.substr(end + 2);
+  }
+  w.text = std::move(text);
+  display_sel_start_ = display_sel_end_ = 0;
 }
 
 bool SimClient::PostMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
@@ -548,8 +555,7 @@ bool SimClient::PostMessageA(Hwnd hwnd, unsigned msg, std::uintptr_t wparam,
 }
 
 std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
-                                  std::uintptr_t wparam,
-                                  std::intptr_t /*lparam*/) {
+                                  std::uintptr_t wparam, std::intptr_t lparam) {
   SimWindow* w = tree_.Get(hwnd);
   if (!w) return 0;
   const int role = w->role;
@@ -618,6 +624,35 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
       return role == kRoleCheck ? w->check : 0;
     case kBmSetCheck:
       if (role == kRoleCheck) w->check = wparam ? 1 : 0;
+      return 0;
+    case win::kEmSetSel:
+      // The display's selection, in characters; -1 to the end selects all
+      // from the start.
+      if (role == kRoleDisplay) {
+        const auto at = static_cast<std::intptr_t>(wparam);
+        display_sel_start_ = at < 0 ? 0 : static_cast<std::size_t>(at);
+        display_sel_end_ =
+            lparam < 0 ? std::string::npos : static_cast<std::size_t>(lparam);
+      }
+      return 0;
+    case win::kWmClear:
+      // Deletes the display's selection.
+      if (role == kRoleDisplay) {
+        // The byte where character `chars` starts (the end when past it).
+        auto offset = [&w](std::size_t chars) {
+          for (std::size_t i = 0; i < w->text.size(); ++i) {
+            if ((static_cast<unsigned char>(w->text[i]) & 0xC0) == 0x80)
+              continue;
+            if (chars-- == 0) return i;
+          }
+          return w->text.size();
+        };
+        const std::size_t from = offset(display_sel_start_);
+        const std::size_t to = std::max(from, offset(display_sel_end_));
+        std::string text = w->text;
+        text.erase(from, to - from);
+        SetDisplayText(*w, std::move(text));
+      }
       return 0;
     case win::kEmLineIndex:
       return RichLineIndex(

@@ -129,6 +129,8 @@ class SimClient : public WindowApi {
   SimWorld& world() { return world_; }
   const WindowTree& tree() const { return tree_; }
   bool running() const { return frame_ != 0; }
+  // Started and not yet showing its frame.
+  bool starting() const { return start_pending_; }
   bool signed_on() const { return signed_on_; }
   bool ims_on() const { return ims_on_; }
   const std::string& user_name() const { return user_name_; }
@@ -314,6 +316,8 @@ class SimClient : public WindowApi {
   void FreePeopleEntry(const PeopleEntry& e);
   void UpdatePeopleCount();
   void AppendChatLine(const std::string& sn, const std::string& text);
+  // The display's text as set or left by a deletion; its lines follow it.
+  void SetDisplayText(SimWindow& w, std::string text);
   void SendChatInput();
   void TypeChar(SimWindow& w, char c);
   void RunKeyword(const std::string& address);
@@ -402,6 +406,8 @@ class SimClient : public WindowApi {
   bool ims_on_ = true;
   double busy_until_ = 0;
   Point cursor_{512, 384};
+  // The chat display's selection, in characters (code points).
+  std::size_t display_sel_start_ = 0, display_sel_end_ = 0;
 
   // The frame and its fixed parts.
   Hwnd frame_ = 0, mdi_ = 0, toolbar_row_ = 0, keyword_edit_ = 0;
