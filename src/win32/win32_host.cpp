@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace quorvex::win32 {
 
@@ -52,10 +53,15 @@ class Win32Host::TimerImpl : public HostTimer {
     if (!enabled_ || running_ || interval_ <= 0 || now < due_) return false;
     running_ = true;
     // The next tick counts from the end of this one: a slow handler is
-    // not called again at once to catch up.
+    // not called again at once to catch up. One that throws ticks again.
+    struct Done {
+      TimerImpl& t;
+      ~Done() {
+        t.running_ = false;
+        t.due_ = t.host_.Clock() + t.Period();
+      }
+    } done{*this};
     on_tick_();
-    running_ = false;
-    due_ = host_.Clock() + Period();
     return true;
   }
   double due() const {
@@ -157,6 +163,8 @@ double Win32Host::NextDue() const {
 }
 
 bool Win32Host::RunDue() {
+  // Nothing more runs until what was thrown has come out.
+  if (pending_exception_) return false;
   bool ran = false;
   const double now = Clock();
   // Only what was due when we started: a call that schedules another at
@@ -211,8 +219,14 @@ bool Win32Host::PumpMessages() {
     }
     ::TranslateMessage(&msg);
     ::DispatchMessageW(&msg);
+    RethrowPending();
   }
   return any;
+}
+
+void Win32Host::RethrowPending() {
+  if (pending_exception_)
+    std::rethrow_exception(std::exchange(pending_exception_, nullptr));
 }
 
 void Win32Host::DoEvents(double wake_by) {
@@ -251,7 +265,13 @@ std::intptr_t __stdcall Win32Host::WakeProc(void* hwnd, unsigned msg,
   if (msg == WM_TIMER && wparam == kWakeTimer) {
     auto* host =
         reinterpret_cast<Win32Host*>(::GetWindowLongPtrW(w, GWLP_USERDATA));
-    if (host) host->RunDue();
+    if (host) {
+      try {
+        host->RunDue();
+      } catch (...) {
+        host->pending_exception_ = std::current_exception();
+      }
+    }
     return 0;
   }
   return ::DefWindowProcW(w, msg, wparam, lparam);

@@ -6,10 +6,12 @@
 // Timers and scheduled calls are kept here and run from DoEvents, and
 // also from a hidden window's WM_TIMER so that they keep running inside
 // the platform's modal loops (message boxes, menus, a window drag). A
-// timer whose handler is running is skipped: handlers never re-enter.
+// timer whose handler is running is skipped: handlers never re-enter. What
+// a handler throws comes out of DoEvents.
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -69,6 +71,9 @@ class Win32Host : public Host {
 
   // Wall-clock milliseconds until Clock() reaches `clock`, at least 0.
   double WallMsUntil(double clock) const;
+  // Rethrows what a timer or scheduled call threw while the platform's
+  // message dispatch ran it.
+  void RethrowPending();
 
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
@@ -81,6 +86,10 @@ class Win32Host : public Host {
   bool quit_ = false;
   int exit_code_ = 0;
   int depth_ = 0;
+  // Thrown by a timer or scheduled call run from the wake window's
+  // WM_TIMER: it comes out of the DoEvents that dispatched it, never
+  // through the platform's dispatch.
+  std::exception_ptr pending_exception_;
 };
 
 }  // namespace quorvex::win32

@@ -91,5 +91,43 @@ TEST(Win32HostTest, ASpeedRunsTheClockThatManyTimesAsFastFromWhereItStood) {
   EXPECT_TRUE(ran);
 }
 
+TEST(Win32HostTest, WhatAHandlerThrowsComesOutOfDoEventsAndTheHostGoesOn) {
+  Win32Host host;
+  struct Thrown {};
+  // From a scheduled call, whichever way the host ran it (directly, or from
+  // its wake window's timer message), and from a timer.
+  for (int round = 0; round < 3; ++round) {
+    host.Schedule(0.02 * round, [] { throw Thrown{}; });
+    bool caught = false;
+    const double end = host.Clock() + 5;
+    while (!caught && host.Clock() < end) {
+      try {
+        host.DoEvents(end);
+      } catch (const Thrown&) {
+        caught = true;
+      }
+    }
+    EXPECT_TRUE(caught) << round;
+  }
+  int ticks = 0;
+  auto timer = host.CreateTimer([&] {
+    if (++ticks == 1) throw Thrown{};
+  });
+  timer->SetInterval(20);
+  timer->SetEnabled(true);
+  bool caught = false;
+  const double end = host.Clock() + 5;
+  while (ticks < 3 && host.Clock() < end) {
+    try {
+      host.DoEvents(end);
+    } catch (const Thrown&) {
+      caught = true;
+    }
+  }
+  EXPECT_TRUE(caught);
+  // The timer that threw ticks on.
+  EXPECT_GE(ticks, 3);
+}
+
 }  // namespace
 }  // namespace quorvex::win32
