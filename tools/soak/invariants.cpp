@@ -98,7 +98,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       clears.push_back(t.at);
     if (t.verb == "press" && t.name == "lblExit") exits.push_back(t.at);
     if (t.verb == "start") starts.push_back(t.at);
-    if (t.verb == "signoff") signoffs.push_back(t.at);
+    // A client killed outright loses its connection with its process.
+    if (t.verb == "signoff" || t.verb == "kill") signoffs.push_back(t.at);
   }
 
   std::map<std::pair<std::string, int>, int> accepted;

@@ -128,6 +128,27 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
   EXPECT_EQ(figures.endings, endings);
 }
 
+TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
+  sc.timeline.push_back({.line = 2, .at = 11, .verb = "kill"});
+  // Handed to the client a second before it died; taken, and the client
+  // died before it took the mail.
+  Add(9, "eve-1");
+  Remove(9.5, "eve-1");
+  Line(10,
+       R"j("ev":"mail","to":"(eve)","body":"[mail number <B><U>1</B></U>]")j");
+  Add(1, "gil-2");
+  Remove(5, "gil-2");
+  // Handed 2 s before: that mail should have gone.
+  Add(9, "fay-3");
+  Remove(8.5, "fay-3");
+  Line(9,
+       R"j("ev":"mail","to":"(fay)","body":"[mail number <B><U>3</B></U>]")j");
+  const auto bad = Check({});
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("fay-3"), std::string::npos);
+  EXPECT_EQ(figures.endings.at("lost with a sign-off"), 2);
+}
+
 TEST_F(InvariantsTest, WaitingDeletedByDesignAndBannedAreNamedEndings) {
   auto mail = [this](double t, const std::string& to, int n, const char* send) {
     Line(t, R"j("ev":"mail","to":")j" + to +

@@ -30,8 +30,8 @@ int main(int argc, char** argv) {
   cli.add_option("--seed", first, "the first seed");
   cli.add_option("--exclude", exclude,
                  "fault kinds never to inject (repeatable): lost-click, "
-                 "signoff, full-mailbox, dead-mail, slow, registry-write, "
-                 "profile-write, disk-full, vanish");
+                 "signoff, kill, full-room, full-mailbox, dead-mail, slow, "
+                 "registry-write, profile-write, disk-full, vanish");
   cli.add_option("--fail-dir", fail_dir,
                  "where the scenarios of failing runs are written");
   cli.add_option("--max-seconds", room.max_seconds,
@@ -78,8 +78,11 @@ int main(int argc, char** argv) {
     try {
       const sim::Scenario sc = sim::ParseScenario(name, text, sim::Controls());
       if (sc.lost_clicks > 0) ++client_faults["rooms losing clicks"];
-      for (const sim::TimedLine& t : sc.timeline)
+      for (const sim::TimedLine& t : sc.timeline) {
         if (t.verb == "signoff") ++client_faults["sign-offs"];
+        if (t.verb == "kill") ++client_faults["kills"];
+      }
+      client_faults["full rooms"] += static_cast<int>(sc.full_rooms.size());
       client_faults["full mailboxes"] +=
           static_cast<int>(sc.full_mailboxes.size());
       client_faults["dead mails"] += static_cast<int>(sc.dead_mails.size());

@@ -91,6 +91,46 @@ std::string Request(Dice& d, int mails, bool* queues = nullptr) {
   }
 }
 
+// The client's process killed now and then during the busy stretch, and
+// its room full for a few tries when it comes back after a sign-off or a
+// kill. Drawn with dice of their own, so that the rest of a seed's room
+// stays as it was before these faults were drawn.
+std::string AddClientDeaths(std::uint64_t seed, const RoomOptions& o,
+                            const std::string& room, int end) {
+  Dice d(seed ^ 0x6b696c6c2d726f6fULL);
+  auto on = [&o](const char* kind) { return o.faults.count(kind) > 0; };
+  std::vector<std::string> lines;
+  std::istringstream in(room);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  auto first_timed = [&lines] {
+    std::size_t i = 0;
+    while (i < lines.size() && lines[i].rfind("at ", 0) != 0 &&
+           lines[i].rfind("run ", 0) != 0)
+      ++i;
+    return i;
+  };
+  if (on("full-room") && (on("signoff") || on("kill")) && d.Chance(0.3))
+    lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(first_timed()),
+                 "room-full Lobby " + std::to_string(d.Int(1, 3)));
+  const int kills = on("kill") && d.Chance(0.3) ? d.Int(1, 2) : 0;
+  for (int k = 0; k < kills; ++k) {
+    const double t = d.Int(3000, std::max(3000, end * 1000)) / 1000.0;
+    // Before the first timed line that comes later.
+    std::size_t i = first_timed();
+    for (; i < lines.size(); ++i) {
+      if (lines[i].rfind("run ", 0) == 0) break;
+      if (lines[i].rfind("at ", 0) == 0 && std::stod(lines[i].substr(3)) > t)
+        break;
+    }
+    char at[48];
+    std::snprintf(at, sizeof at, "at %.3f kill", t);
+    lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(i), at);
+  }
+  std::string out;
+  for (const std::string& line : lines) out += line + "\n";
+  return out;
+}
+
 }  // namespace
 
 std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
@@ -223,7 +263,7 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   if (paused && running) s << at << "press cmdPause\n";
   if (!serving || !running)
     s << at << "answer yes\n" << at << "press cmdStart\n";
-  const double drain = t + 240;
+  const double drain = t + o.drain_seconds;
   // Half the runs end with the user's exit, the rest as if the power went.
   if (d.Chance(0.5)) {
     std::snprintf(at, sizeof at, "at %.3f ", drain);
@@ -231,7 +271,7 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   }
   std::snprintf(at, sizeof at, "run %.3f\n", drain + 5);
   s << at;
-  return s.str();
+  return AddClientDeaths(seed, o, s.str(), end);
 }
 
 }  // namespace quorvex::soak
