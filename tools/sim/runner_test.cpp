@@ -89,6 +89,32 @@ run 120
   EXPECT_GE(resumed, 1);
 }
 
+TEST(RunnerTest, AClientKilledInTheFirstTickComesBackToItsRoom) {
+  // The request waits from before the start; the client dies while the
+  // first tick forwards it, before that tick has noted the room.
+  RunResult run = RunText(R"(registry Settings Handle = host
+registry Settings MailResize = False
+person ann
+person bob
+mails 3 song
+mail  ·•[ quorvex list number 1 ]•·
+at 0.5 say ann: /host send 1
+at 0.6 say bob: /host send 2
+at 1 press cmdStart
+at 5.6 kill
+run 100
+)");
+  std::vector<std::string> client = run.Of("client", "what");
+  ASSERT_GE(client.size(), 5u);
+  EXPECT_EQ(client[0], "signs off");
+  EXPECT_EQ(client[1], "closes");
+  EXPECT_EQ(client[2], "starts");
+  EXPECT_EQ(client[3], "signs on");
+  EXPECT_EQ(client[4], "enters Lobby");
+  EXPECT_EQ(run.MailsFor("ann", 1), 0);
+  EXPECT_EQ(run.MailsFor("bob", 2), 1);
+}
+
 TEST(RunnerTest, SelectByTextPicksTheItemThatReadsItOrNone) {
   RunResult run = RunText(R"(person Amy
 person zed
