@@ -215,15 +215,23 @@ void ShrinkMailWindows(const ClientContext& c) {
                            .pace_max = kAskAgainMaxSeconds,
                            .within = kShrinkWindowSeconds};
   open();
+  // The mail's window with its Forward icon, which the client makes after
+  // the window.
   Hwnd mail = 0;
+  Hwnd forward_icon = 0;
   if (WaitUntil(
-          c.host, [&] { return (mail = FindOpenMail(api)) != 0; }, nudged) !=
-      WaitEnd::kMet)
+          c.host,
+          [&] {
+            mail = FindOpenMail(api);
+            forward_icon = mail ? FindNthChild(api, mail, aol::kIconClass,
+                                               aol::kOpenMailForwardIcon)
+                                : 0;
+            return forward_icon != 0;
+          },
+          nudged) != WaitEnd::kMet)
     return;
   RememberSmall(c, mail);
 
-  const Hwnd forward_icon =
-      FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   Hwnd forward = 0;
   WaitOptions click_again = nudged;

@@ -223,9 +223,15 @@ void SetMailPreferences(const ClientContext& c) {
   WindowApi& api = c.api;
   const auto signed_off = SignedOff(api);
 
-  // The "Preferences" window, by its keyword.
+  // The "Preferences" window, by its keyword. A window is there before
+  // its controls (the client makes them one by one): each step waits for
+  // the controls it works with.
+  auto mail_tab = [&] {
+    return api.FindWindowExA(FindDocument(api, "Preferences"), 0,
+                             aol::kIconClass, "Mail");
+  };
   Keyword(api, "Preferences");
-  if (WaitUntil(c.host, [&] { return FindDocument(api, "Preferences") != 0; },
+  if (WaitUntil(c.host, [&] { return mail_tab() != 0; },
                 {.give_up = signed_off,
                  .repeat = [&] { Keyword(api, "Preferences"); },
                  .pace = kAskAgainSeconds,
@@ -233,16 +239,19 @@ void SetMailPreferences(const ClientContext& c) {
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
-  auto click_mail_tab = [&] {
-    ClickIcon(api, api.FindWindowExA(FindDocument(api, "Preferences"), 0,
-                                     aol::kIconClass, "Mail"));
-  };
+  auto click_mail_tab = [&] { ClickIcon(api, mail_tab()); };
   click_mail_tab();
   Hwnd page = 0;
+  auto ok_icon = [&] { return api.FindWindowExA(page, 0, "_AOL_icon", "OK"); };
   if (WaitUntil(c.host,
                 [&] {
-                  return (page = api.FindWindowA(aol::kModalClass,
-                                                 "Mail Preferences")) != 0;
+                  page = api.FindWindowA(aol::kModalClass, "Mail Preferences");
+                  if (!page || !ok_icon()) return false;
+                  for (const MailPreference& p : kMailPreferences)
+                    if (!api.FindWindowExA(page, 0, aol::kCheckboxClass,
+                                           p.label))
+                      return false;
+                  return true;
                 },
                 {.give_up = signed_off,
                  .repeat = click_mail_tab,
@@ -256,9 +265,7 @@ void SetMailPreferences(const ClientContext& c) {
     if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }
-  auto click_ok = [&] {
-    ClickIcon(api, api.FindWindowExA(page, 0, "_AOL_icon", "OK"));
-  };
+  auto click_ok = [&] { ClickIcon(api, ok_icon()); };
   click_ok();
   WaitUntil(c.host, [&] { return !api.IsWindow(page); },
             {.give_up = signed_off,

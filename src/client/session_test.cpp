@@ -7,6 +7,7 @@
 
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
+#include "testing/controls_later.h"
 #include "testing/temp_folder.h"
 #include "testing/test_client.h"
 
@@ -130,6 +131,21 @@ TEST_F(SessionTest, RestartsASignedOffClientBackIntoItsFullRoom) {
   sim.SignOff();
   SetMailPreferences(c);
   EXPECT_EQ(FindDocument(api, "Preferences"), 0u);
+}
+
+TEST_F(SessionTest, MailPreferencesWaitForTheControlsOfTheirWindows) {
+  Launch();
+  sim.SetPreference(kPrefSpellCheck, 1);
+  ControlsLater late(sim, host);
+  const ClientContext lc{late, host, settings, nullptr};
+  const double began = host.Elapsed();
+  SetMailPreferences(lc);
+  // Every box set, nothing asked for again (at the pace of asking again,
+  // a lost click would have cost seconds), and the windows closed.
+  for (const MailPreference& p : kMailPreferences)
+    EXPECT_EQ(sim.Preference(p.label), p.checked) << p.label;
+  EXPECT_LT(host.Elapsed() - began, kAskAgainSeconds);
+  EXPECT_EQ(sim.FindWindowA(aol::kModalClass, nullptr), 0u);
 }
 
 TEST_F(SessionTest, InstallFolderComesFromWinIniAndBothProgramsAreTried) {

@@ -142,21 +142,24 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   };
 
   open();
+  // The mail's window with its Forward icon: the client makes a window's
+  // controls after the window, and a click on an icon not made yet is
+  // lost.
   Hwnd mail = 0;
+  auto forward_icon = [&] {
+    return FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
+  };
   WaitEnd end = WaitUntil(
       c.host,
       [&] {
         mail = FindMailWindow(api, title);
-        return mail != 0;
+        return mail != 0 && forward_icon() != 0;
       },
       with_repeat(open));
   if (end != WaitEnd::kMet) return give_up(end);
 
   m.status.Draw(steps.forwarding);
-  auto click_forward = [&] {
-    ClickIcon(api, FindNthChild(api, mail, aol::kIconClass,
-                                aol::kOpenMailForwardIcon));
-  };
+  auto click_forward = [&] { ClickIcon(api, forward_icon()); };
   click_forward();
   Hwnd forward = 0;
   end = WaitUntil(

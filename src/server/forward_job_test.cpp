@@ -9,9 +9,11 @@
 #include "client/client_tree.h"
 #include "client/error_boxes.h"
 #include "client/mailbox.h"
+#include "client/wait.h"
 #include "client/window_ops.h"
 #include "server/error_sweep.h"
 #include "server/lists_finds.h"
+#include "testing/controls_later.h"
 #include "testing/server_test_fixture.h"
 
 namespace quorvex {
@@ -72,6 +74,19 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   EXPECT_EQ(frm.lblSent.caption(), "total: 2");
   EXPECT_EQ(statuses.front(), "status: opening mail");
   EXPECT_EQ(FindForwardWindow(sim), 0u);
+}
+
+TEST_F(ForwardJobTest, AMailWindowWhoseIconsComeLaterIsForwardedAtOnce) {
+  Launch(4);
+  Queue({"bob-2"});
+  // The client makes the mail's window, then its icons: the Forward icon
+  // is clicked once it is there, not asked for again seconds later.
+  ControlsLater late(sim, host);
+  const ClientContext lc{late, host, frm.settings, nullptr};
+  const double began = host.Elapsed();
+  RunMailJob(MailJobs(), lc, scratch);
+  EXPECT_EQ(Forwarded("bob"), Lines{"mail 2"});
+  EXPECT_LT(host.Elapsed() - began, kAskAgainSeconds);
 }
 
 TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {

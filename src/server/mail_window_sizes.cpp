@@ -47,14 +47,22 @@ void ForgetMailWindowSizes(const ClientContext& c) {
                            .pace_max = kAskAgainMaxSeconds,
                            .within = kWindowSeconds};
   open();
-  Hwnd mail = 0;
+  // The mail's window with its Forward icon, which the client makes after
+  // the window.
+  Hwnd forward_icon = 0;
   end = WaitUntil(
-      c.host, [&] { return (mail = FindOpenMail(api)) != 0; }, nudged);
+      c.host,
+      [&] {
+        const Hwnd mail = FindOpenMail(api);
+        forward_icon = mail ? FindNthChild(api, mail, aol::kIconClass,
+                                           aol::kOpenMailForwardIcon)
+                            : 0;
+        return forward_icon != 0;
+      },
+      nudged);
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
 
-  const Hwnd forward_icon =
-      FindNthChild(api, mail, aol::kIconClass, aol::kOpenMailForwardIcon);
   ClickIcon(api, forward_icon);
   WaitOptions click_again = nudged;
   click_again.repeat = [&] { ClickIcon(api, forward_icon); };
