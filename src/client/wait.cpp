@@ -8,10 +8,6 @@
 
 namespace quorvex {
 
-namespace {
-constexpr double kPollSeconds = 0.01;
-}  // namespace
-
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
                   const WaitOptions& how, WaitPlace where) {
   const WaitTrace trace(how.name, where.function, where.file, where.line);
@@ -27,9 +23,11 @@ WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
     if (how.rounds > 0 && round >= how.rounds) return WaitEnd::kOutOfRounds;
     if (how.within > 0 && host.Clock() - began >= how.within)
       return WaitEnd::kOutOfTime;
-    // A wait may sleep until something happens, but polls at least every
-    // 10 ms for a condition nothing announces.
-    host.DoEvents(how.wake_by > 0 ? how.wake_by : host.Clock() + kPollSeconds);
+    // A wait may sleep until something happens, but polls now and then
+    // (every 10 ms, or less often when the host hears of the client's
+    // windows changing) for a condition nothing announces.
+    host.DoEvents(how.wake_by > 0 ? how.wake_by
+                                  : host.Clock() + host.PollSeconds());
     if (how.speed > 0) PauseSeconds(host, how.speed);
     ++since_repeat;
     if (!repeats || since_repeat < std::max<std::int64_t>(how.every, 1) ||

@@ -46,6 +46,12 @@ class Host {
   // until the next thing that is, but never past wake_by.
   virtual void DoEvents(double wake_by = 0) = 0;
 
+  // How long a wait may sleep between two polls of a condition when
+  // nothing has happened: 10 ms. A host that hears of the client's windows
+  // changing wakes the wait when they do, and polls less often for what
+  // changes without a word.
+  virtual double PollSeconds() const { return 0.01; }
+
   // Runs `fn` from the message loop after `delay_seconds` (0: as soon as
   // the loop next runs). Used by the simulated client and scenario drivers.
   virtual void Schedule(double delay_seconds, std::function<void()> fn) = 0;

@@ -18,6 +18,8 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 // second would take a tenth of a core while nothing happens.
 constexpr double kTimerTick = 0.055;
 constexpr UINT_PTR kWakeTimer = 1;
+// The host whose waits the window hook wakes (the thread's one).
+thread_local Win32Host* g_watching = nullptr;
 const wchar_t kWakeClass[] = L"QuorvexHostWake";
 
 double SecondsSinceMidnight(const SYSTEMTIME& t) {
@@ -106,7 +108,30 @@ Win32Host::Win32Host(double speed) : speed_(std::max(speed, 0.01)) {
 }
 
 Win32Host::~Win32Host() {
+  if (window_hook_) {
+    ::UnhookWinEvent(static_cast<HWINEVENTHOOK>(window_hook_));
+    if (g_watching == this) g_watching = nullptr;
+  }
   if (wake_window_) ::DestroyWindow(static_cast<HWND>(wake_window_));
+}
+
+bool Win32Host::WakeOnWindowChanges(double fallback_seconds) {
+  if (!window_hook_) {
+    // The hook's calls come to this thread as it takes its messages.
+    window_hook_ = ::SetWinEventHook(
+        EVENT_OBJECT_CREATE, EVENT_OBJECT_NAMECHANGE, nullptr,
+        reinterpret_cast<WINEVENTPROC>(&Win32Host::OnWindowEvent), 0, 0,
+        WINEVENT_OUTOFCONTEXT | WINEVENT_SKIPOWNPROCESS);
+    if (!window_hook_) return false;
+    g_watching = this;
+  }
+  poll_seconds_ = std::max(fallback_seconds, 0.01);
+  return true;
+}
+
+void __stdcall Win32Host::OnWindowEvent(void*, unsigned long, void*, long, long,
+                                        unsigned long, unsigned long) {
+  if (g_watching) g_watching->windows_changed_ = true;
 }
 
 double Win32Host::Clock() const {
@@ -233,6 +258,8 @@ void Win32Host::DoEvents(double wake_by) {
   ++depth_;
   bool any = PumpMessages();
   any |= RunDue();
+  // A window that changed wakes the wait at once: it polls again.
+  any |= std::exchange(windows_changed_, false);
   if (!any && wake_by > 0 && !quit_) {
     const double until = std::min(wake_by, NextDue());
     const double wait_ms = WallMsUntil(until);

@@ -44,6 +44,16 @@ class Win32Host : public Host {
   // in a short time.
   void SetSpeed(double speed);
 
+  // Lets waits sleep until another program's windows change: a WinEvent
+  // hook (out of context, on every other process) on windows made,
+  // destroyed, shown, hidden, renamed or reordered wakes the message loop,
+  // and a wait then polls only every `fallback_seconds` of its clock for
+  // what changes without an event (a list filling; under Wine 8 all but
+  // the making of windows, which is the only event it raises). False,
+  // and the 10 ms poll kept, when the platform takes no such hook.
+  bool WakeOnWindowChanges(double fallback_seconds);
+  double PollSeconds() const override { return poll_seconds_; }
+
   // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
   // while nothing is due. Returns the exit code.
   int Run();
@@ -86,6 +96,13 @@ class Win32Host : public Host {
   bool quit_ = false;
   int exit_code_ = 0;
   int depth_ = 0;
+  double poll_seconds_ = 0.01;
+  void* window_hook_ = nullptr;  // HWINEVENTHOOK
+  // A window of another program changed since the loop last slept.
+  bool windows_changed_ = false;
+  static void __stdcall OnWindowEvent(void* hook, unsigned long event,
+                                      void* hwnd, long object, long child,
+                                      unsigned long thread, unsigned long time);
   // Thrown by a timer or scheduled call run from the wake window's
   // WM_TIMER: it comes out of the DoEvents that dispatched it, never
   // through the platform's dispatch.
