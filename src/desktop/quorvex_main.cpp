@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -96,6 +97,16 @@ int RunOnClient() {
   win32::Win32Registry registry;
   win32::Win32ProfileFile profiles;
   win32::Win32Machine machine;
+  // A test stands in for Windows: with QUORVEX_REBOOT_FILE set, the
+  // restart of the machine is asked of it by writing that file (the
+  // ExitWindowsEx flags) instead of Windows, and the program goes on until
+  // the test ends it, as Windows would. The programs it starts (the
+  // restart copy, the installed program) inherit the setting.
+  if (const char* file = std::getenv("QUORVEX_REBOOT_FILE"); file && *file)
+    machine.SetExitWindows([path = std::string(file)](unsigned flags) {
+      std::ofstream(path, std::ios::trunc) << flags << "\n";
+      return true;
+    });
   return RunProgram(host, {api, registry, profiles, machine, GetTickCount64()},
                     nullptr);
 }
