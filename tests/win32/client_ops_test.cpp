@@ -19,12 +19,13 @@
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/client_windows.h"
-#include "ports/machine.h"
-#include "ports/memory_registry.h"
 #include "settings/settings.h"
 #include "standin_process.h"
 #include "win32/win32_host.h"
+#include "win32/win32_machine.h"
+#include "win32/win32_profile_file.h"
 #include "win32/win32_window_api.h"
+#include "windows_folder.h"
 
 namespace quorvex {
 namespace {
@@ -259,35 +260,6 @@ TEST_F(ClientOpsTest, TheRoomBusterPressesThroughAFullRoomsBoxes) {
   EXPECT_EQ(api.FindWindowA(aol::kDialogClass, nullptr), 0u);
 }
 
-// The client's program, started by sending the stand-in "start".
-class StandInMachine : public Machine {
- public:
-  explicit StandInMachine(test::StandInProcess& standin) : standin_(standin) {}
-  std::string AppPath() const override { return "C:\\Quorvex"; }
-  std::string ExeName() const override { return "quorvex"; }
-  std::string WindowsDirectory() const override { return "C:\\Windows"; }
-  std::string HostPath(std::string_view path) const override {
-    return std::string(path);
-  }
-  bool FileExists(std::string_view path) const override {
-    return path == "C:\\AOL\\AOL.exe";
-  }
-  void RemoveFile(std::string_view) override {}
-  std::int64_t FileLength(std::string_view) const override { return -1; }
-  bool CopyFileBytes(
-      std::string_view, std::string_view,
-      const std::function<void(std::int64_t, std::int64_t)>&) override {
-    return false;
-  }
-  void RunProgram(std::string_view path) override {
-    if (path == "C:\\AOL\\AOL.exe") standin_.Command("start");
-  }
-  void Reboot() override {}
-
- private:
-  test::StandInProcess& standin_;
-};
-
 // The restart's pauses add up to half a minute: both clocks run faster.
 class RestartTest : public ClientOpsTest {
  protected:
@@ -296,18 +268,25 @@ class RestartTest : public ClientOpsTest {
 
 TEST_F(RestartTest, TheClientIsRestartedPastASignOnErrorAndBackInTheRoom) {
   ASSERT_TRUE(standin.running());
+  const DWORD first = standin.pid();
   standin.Command("knob signon_failures 1");
-  StandInMachine machine(standin);
-  MemoryProfileFile profiles;
-  profiles.WriteString("C:\\Windows\\Win.ini", "WAOL", "AppPath", "C:\\AOL");
+  // The client's install folder, where the real Win.INI says: the
+  // stand-in's own program is its AOL.exe.
+  test::WindowsFolder folder;
+  win32::Win32Machine machine;
+  win32::Win32ProfileFile profiles;
+  profiles.WriteString("C:\\Windows\\Win.INI", "WAOL", "AppPath",
+                       test::StandInProcess::InstallFolder());
   StatusStrip status;
   FrmRoomBuster buster(c, nullptr);
   const std::string room = "Lobby";
-  // Closes the client, starts it, signs on (the first try ends in the
-  // error modal), turns IMs off (a box), opens the offline mailbox (the
-  // pop-up menu), sets the mail preferences and busts back into the room.
+  // Closes the client (its process ends), starts its program again (a new
+  // process, the same world), signs on (the first try ends in the error
+  // modal), turns IMs off (a box), opens the offline mailbox (the pop-up
+  // menu), sets the mail preferences and busts back into the room.
   AOLRestart({c, machine, profiles, status, buster, room});
   const auto state = standin.State();
+  EXPECT_NE(standin.pid(), first);
   EXPECT_TRUE(state["signed_on"]);
   EXPECT_FALSE(state["ims_on"]);
   EXPECT_EQ(state["room"], "Lobby");
@@ -315,6 +294,11 @@ TEST_F(RestartTest, TheClientIsRestartedPastASignOnErrorAndBackInTheRoom) {
   EXPECT_NE(FindDocument(api, kIncomingMail), 0u);
   EXPECT_EQ(api.FindWindowA(aol::kDialogClass, nullptr), 0u);
   EXPECT_FALSE(MenuShowing());
+  // The people and the mailbox came along with the client's world.
+  ListBox people("people");
+  GetRoomPeople(api, people, true);
+  EXPECT_EQ(people.Count(), 3);
+  EXPECT_EQ(GetMailCount(api), 6);
 }
 
 TEST_F(ClientOpsTest, MenuCommandsByPosition) {

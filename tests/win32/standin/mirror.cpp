@@ -31,6 +31,8 @@ bool Forwarded(UINT msg) {
     case EM_LINEINDEX:
     case EM_LINELENGTH:
     case EM_GETLINE:
+    case EM_SETSEL:
+    case WM_CLEAR:
     case WM_KEYDOWN:
     case WM_KEYUP:
     case WM_CHAR:

@@ -1,22 +1,44 @@
 // The stand-in client: a test program that shows the simulated client as
 // real windows of its own process, for the Win32 binding to operate from
-// another process.
+// another process. It is built as AOL.exe in a folder of its own, the
+// client's install folder that Win.INI names, so that the program's
+// client restart closes it, starts it again and signs it on for real.
 //
-//   qv_standin.exe [--user NAME] [--room ROOM] [--mails N] [--people A,B]
-//                  [--speed F (the client's clock F times the wall clock)]
+//   AOL.exe --launch [--user NAME] [--room ROOM] [--mails N] [--people A,B]
+//           [--speed F]   a client set up by these options, running and
+//                         signed on in its room (F: its clock F times the
+//                         wall clock)
+//   AOL.exe --staged [--speed F]
+//                         the client a test staged in the state file
+//                         (SimClient::SaveState of a client not launched)
+//   AOL.exe               the client's program run again (by the program's
+//                         restart, or by a test after a kill): the saved
+//                         client comes up as just started, its "Sign On"
+//                         window after the start time
+//
+// What outlives the process (the world, the mailbox, the faults still to
+// come, the speed) is kept in the state file named by the environment's
+// QV_STANDIN_STATE (default %TEMP%\qv_standin_state.json), saved whenever
+// it changes; a client killed outright loses at most the last 20 ms.
+// When the client's frame has closed, the process saves and ends, as the
+// real client's does. Every line the room shows, every mail and instant
+// message sent and every change of the session is appended to the state
+// file's event log (the same name + ".events"), one JSON object a line
+// with the wall clock's seconds ("w", QueryPerformanceCounter), across
+// processes.
 //
 // A hidden window of class "QuorvexStandInControl" takes commands as
 // WM_COPYDATA texts (UTF-8), one per message:
-//   say NAME|TEXT   join NAME   leave NAME   signoff   start (the client's
-//   program is run)   full NAME (a full mailbox)   mail TITLE   dead N
-//   (mail N is dead)
-//   knob NAME VALUE (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N
-//   dump PATH (the room's display and every line it showed, the mailboxes
-//   and the open windows as JSON)   quit
+//   say NAME|TEXT   join NAME   leave NAME   signoff   full NAME (a full
+//   mailbox)   mail TITLE   dead N (mail N is dead)   knob NAME VALUE
+//   (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N   dump PATH (the
+//   client as it stands now, as JSON)   quit
 #include <windows.h>
 
+#include <cstdio>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,35 +51,112 @@
 namespace quorvex::standin {
 namespace {
 
-// Every line the room showed, in order: the program may empty the
-// display itself as it reads it.
-struct Heard : SimObserver {
-  void OnChat(const std::string& sn, const std::string& text) override {
-    lines.push_back(sn + ":\t" + text);
+using nlohmann::json;
+
+double WallSeconds() {
+  LARGE_INTEGER f, c;
+  ::QueryPerformanceFrequency(&f);
+  ::QueryPerformanceCounter(&c);
+  return static_cast<double>(c.QuadPart) / static_cast<double>(f.QuadPart);
+}
+
+std::string StatePath() {
+  char buf[MAX_PATH] = "";
+  const DWORD n = ::GetEnvironmentVariableA("QV_STANDIN_STATE", buf, MAX_PATH);
+  if (n > 0 && n < MAX_PATH) return buf;
+  char dir[MAX_PATH] = "";
+  ::GetTempPathA(MAX_PATH, dir);
+  return std::string(dir) + "qv_standin_state.json";
+}
+
+// Written whole or not at all: a kill never leaves half a state.
+void WriteWhole(const std::string& path, const std::string& text) {
+  const std::string tmp = path + ".tmp";
+  {
+    std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
+    out << text;
+    if (!out) return;
   }
-  std::vector<std::string> lines;
+  ::MoveFileExA(tmp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING);
+}
+
+// The session's events, appended a line each as they happen.
+class EventLog : public SimObserver {
+ public:
+  explicit EventLog(std::string path) : path_(std::move(path)) {}
+  void OnChat(const std::string& sn, const std::string& text) override {
+    Write({{"ev", "chat"}, {"sn", sn}, {"text", text}});
+  }
+  void OnMail(const std::string& from, const std::string& to,
+              const std::string& subject, const std::string& body,
+              bool send_now) override {
+    Write({{"ev", "mail"},
+           {"from", from},
+           {"to", to},
+           {"subject", subject},
+           {"body", body},
+           {"send", send_now ? "now" : "later"}});
+  }
+  void OnIm(const std::string& to, const std::string& text) override {
+    Write({{"ev", "im"}, {"to", to}, {"text", text}});
+  }
+  void OnClient(const std::string& what) override {
+    Write({{"ev", "client"}, {"what", what}});
+  }
+
+ private:
+  void Write(json e) {
+    e["w"] = WallSeconds();
+    // One write a line, flushed at once: the next process appends after it.
+    const std::string line = e.dump() + "\n";
+    if (FILE* f = std::fopen(path_.c_str(), "ab")) {
+      std::fwrite(line.data(), 1, line.size(), f);
+      std::fclose(f);
+    }
+  }
+  std::string path_;
 };
 
 struct App {
-  explicit App(double speed) : host(speed) { sim.SetObserver(&heard); }
+  App(double speed, const std::string& state_path)
+      : host(speed),
+        speed(speed),
+        state_path(state_path),
+        log(state_path + ".events") {
+    sim.SetObserver(&log);
+  }
   win32::Win32Host host;
+  double speed;
+  std::string state_path;
   SimWorld world;
   SimClient sim{host, world, 7};
-  Heard heard;
+  EventLog log;
   Mirror* mirror = nullptr;
+  HWND control = nullptr;
+  std::string saved;  // the state as last written
+  bool ending = false;
+
+  // Saves the client's state when it changed since the last save.
+  void Save() {
+    const std::string now =
+        json{{"speed", speed}, {"client", sim.SaveState()}}.dump();
+    if (now == saved) return;
+    WriteWhole(state_path, now);
+    saved = now;
+  }
 };
 App* g_app = nullptr;
 
 void Dump(const std::string& path) {
-  nlohmann::json j;
+  json j;
+  j["running"] = true;
   j["signed_on"] = g_app->sim.signed_on();
   j["ims_on"] = g_app->sim.ims_on();
   j["room"] = g_app->sim.current_room();
-  j["lines"] = nlohmann::json::array();
+  j["lines"] = json::array();
   for (const auto& line : g_app->sim.DisplayLines()) j["lines"].push_back(line);
-  j["heard"] = g_app->heard.lines;
   // Captions of the client's windows: top-level ones and documents.
-  j["windows"] = nlohmann::json::array();
+  j["windows"] = json::array();
   const WindowTree& tree = g_app->sim.tree();
   for (Hwnd top : tree.Children(0)) {
     const SimWindow* w = tree.Get(top);
@@ -67,21 +166,8 @@ void Dump(const std::string& path) {
     for (Hwnd doc : tree.Children(mdi))
       j["windows"].push_back("AOL Child:" + tree.Get(doc)->text);
   }
-  j["mailboxes"] = nlohmann::json::object();
-  for (const auto& [name, mails] : g_app->sim.Mailboxes()) {
-    auto& box = j["mailboxes"][name];
-    box = nlohmann::json::array();
-    for (const ReceivedMail& m : mails)
-      box.push_back({{"from", m.from},
-                     {"subject", m.subject},
-                     {"body", m.body},
-                     {"forward_of", m.forward_of}});
-  }
-  std::ofstream tmp(path + ".tmp", std::ios::binary);
-  tmp << j.dump();
-  tmp.close();
-  ::MoveFileExA((path + ".tmp").c_str(), path.c_str(),
-                MOVEFILE_REPLACE_EXISTING);
+  j["client"] = g_app->sim.SaveState();
+  WriteWhole(path, j.dump());
 }
 
 void Command(const std::string& line) {
@@ -99,8 +185,6 @@ void Command(const std::string& line) {
     sim.Leave(arg);
   } else if (verb == "signoff") {
     sim.SignOff();
-  } else if (verb == "start") {
-    sim.Start();
   } else if (verb == "knob") {
     const std::size_t space = arg.find(' ');
     SetKnob(&sim.knobs(), arg.substr(0, space),
@@ -121,6 +205,7 @@ void Command(const std::string& line) {
   } else if (verb == "dump") {
     Dump(arg);
   } else if (verb == "quit") {
+    g_app->Save();
     g_app->host.Quit();
   }
 }
@@ -133,6 +218,7 @@ LRESULT CALLBACK ControlProc(HWND h, UINT msg, WPARAM w, LPARAM l) {
     g_app->host.Schedule(0, [line] {
       Command(line);
       if (g_app->mirror) g_app->mirror->Sync();
+      g_app->Save();
     });
     return 1;
   }
@@ -151,33 +237,75 @@ std::vector<std::string> Split(const std::string& s) {
   return out;
 }
 
+json ReadJson(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream ss;
+  ss << in.rdbuf();
+  return json::parse(ss.str(), nullptr, false);
+}
+
+// The client's frame has closed (or never came): the process ends, as the
+// real client's does. The control window goes first, so that a command
+// sent from now on waits for the next process instead of being lost here.
+void EndWhenClosed() {
+  if (g_app->ending || g_app->sim.running() || g_app->sim.starting()) return;
+  g_app->ending = true;
+  ::DestroyWindow(g_app->control);
+  g_app->control = nullptr;
+  // Commands already taken run before the last save.
+  g_app->host.DoEvents();
+  g_app->Save();
+  g_app->host.Quit();
+}
+
 }  // namespace
 }  // namespace quorvex::standin
 
 int main(int argc, char** argv) {
   using namespace quorvex::standin;
+  enum class Mode { kRestart, kLaunch, kStaged } mode = Mode::kRestart;
   std::string user = "Host", room = "Lobby", people;
   int mails = 5;
-  double speed = 1;
-  for (int i = 1; i + 1 < argc; i += 2) {
-    const std::string k = argv[i], v = argv[i + 1];
-    if (k == "--user") user = v;
-    if (k == "--room") room = v;
-    if (k == "--mails") mails = std::stoi(v);
-    if (k == "--people") people = v;
-    if (k == "--speed") speed = std::stod(v);
+  double speed = 0;
+  for (int i = 1; i < argc; ++i) {
+    const std::string k = argv[i];
+    const std::string v = i + 1 < argc ? argv[i + 1] : "";
+    if (k == "--launch") mode = Mode::kLaunch;
+    if (k == "--staged") mode = Mode::kStaged;
+    if (k == "--user") user = v, ++i;
+    if (k == "--room") room = v, ++i;
+    if (k == "--mails") mails = std::stoi(v), ++i;
+    if (k == "--people") people = v, ++i;
+    if (k == "--speed") speed = std::stod(v), ++i;
   }
-  App app(speed);
+  const std::string state_path = StatePath();
+  json saved;
+  if (mode != Mode::kLaunch) {
+    saved = ReadJson(state_path);
+    if (!saved.is_object() || !saved.contains("client")) return 5;
+    if (speed <= 0) speed = saved.value("speed", 1.0);
+  }
+  if (speed <= 0) speed = 1;
+  App app(speed, state_path);
   g_app = &app;
-  app.sim.SetUserName(user);
-  app.sim.SetRoomName(room);
-  for (const std::string& p : Split(people)) app.sim.AddPerson(p);
-  for (int i = 1; i <= mails; ++i) app.sim.AddMail("mail " + std::to_string(i));
+  if (mode == Mode::kLaunch) {
+    app.sim.SetUserName(user);
+    app.sim.SetRoomName(room);
+    for (const std::string& p : Split(people)) app.sim.AddPerson(p);
+    for (int i = 1; i <= mails; ++i)
+      app.sim.AddMail("mail " + std::to_string(i));
+  } else {
+    app.sim.RestoreState(saved["client"]);
+  }
   Mirror mirror(app.sim, app.host);
   app.mirror = &mirror;
   if (!mirror.memory_ok()) return 3;
-  app.sim.Launch();
+  if (mode == Mode::kRestart)
+    app.sim.Start();
+  else
+    app.sim.Launch();
   mirror.Sync();
+  app.Save();
 
   WNDCLASSW wc{};
   wc.lpfnWndProc = ControlProc;
@@ -185,15 +313,20 @@ int main(int argc, char** argv) {
   wc.lpszClassName = L"QuorvexStandInControl";
   ::RegisterClassW(&wc);
   // Created last: a test that finds it knows the client's windows exist.
-  HWND control = ::CreateWindowExW(0, wc.lpszClassName, L"", 0, 0, 0, 0, 0,
-                                   nullptr, nullptr, wc.hInstance, nullptr);
-  if (!control) return 4;
+  app.control = ::CreateWindowExW(0, wc.lpszClassName, L"", 0, 0, 0, 0, 0,
+                                  nullptr, nullptr, wc.hInstance, nullptr);
+  if (!app.control) return 4;
   // Keep the real windows in line with the client as it changes by itself
-  // (windows opening after a latency, people speaking).
-  auto sync = app.host.CreateTimer([&] { mirror.Sync(); });
+  // (windows opening after a latency, people speaking), and the state
+  // file with the client.
+  auto sync = app.host.CreateTimer([&] {
+    mirror.Sync();
+    app.Save();
+    EndWhenClosed();
+  });
   sync->SetInterval(20);
   sync->SetEnabled(true);
   const int rc = app.host.Run();
-  ::DestroyWindow(control);
+  if (app.control) ::DestroyWindow(app.control);
   return rc;
 }
