@@ -1,18 +1,23 @@
 // A scenario file run twice: once in the simulator (virtual time, the
 // simulated client in this process) and once through the real binding
-// (the Win32 ports here, the stand-in client as real windows in another
-// process, both clocks at the same faster pace). What does not depend on
+// (binding_run.h: the Win32 ports here, the stand-in client as real
+// windows in processes of its own, both clocks at the same faster pace).
+// Both transcripts are read the same way, and what does not depend on
 // timing is compared:
-//   - what reached each person's mailbox (subjects, in any order),
-//   - the program's questions and the answers given, in order,
-//   - the user's distinct lines in the room, but for the periodic ones
-//     that count (how many pending, sent and served), and with the name
-//     left out of the mail lines (who asked first decides it),
+//   - what the client took for each person: the mails in their mailbox
+//     and those waiting in the client's outgoing queue for them (a mail
+//     whose every Send Now click was lost goes out with Send Later; which
+//     clicks are lost is the client's dice), as subjects in any order;
+//   - the program's questions and the answers given, in order;
+//   - the user's distinct lines in the room, but for the periodic
+//     advertisement, with the name left out of the mail lines (who asked
+//     first decides it) and the count out of the status answers;
 //   - the final lists (pending, banned, mails, reply queue, mistakes).
 // Both summaries are printed; the exit code is 0 when they match, 1 when
-// they do not, 77 when the scenario needs what the stand-in cannot set up.
+// they do not.
 //
 //   qv_win32_scenario.exe FILE.scn [--speed F (5)] [--settle S (20)]
+//                         [--transcript FILE (the binding's, written)]
 //
 // Both runs end S seconds after the last timed line (or where the file
 // ends them, if sooner); the clocks run F times the wall clock.
@@ -21,40 +26,40 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "app/frm_main.h"
-#include "app/program.h"
-#include "app/quorvex_app.h"
-#include "client/mailbox.h"
-#include "ports/scripted_prompter.h"
-#include "settings/settings.h"
-#include "sim/room_stage.h"
+#include "binding_run.h"
 #include "sim/runner.h"
 #include "sim/scenario.h"
-#include "standin_process.h"
-#include "win32/win32_host.h"
-#include "win32/win32_machine.h"
-#include "win32/win32_profile_file.h"
-#include "win32/win32_registry.h"
-#include "win32/win32_window_api.h"
 
 namespace quorvex {
 namespace {
 
 using nlohmann::json;
 
-constexpr int kUnsupported = 77;
-
-// The user's periodic lines carry counts that depend on how many rounds
-// came before the end.
+// The user's periodic lines (the advertisement) carry counts that depend
+// on how many rounds came before the end, and whether one came at all
+// before the end is a matter of timing.
 bool Periodic(const std::string& text) {
   return text.find(" pending; ") != std::string::npos ||
-         text.find("quorvex serving ") != std::string::npos;
+         text.find("quorvex serving ") != std::string::npos ||
+         text.find("</B> send <U>") != std::string::npos;
+}
+
+// A status answer counts what the person has pending when it is given,
+// which timing decides: the count is left out.
+std::string Uncounted(std::string text) {
+  const std::size_t at = text.find(" you have <U>");
+  if (at == std::string::npos) return text;
+  const std::size_t from = at + 13, to = text.find("</U> pending", from);
+  if (to == std::string::npos) return text;
+  return text.replace(from, to - from, "#");
 }
 
 // A mail line names the first of the people the forward went to, and who
@@ -72,204 +77,86 @@ std::string Ungrouped(const std::string& text) {
   return text.substr(0, name) + "*" + text.substr(mail);
 }
 
-struct Summary {
-  json mailboxes = json::object();  // name -> sorted subjects
-  json prompts = json::array();     // "title|prompt|answer"
-  std::set<std::string> user_lines;
-  json lists = json::object();
-
-  json ToJson() const {
-    return {{"mailboxes", mailboxes},
-            {"prompts", prompts},
-            {"user_lines", user_lines},
-            {"lists", lists}};
+// The requesters of a mail in the client's outgoing queue, "(a)(b)".
+std::vector<std::string> Recipients(const std::string& to) {
+  std::vector<std::string> out;
+  for (std::size_t at = to.find('('); at != std::string::npos;
+       at = to.find('(', at + 1)) {
+    const std::size_t close = to.find(')', at);
+    if (close == std::string::npos) break;
+    out.push_back(to.substr(at + 1, close - at - 1));
   }
-};
+  if (out.empty() && !to.empty()) out.push_back(to);
+  return out;
+}
+
+std::string Lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(c));
+  return s;
+}
 
 const char* kLists[] = {"lstPending", "lstBanned", "lstMails", "ReplyQueue",
                         "MistakeList"};
 
-void AddMailbox(Summary& s, const std::string& name, const json& box) {
-  std::vector<std::string> subjects;
-  for (const auto& m : box) subjects.push_back(m["subject"]);
-  std::sort(subjects.begin(), subjects.end());
-  s.mailboxes[name] = subjects;
-}
-
-std::string PromptKey(const std::string& title, const std::string& prompt,
-                      const std::string& answer) {
-  return title + "|" + prompt + "|" + answer;
-}
-
-// The simulator's run, read back from its transcript.
-Summary SimulatorSummary(const sim::Scenario& sc) {
-  std::stringstream out;
-  sim::RunScenario(sc, {}, out);
-  Summary s;
-  for (std::string line; std::getline(out, line);) {
+// What a transcript tells that timing does not decide.
+json Summary(const std::string& transcript, const std::string& user) {
+  std::map<std::string, std::vector<std::string>> taken;
+  json prompts = json::array();
+  std::set<std::string> user_lines;
+  json lists = json::object();
+  std::istringstream in(transcript);
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty()) continue;
     const json ev = json::parse(line);
     if (ev["ev"] == "prompt") {
-      s.prompts.push_back(PromptKey(ev["title"], ev["prompt"],
-                                    ev.value("answer", std::string())));
-    } else if (ev["ev"] == "chat" && ev["sn"] == sc.user &&
+      prompts.push_back(ev.value("title", "") + "|" + ev.value("prompt", "") +
+                        "|" + ev.value("answer", ""));
+    } else if (ev["ev"] == "chat" && ev["sn"] == user &&
                !Periodic(ev["text"])) {
-      s.user_lines.insert(Ungrouped(ev["text"].get<std::string>()));
+      user_lines.insert(Uncounted(Ungrouped(ev["text"].get<std::string>())));
     } else if (ev["ev"] == "final") {
       for (const auto& [name, box] : ev["mailboxes"].items())
-        if (!box.empty()) AddMailbox(s, name, box);
+        for (const json& m : box) taken[Lower(name)].push_back(m["subject"]);
+      for (const json& m : ev.value("waiting", json::array()))
+        for (const std::string& sn : Recipients(m["to"]))
+          taken[Lower(sn)].push_back(m["subject"]);
       for (const char* l : kLists)
         if (ev["lists"].contains(l))
-          s.lists[l] = ev["lists"][l];
+          lists[l] = ev["lists"][l];
         else if (ev.contains(l))
-          s.lists[l] = ev[l];
+          lists[l] = ev[l];
     }
   }
-  return s;
+  json mailboxes = json::object();
+  for (auto& [name, subjects] : taken) {
+    std::sort(subjects.begin(), subjects.end());
+    mailboxes[name] = subjects;
+  }
+  return {{"mailboxes", mailboxes},
+          {"prompts", prompts},
+          {"user_lines", user_lines},
+          {"lists", lists}};
 }
 
-// The lists as the program holds them now.
-json ProgramLists(QuorvexApp& app) {
-  json lists = json::object();
-  for (const ListBox* l : app.OpenLists()) lists[l->name()] = l->Items();
-  lists["ReplyQueue"] = app.frm().ReplyQueue.Items();
-  lists["MistakeList"] = app.frm().MistakeList.Items();
-  json kept = json::object();
-  for (const char* l : kLists)
-    if (lists.contains(l)) kept[l] = lists[l];
-  return kept;
-}
-
-// What the scenario sets up that the stand-in cannot (yet); "" if none.
-std::string Unsupported(const sim::Scenario& sc) {
-  if (!sc.ini.empty()) return "profile files";
-  if (sc.signed_off) return "a client signed off at the start";
-  if (!sc.full_rooms.empty()) return "full rooms";
-  if (sc.lost_clicks > 0 || sc.registry_write_faults > 0 ||
-      sc.profile_write_faults > 0 || sc.disk_full_faults > 0 ||
-      sc.vanish_faults > 0)
-    return "faults";
-  for (const auto& [name, value] : sc.knobs)
-    if (name == "lost_click_chance")
-      return "lost clicks (the client's dice fall otherwise)";
-  for (const sim::TimedLine& line : sc.timeline)
-    if (line.verb == "start" || line.verb == "signoff")
-      return "the timed line '" + line.verb + "'";
-  return "";
-}
-
-std::string Join(const std::vector<std::string>& names) {
-  std::string out;
-  for (const std::string& n : names) out += (out.empty() ? "" : ",") + n;
-  return out;
-}
-
-int Run(const std::string& path, double speed, double settle) {
+int Run(const std::string& path, double speed, double settle,
+        const std::string& transcript_file) {
   sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
   // scenario runs longer: the rest is the periodic lines, left out anyway.
   double last = 0;
   for (const sim::TimedLine& line : sc.timeline) last = std::max(last, line.at);
   sc.run_until = std::min(sc.run_until, last + settle);
-  if (const std::string why = Unsupported(sc); !why.empty()) {
-    std::printf("unsupported: %s\n", why.c_str());
-    return kUnsupported;
-  }
-  const Summary expected = SimulatorSummary(sc);
 
-  // The stand-in's own mails are replaced by the scenario's.
-  test::StandInProcess standin(
-      "--user \"" + sc.user + "\" --room \"" + sc.room +
-          "\" --mails 0 --speed " + std::to_string(speed) +
-          (sc.people.empty() ? "" : " --people \"" + Join(sc.people) + "\""),
-      sc.run_until / speed + 60);
-  if (!standin.running()) {
-    std::printf("the stand-in client did not start\n");
-    return 1;
-  }
-  standin.Command("knob latency " + std::to_string(sc.latency_ms / 1000.0));
-  for (const std::string& m : sc.mails) standin.Command("mail " + m);
-  for (const std::string& n : sc.full_mailboxes) standin.Command("full " + n);
-  for (int n : sc.dead_mails) standin.Command("dead " + std::to_string(n));
-  standin.Command("knob signon_failures " + std::to_string(sc.signon_failures));
-  for (const auto& [name, value] : sc.knobs)
-    standin.Command("knob " + name + " " + value);
+  std::stringstream simulated;
+  sim::RunScenario(sc, {}, simulated);
+  test::BindingOptions options;
+  options.speed = speed;
+  const std::string bound = test::RunThroughBinding(sc, options);
+  if (!transcript_file.empty())
+    std::ofstream(transcript_file, std::ios::binary) << bound;
 
-  win32::Win32Host host(speed);
-  win32::Win32WindowApi api;
-  // A registry key of the runner's own, so that a user's settings stay.
-  win32::Win32Registry registry("Software\\Quorvex Scenario Runner");
-  registry.DeleteApp(kApp);
-  sim::StageRegistry(sc, registry);
-  win32::Win32ProfileFile profiles;
-  win32::Win32Machine machine;
-  // The queue a run leaves at its end would be the next run's start.
-  const std::string queue_file = machine.AppPath() + "\\Quorvex.INI";
-  ::DeleteFileA(queue_file.c_str());
-  // Nothing may restart this machine.
-  machine.SetExitWindows([](unsigned) { return false; });
-  ScriptedPrompter prompter;
-  Summary actual;
-  prompter.SetObserver([&actual](const PromptRecord& r) {
-    actual.prompts.push_back(PromptKey(r.title, r.prompt, r.answer));
-  });
-
-  // As in the simulator: the mailbox's titles stand in the mail list from
-  // the start, as if read.
-  bool first_app = true;
-  auto watch_app = [&](QuorvexApp& app) {
-    if (!std::exchange(first_app, false)) return;
-    FrmMain& frm = app.frm();
-    for (std::size_t i = 0; i < sc.mails.size(); ++i) {
-      if (IsForeignListTitle(sc.mails[i])) continue;
-      frm.lstMails.Add(sc.mails[i]);
-      frm.mail_positions.push_back(static_cast<int>(i));
-    }
-    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
-  };
-  QuorvexProgram program(
-      Ports{host, api, registry, profiles, prompter, machine, sc.seed},
-      {watch_app, nullptr, nullptr});
-
-  json state;
-  program.Run(false, [&] {
-    const double t0 = host.Clock();
-    for (const sim::TimedLine& line : sc.timeline) {
-      host.Schedule(line.at, [&, line] {
-        if (line.verb == "say") {
-          standin.Command("say " + line.name + "|" + line.text);
-        } else if (line.verb == "join" || line.verb == "leave") {
-          standin.Command(line.verb + " " + line.name);
-        } else if (line.verb == "answer") {
-          prompter.QueueAnswer(line.text);
-        } else if (line.verb == "press") {
-          program.app().Press(line.name, line.index);
-        } else if (line.verb == "select") {
-          program.app().Select(line.name, line.index);
-        } else if (line.verb == "set") {
-          program.app().Set(line.name, line.text);
-        }
-      });
-    }
-    const double end = t0 + sc.run_until;
-    while (host.Clock() < end && !program.app().ended())
-      host.DoEvents(std::min(end, host.Clock() + 0.1));
-    state = standin.State();
-    actual.lists = ProgramLists(program.app());
-    program.app().End();
-  });
-
-  for (const auto& [name, box] : state["mailboxes"].items())
-    if (!box.empty()) AddMailbox(actual, name, box);
-  const std::string prefix = sc.user + ":\t";
-  for (const auto& line : state["heard"]) {
-    const std::string text = line;
-    if (text.rfind(prefix, 0) == 0 && !Periodic(text.substr(prefix.size())))
-      actual.user_lines.insert(Ungrouped(text.substr(prefix.size())));
-  }
-  registry.DeleteApp(kApp);
-  ::DeleteFileA(queue_file.c_str());
-
-  const json want = expected.ToJson(), got = actual.ToJson();
+  const json want = Summary(simulated.str(), sc.user);
+  const json got = Summary(bound, sc.user);
   std::printf("simulator: %s\nbinding:   %s\n", want.dump().c_str(),
               got.dump().c_str());
   for (const auto& [key, value] : want.items())
@@ -284,19 +171,24 @@ int Run(const std::string& path, double speed, double settle) {
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::fprintf(stderr, "usage: qv_win32_scenario FILE.scn [--speed F]\n");
+    std::fprintf(stderr,
+                 "usage: qv_win32_scenario FILE.scn [--speed F] [--settle S] "
+                 "[--transcript FILE]\n");
     return 2;
   }
   double speed = 5, settle = 20;
+  std::string transcript;
   for (int i = 2; i + 1 < argc; ++i) {
-    if (std::string(argv[i]) == "--speed") speed = std::stod(argv[i + 1]);
-    if (std::string(argv[i]) == "--settle") settle = std::stod(argv[i + 1]);
+    const std::string arg = argv[i];
+    if (arg == "--speed") speed = std::stod(argv[i + 1]);
+    if (arg == "--settle") settle = std::stod(argv[i + 1]);
+    if (arg == "--transcript") transcript = argv[i + 1];
   }
   // The build passes host paths; under Wine the host's root is drive Z:.
   std::string path = argv[1];
   if (!path.empty() && path[0] == '/') path = "Z:" + path;
   try {
-    return quorvex::Run(path, speed, settle);
+    return quorvex::Run(path, speed, settle, transcript);
   } catch (const std::exception& e) {
     std::printf("error: %s\n", e.what());
     return 1;

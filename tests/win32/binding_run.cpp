@@ -1,0 +1,355 @@
+#include "binding_run.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/quorvex_app.h"
+#include "client/mailbox.h"
+#include "model/text_util.h"
+#include "ports/scripted_prompter.h"
+#include "ports/virtual_host.h"
+#include "settings/settings.h"
+#include "sim/faulty_ports.h"
+#include "sim/program_events.h"
+#include "sim/room_stage.h"
+#include "sim/sim_client.h"
+#include "sim/sim_knobs.h"
+#include "sim/transcript.h"
+#include "standin_process.h"
+#include "win32/win32_host.h"
+#include "win32/win32_machine.h"
+#include "win32/win32_profile_file.h"
+#include "win32/win32_registry.h"
+#include "win32/win32_window_api.h"
+#include "windows_folder.h"
+
+namespace quorvex::test {
+
+namespace {
+
+using nlohmann::json;
+using nlohmann::ordered_json;
+
+// A registry key of the runs' own, so that a user's settings stay.
+constexpr const char* kRegistryRoot = "Software\\Quorvex Scenario Runner";
+
+bool EndsWithIgnoreCase(std::string_view text, std::string_view tail) {
+  return text.size() >= tail.size() &&
+         EqualsIgnoreCase(text.substr(text.size() - tail.size()), tail);
+}
+
+// The machine of a run: real files and the client's real program. Another
+// program the machine starts (the restart copy, the installed program) is
+// this program at that path, started again in this process once the
+// running one has ended, as quorvex-sim does; a reboot ends the client's
+// program, as Windows ends every program, and unwinds the running one.
+class BindingMachine : public Machine {
+ public:
+  BindingMachine(win32::Win32Machine& real, StandInProcess& client)
+      : real_(real), client_(client) {}
+
+  std::function<void(const std::string&)> on_start;  // a started program
+  std::function<void(const std::string&)> on_other;  // not the client's
+
+  // The running program is the one at this Windows path.
+  void Become(const std::string& path) {
+    const std::size_t slash = path.find_last_of('\\');
+    app_path_ = slash == std::string::npos ? "" : path.substr(0, slash);
+    std::string name = path.substr(slash + 1);
+    if (EndsWithIgnoreCase(name, ".exe")) name.resize(name.size() - 4);
+    exe_name_ = name;
+    became_ = true;
+  }
+
+  std::string AppPath() const override {
+    return became_ ? app_path_ : real_.AppPath();
+  }
+  std::string ExeName() const override {
+    return became_ ? exe_name_ : real_.ExeName();
+  }
+  std::string WindowsDirectory() const override {
+    return real_.WindowsDirectory();
+  }
+  std::string HostPath(std::string_view p) const override {
+    return real_.HostPath(p);
+  }
+  bool FileExists(std::string_view p) const override {
+    return real_.FileExists(p);
+  }
+  void RemoveFile(std::string_view p) override { real_.RemoveFile(p); }
+  std::int64_t FileLength(std::string_view p) const override {
+    return real_.FileLength(p);
+  }
+  bool CopyFileBytes(std::string_view from, std::string_view to,
+                     const std::function<void(std::int64_t, std::int64_t)>&
+                         progress) override {
+    return real_.CopyFileBytes(from, to, progress);
+  }
+  void RunProgram(std::string_view path) override {
+    if (on_start) on_start(std::string(path));
+    if (EndsWithIgnoreCase(path, "\\aol.exe") ||
+        EndsWithIgnoreCase(path, "\\waol.exe"))
+      real_.RunProgram(path);
+    else if (on_other)
+      on_other(std::string(path));
+  }
+  void Reboot() override {
+    client_.Kill();
+    throw MachineRebooted{};
+  }
+
+ private:
+  win32::Win32Machine& real_;
+  StandInProcess& client_;
+  bool became_ = false;
+  std::string app_path_, exe_name_;
+};
+
+// The client's event as a transcript line: "t", "ev", then its fields in
+// the order quorvex-sim writes them.
+ordered_json ClientEvent(const json& e) {
+  ordered_json out{{"t", e.value("t", 0.0)}, {"ev", e.value("ev", "")}};
+  for (const char* field :
+       {"sn", "from", "to", "subject", "body", "send", "text", "what"})
+    if (e.contains(field)) out[field] = e[field];
+  return out;
+}
+
+}  // namespace
+
+std::string RunThroughBinding(const sim::Scenario& sc,
+                              const BindingOptions& o) {
+  WindowsFolder folder;
+  // The client as the scenario sets it up, staged for the stand-in.
+  VirtualHost staging_host;
+  SimWorld staging_world;
+  SimClient staged(staging_host, staging_world, sc.seed);
+  sim::StageClient(sc, staged);
+  staged.knobs().lost_click_chance = sc.lost_clicks;
+  for (const auto& [name, value] : sc.knobs)
+    SetKnob(&staged.knobs(), name, value);
+
+  win32::Win32Host host(o.speed);
+  win32::Win32WindowApi api;
+  win32::Win32Registry registry(kRegistryRoot);
+  registry.DeleteApp(kApp);
+  sim::StageRegistry(sc, registry);
+  win32::Win32ProfileFile profiles;
+  win32::Win32Machine real_machine;
+
+  // The machine's files as the scenario has them: none of the program's,
+  // the scenario's profile values, and the client installed where
+  // Win.INI says unless the scenario says where.
+  for (const char* file :
+       {"C:\\Windows\\RestartSettings.INI", "C:\\Windows\\z.exe"})
+    ::DeleteFileA(file);
+  ::DeleteFileA(WindowsFolder::QueueFile().c_str());
+  bool names_client = false;
+  for (const sim::SetupValue& v : sc.ini) {
+    profiles.WriteString(sim::ProfilePath(real_machine, v.file), v.section,
+                         v.key, v.value);
+    names_client |= v.file == "Win.INI" && EqualsIgnoreCase(v.section, "WAOL");
+  }
+  if (!names_client)
+    profiles.WriteString(sim::ProfilePath(real_machine, "Win.INI"), "WAOL",
+                         "AppPath", StandInProcess::InstallFolder());
+
+  std::ostringstream program_out;
+  double t0 = host.Clock();
+  sim::Transcript transcript(
+      program_out, sim::TranscriptFormat::kJsonl,
+      [&] { return host.Clock() - t0; }, [&] { return host.Timer(); });
+  FaultDice dice({sc.registry_write_faults, sc.profile_write_faults,
+                  sc.disk_full_faults, sc.vanish_faults},
+                 sc.seed ^ 0x5eedfa17ULL,
+                 [&transcript](const std::string& kind, const std::string& w) {
+                   transcript.Write("fault", {{"kind", kind}, {"what", w}});
+                 });
+  FaultyRegistry app_registry(registry, dice);
+  FaultyProfileFile app_profiles(profiles, dice);
+
+  StandInProcess client(staged.SaveState(), o.speed,
+                        sc.run_until / o.speed + 120);
+  if (!client.running())
+    throw std::runtime_error("the stand-in client did not start");
+  BindingMachine machine(real_machine, client);
+  FaultyMachine app_machine(machine, dice);
+
+  ScriptedPrompter prompter;
+  prompter.SetObserver([&transcript](const PromptRecord& r) {
+    if (r.kind == "message") {
+      transcript.Write(
+          "prompt",
+          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
+      return;
+    }
+    transcript.Write("prompt", {{"kind", r.kind},
+                                {"title", r.title},
+                                {"prompt", r.prompt},
+                                {"default", r.default_text},
+                                {"answer", r.answer}});
+  });
+
+  // As in the simulator: the mailbox's titles stand in the mail list from
+  // the start, as if read.
+  bool first_app = true;
+  auto watch_app = [&](QuorvexApp& app) {
+    sim::WatchProgram(app, transcript);
+    app.frm().status.Subscribe([&client, &host, &t0](const StatusStrip& s) {
+      client.Note("at " + std::to_string(host.Clock() - t0) +
+                  " s the program's " + s.text());
+    });
+    if (!std::exchange(first_app, false)) return;
+    FrmMain& frm = app.frm();
+    for (std::size_t i = 0; i < sc.mails.size(); ++i) {
+      if (IsForeignListTitle(sc.mails[i])) continue;
+      frm.lstMails.Add(sc.mails[i]);
+      frm.mail_positions.push_back(static_cast<int>(i));
+    }
+    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+  };
+  auto machine_event = [&transcript](const std::string& what) {
+    transcript.Write("machine", {{"what", what}});
+  };
+  QuorvexProgram program(
+      Ports{host, api, app_registry, app_profiles, prompter, app_machine,
+            sc.seed},
+      {watch_app, machine_event,
+       [&machine](const std::string& path) { machine.Become(path); }});
+  machine.on_start = [&machine_event](const std::string& path) {
+    machine_event("starts " + path);
+  };
+  machine.on_other = [&program](const std::string& path) {
+    program.ProgramStarted(path);
+  };
+
+  // The client's death, as the simulated client tells it.
+  auto kill = [&] {
+    const json before = client.State();
+    if (!client.Kill()) return;
+    if (before.value("signed_on", false))
+      transcript.Write("client", {{"what", kClientSignsOff}});
+    transcript.Write("client", {{"what", kClientCloses}});
+  };
+
+  // Timed lines run from the message loop at their time, as a person's
+  // actions do: inside whatever wait the program is in. Time 0 is the
+  // main window's load.
+  bool start_again = false;
+  t0 = host.Clock();
+  const double w0 = StandInProcess::WallSeconds();
+  for (const sim::TimedLine& line : sc.timeline) {
+    host.Schedule(line.at, [&, line] {
+      if (line.verb == "say") {
+        client.Command("say " + line.name + "|" + line.text);
+      } else if (line.verb == "join" || line.verb == "leave") {
+        client.Command(line.verb + " " + line.name);
+      } else if (line.verb == "signoff") {
+        client.Command("signoff");
+      } else if (line.verb == "kill") {
+        kill();
+      } else if (line.verb == "answer") {
+        prompter.QueueAnswer(line.text);
+      } else if (line.verb == "press") {
+        program.app().Press(line.name, line.index);
+      } else if (line.verb == "select") {
+        if (line.text.empty())
+          program.app().Select(line.name, line.index);
+        else
+          program.app().SelectText(line.name, line.text);
+      } else if (line.verb == "set") {
+        program.app().Set(line.name, line.text);
+      } else if (line.verb == "start") {
+        // The user starts the program again once it has ended.
+        if (program.app().ended()) start_again = true;
+      }
+    });
+  }
+  const double end = t0 + sc.run_until;
+  // Commands for a client that is being started again go as soon as it
+  // runs, whatever wait the program is in.
+  double next_progress = 0;
+  auto pump = host.CreateTimer([&] {
+    client.Pump();
+    if (o.progress && host.Clock() >= next_progress) {
+      next_progress = host.Clock() + 0.5 * o.speed;
+      o.progress(host.Clock() - t0, program.app().frm().status.text());
+    }
+  });
+  pump->SetInterval(50);
+  pump->SetEnabled(true);
+  // `run T` ends the run where the program stands, as the power going
+  // off does: out of whatever wait it is in (a client restart waits
+  // without end for a client that never comes).
+  struct PowerOff {};
+  host.Schedule(sc.run_until, [] { throw PowerOff{}; });
+  try {
+    for (bool again = true; again;) {
+      again = false;
+      program.Run(false, [&] {
+        for (;;) {
+          if (std::exchange(start_again, false)) {
+            again = true;
+            return;
+          }
+          host.DoEvents(end + 1);
+        }
+      });
+    }
+  } catch (const PowerOff&) {
+  }
+  pump->SetEnabled(false);
+
+  // The final state: the program's, and the client's mailboxes and the
+  // mail it holds to send later.
+  const json state = client.State();
+  ordered_json final_state =
+      sim::ProgramFinalState(program.app(), registry, profiles, machine);
+  program.app().End();
+  ordered_json mailboxes = ordered_json::object();
+  for (const auto& [sn, box] : state["mailboxes"].items()) {
+    ordered_json mails = ordered_json::array();
+    for (const json& m : box)
+      mails.push_back({{"from", m["from"]},
+                       {"subject", m["subject"]},
+                       {"body", m["body"]}});
+    mailboxes[sn] = mails;
+  }
+  final_state["mailboxes"] = mailboxes;
+  if (!state["waiting"].empty()) {
+    ordered_json waiting = ordered_json::array();
+    for (const json& m : state["waiting"])
+      waiting.push_back(
+          {{"to", m["to"]}, {"subject", m["subject"]}, {"body", m["body"]}});
+    final_state["waiting"] = waiting;
+  }
+  registry.DeleteApp(kApp);
+
+  // The program's events and the client's, in time order.
+  std::vector<ordered_json> events;
+  std::istringstream in(program_out.str());
+  for (std::string line; std::getline(in, line);)
+    if (!line.empty()) events.push_back(ordered_json::parse(line));
+  for (const json& e : client.Events(w0, o.speed))
+    events.push_back(ClientEvent(e));
+  std::stable_sort(events.begin(), events.end(),
+                   [](const ordered_json& a, const ordered_json& b) {
+                     return a["t"].get<double>() < b["t"].get<double>();
+                   });
+  ordered_json final_event{{"t", sc.run_until}, {"ev", "final"}};
+  for (const auto& [k, v] : final_state.items()) final_event[k] = v;
+  events.push_back(std::move(final_event));
+  std::string out;
+  for (const ordered_json& e : events) out += sim::JsonDump(e) + "\n";
+  return out;
+}
+
+}  // namespace quorvex::test

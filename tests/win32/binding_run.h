@@ -1,0 +1,37 @@
+// A scenario run through the real Win32 binding: the program on the Win32
+// ports in this process (a registry key of its own, the real profile files
+// of the prefix, the scenario's faults on them), the client the stand-in
+// in processes of its own (closed, killed and started again for real),
+// both clocks `speed` times the wall clock. Its transcript is written as
+// quorvex-sim writes its own (jsonl: the program's events and the
+// client's in time order, then the final state), so that whatever reads
+// the simulator's reads it too.
+//
+// A machine restart is run as Windows would run it, in this process: the
+// client's program is ended, then what Win.INI's "load" names is started
+// (the restart copy on the prefix's drive C:, which starts the installed
+// program, which resumes).
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "sim/scenario.h"
+
+namespace quorvex::test {
+
+struct BindingOptions {
+  // Both clocks run this many times the wall clock.
+  double speed = 5;
+  // Called about twice a second of the wall clock with the scenario time,
+  // the program's status strip and the client's events so far (for a
+  // watch on a long run).
+  std::function<void(double t, const std::string& status)> progress;
+};
+
+// Runs the scenario to its end (`run T`) and returns its transcript.
+// Throws std::runtime_error when the stand-in cannot be started.
+std::string RunThroughBinding(const sim::Scenario& sc,
+                              const BindingOptions& options);
+
+}  // namespace quorvex::test
