@@ -1,0 +1,150 @@
+// The client dies mid-forward: its process is killed outright while the
+// program forwards a mail and more requests wait. The program notices the
+// lost client, starts the client's program again from the folder Win.INI
+// names (a new process of the stand-in, with the same world), signs on
+// through its "Sign On" window, busts back into the room and serves every
+// other request. Only the group that was being forwarded is lost, as the
+// program intends; no wait hangs (the watchdog bounds the test).
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "app/program.h"
+#include "client/client_tree.h"
+#include "ports/ports.h"
+#include "ports/scripted_prompter.h"
+#include "settings/settings.h"
+#include "standin_process.h"
+#include "win32/win32_host.h"
+#include "win32/win32_machine.h"
+#include "win32/win32_profile_file.h"
+#include "win32/win32_registry.h"
+#include "win32/win32_window_api.h"
+#include "windows_folder.h"
+
+namespace quorvex {
+namespace {
+
+using nlohmann::json;
+
+// Both processes' clocks run this many times the wall clock.
+constexpr double kSpeed = 4;
+
+// The forwarded mails `sn` received, by the title forwarded.
+std::vector<std::string> Forwards(const json& state, const std::string& sn) {
+  std::vector<std::string> out;
+  if (state["mailboxes"].contains(sn))
+    for (const json& m : state["mailboxes"][sn])
+      if (!m["forward_of"].get<std::string>().empty())
+        out.push_back(m["forward_of"]);
+  return out;
+}
+
+bool Heard(const json& state, const std::string& part) {
+  for (const json& line : state["heard"])
+    if (line.get<std::string>().find(part) != std::string::npos) return true;
+  return false;
+}
+
+TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
+  test::WindowsFolder folder;
+  win32::Win32Registry registry("Software\\Quorvex Recovery Test");
+  registry.DeleteApp(kApp);
+  registry.Save(kApp, "Settings", "Handle", "srv");
+  registry.Save(kApp, "Settings", "MailResize", "False");
+  win32::Win32ProfileFile profiles;
+  profiles.WriteString("C:\\Windows\\Win.INI", "WAOL", "AppPath",
+                       test::StandInProcess::InstallFolder());
+
+  test::StandInProcess client(
+      "--user Host --room Lobby --mails 5 --people Ann,Bob,Cal,Dan --speed " +
+          std::to_string(kSpeed),
+      150);
+  ASSERT_TRUE(client.running());
+  // A list made earlier stands in the mailbox: the start asks nothing.
+  client.Command(
+      "mail  \xC2\xB7\xE2\x80\xA2[ quorvex list number 1 ]"
+      "\xE2\x80\xA2\xC2\xB7");
+  const DWORD first_pid = client.pid();
+
+  win32::Win32Host host(kSpeed);
+  win32::Win32WindowApi api;
+  win32::Win32Machine machine;
+  // Nothing may restart this machine.
+  machine.SetExitWindows([](unsigned) { return false; });
+  ScriptedPrompter prompter;
+  QuorvexProgram program(
+      Ports{host, api, registry, profiles, prompter, machine, 1}, {});
+
+  // The kill: at the moment the forward of the first mail asks the open
+  // mail for its forward window, with the other requests queued.
+  bool killed = false;
+  int pending_at_kill = -1;
+  std::vector<std::string> statuses;
+  json state;
+  program.Run(false, [&] {
+    FrmMain& frm = program.app().frm();
+    frm.status.Subscribe([&](const StatusStrip& s) {
+      statuses.push_back(s.text());
+      client.Note("the program's " + s.text());
+      if (!killed && s.text() == "status: forwarding mail") {
+        pending_at_kill = frm.lstPending().Count();
+        killed = client.Kill();
+      }
+    });
+    program.app().Press("cmdStart");
+    ASSERT_TRUE(frm.ServerOn) << frm.status.text();
+    client.Command("say Ann|/srv send 1");
+    client.Command("say Bob|/srv send 2");
+    client.Command("say Cal|/srv send 3");
+    client.Command("say Dan|/srv send 4");
+    // Served until each of the others has the mail asked for.
+    const double end = host.Clock() + 200;
+    double next_look = 0;
+    while (host.Clock() < end) {
+      host.DoEvents(std::min(end, host.Clock() + 0.1));
+      client.Pump();
+      if (host.Clock() < next_look) continue;
+      next_look = host.Clock() + 1;
+      state = client.State();
+      if (!Forwards(state, "Bob").empty() && !Forwards(state, "Cal").empty() &&
+          !Forwards(state, "Dan").empty())
+        break;
+    }
+    // A little longer: nothing more may come.
+    const double more = host.Clock() + 15;
+    while (host.Clock() < more) host.DoEvents(more);
+    state = client.State();
+    EXPECT_TRUE(frm.lstPending().Empty()) << frm.lstPending().Items().size();
+    program.app().End();
+  });
+  registry.DeleteApp(kApp);
+
+  ASSERT_TRUE(killed) << "the forward never began";
+  EXPECT_EQ(pending_at_kill, 3);
+  // The client came back as a new process of its program, signed on, in
+  // its room.
+  EXPECT_NE(client.pid(), first_pid);
+  EXPECT_NE(client.pid(), 0u);
+  EXPECT_TRUE(state["signed_on"]) << state.dump(1);
+  EXPECT_EQ(state["room"], "Lobby");
+  auto saw = [&](const std::string& text) {
+    return std::find(statuses.begin(), statuses.end(), text) != statuses.end();
+  };
+  EXPECT_TRUE(saw("status: restarting aol"));
+  EXPECT_TRUE(saw("status: loading aol"));
+  EXPECT_TRUE(saw("status: signing online"));
+  EXPECT_TRUE(saw("status: busting chatroom"));
+  EXPECT_TRUE(Heard(state, "quorvex restarted <B><U>aol</B></U>"));
+  // Every other request was served, once; the group under way was lost.
+  EXPECT_EQ(Forwards(state, "Bob"), std::vector<std::string>{"mail 2"});
+  EXPECT_EQ(Forwards(state, "Cal"), std::vector<std::string>{"mail 3"});
+  EXPECT_EQ(Forwards(state, "Dan"), std::vector<std::string>{"mail 4"});
+  EXPECT_TRUE(Forwards(state, "Ann").empty());
+}
+
+}  // namespace
+}  // namespace quorvex
