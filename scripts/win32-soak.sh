@@ -21,7 +21,7 @@ cmake --preset windows >/dev/null
 cmake --build --preset windows -j2 --target qv_win32_soak >/dev/null
 export QUORVEX_WINEPREFIX=${QUORVEX_WINEPREFIX:-$here/build/wine-soak}
 scripts/wine-server.sh start
-trap 'scripts/wine-server.sh stop' EXIT
+trap "\"$here/scripts/wine-server.sh\" stop" EXIT
 mkdir -p build/windows/win32-soak
 cp build/windows/tests/win32/qv_win32_soak.exe build/windows/win32-soak/
 cd build/windows/win32-soak

@@ -338,8 +338,12 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   std::istringstream in(program_out.str());
   for (std::string line; std::getline(in, line);)
     if (!line.empty()) events.push_back(ordered_json::parse(line));
-  for (const json& e : client.Events(w0, o.speed))
+  for (const json& e : client.Events(w0, o.speed)) {
+    if (e.value("ev", "") == "standin-crash")
+      throw std::runtime_error("the stand-in client failed: " +
+                               e.value("what", ""));
     events.push_back(ClientEvent(e));
+  }
   std::stable_sort(events.begin(), events.end(),
                    [](const ordered_json& a, const ordered_json& b) {
                      return a["t"].get<double>() < b["t"].get<double>();

@@ -157,12 +157,15 @@ int Run(const std::string& path, double speed, double settle,
 
   const json want = Summary(simulated.str(), sc.user);
   const json got = Summary(bound, sc.user);
-  std::printf("simulator: %s\nbinding:   %s\n", want.dump().c_str(),
-              got.dump().c_str());
+  auto text = [](const json& j) {
+    return j.dump(-1, ' ', false, json::error_handler_t::replace);
+  };
+  std::printf("simulator: %s\nbinding:   %s\n", text(want).c_str(),
+              text(got).c_str());
   for (const auto& [key, value] : want.items())
     if (got[key] != value)
       std::printf("differs: %s\n  simulator %s\n  binding   %s\n", key.c_str(),
-                  value.dump().c_str(), got[key].dump().c_str());
+                  text(value).c_str(), text(got[key]).c_str());
   return want == got ? 0 : 1;
 }
 

@@ -1,5 +1,6 @@
 #include "standin_process.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -50,11 +51,15 @@ StandInProcess::StandInProcess(const json& client, double speed,
     : limit_ms_(static_cast<DWORD>(limit_seconds * 1000)) {
   char dir[MAX_PATH];
   ::GetTempPathA(MAX_PATH, dir);
-  // Written before the launch, where the launch reads it.
+  // Written before the launch, where the launch reads it (as the client
+  // saves itself: CBOR, whose texts are bytes).
+  const std::vector<std::uint8_t> state =
+      json::to_cbor(json{{"speed", speed}, {"client", client}});
   std::ofstream(std::string(dir) + "qv_standin_" +
-                    std::to_string(::GetCurrentProcessId()) + ".json",
+                    std::to_string(::GetCurrentProcessId()) + ".state",
                 std::ios::binary)
-      << json{{"speed", speed}, {"client", client}}.dump();
+      .write(reinterpret_cast<const char*>(state.data()),
+             static_cast<std::streamsize>(state.size()));
   Launch("--staged --speed " + std::to_string(speed));
 }
 
@@ -63,7 +68,7 @@ void StandInProcess::Launch(const std::string& args) {
   ::GetTempPathA(MAX_PATH, dir);
   const std::string base = std::string(dir) + "qv_standin_" +
                            std::to_string(::GetCurrentProcessId());
-  state_path_ = base + ".json";
+  state_path_ = base + ".state";
   dump_path_ = base + ".dump.json";
   ::DeleteFileA((state_path_ + ".events").c_str());
   // Every program of the client, this one and those the program under
@@ -119,8 +124,9 @@ void StandInProcess::StartWatchdog() {
         json heard = state["heard"];
         state.erase("heard");
         state.erase("mailboxes");
-        std::fprintf(stderr, "[watchdog] the client: %s\n",
-                     state.dump().c_str());
+        std::fprintf(
+            stderr, "[watchdog] the client: %s\n",
+            state.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
         const std::size_t n = heard.size();
         for (std::size_t i = n > 10 ? n - 10 : 0; i < n; ++i)
           std::fprintf(stderr, "[watchdog] heard: %s\n",
@@ -245,7 +251,7 @@ json StandInProcess::State() {
   }
   if (!state.is_object()) {
     // No program runs: the client as it saved itself.
-    const json saved = json::parse(ReadFile(state_path_), nullptr, false);
+    const json saved = json::from_cbor(ReadFile(state_path_), true, false);
     state = json{{"running", false}, {"signed_on", false}, {"room", ""}};
     if (saved.is_object()) state["client"] = saved["client"];
   }

@@ -18,8 +18,9 @@
 //
 // What outlives the process (the world, the mailbox, the faults still to
 // come, the speed) is kept in the state file named by the environment's
-// QV_STANDIN_STATE (default %TEMP%\qv_standin_state.json), saved whenever
-// it changes; a client killed outright loses at most the last 20 ms.
+// QV_STANDIN_STATE (default %TEMP%\qv_standin.state), saved whenever it
+// changes (CBOR: the room's texts are bytes, not always UTF-8, and come
+// back exactly); a client killed outright loses at most the last 20 ms.
 // When the client's frame has closed, the process saves and ends, as the
 // real client's does. Every line the room shows, every mail and instant
 // message sent and every change of the session is appended to the state
@@ -35,7 +36,9 @@
 //   client as it stands now, as JSON)   quit
 #include <windows.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -66,7 +69,7 @@ std::string StatePath() {
   if (n > 0 && n < MAX_PATH) return buf;
   char dir[MAX_PATH] = "";
   ::GetTempPathA(MAX_PATH, dir);
-  return std::string(dir) + "qv_standin_state.json";
+  return std::string(dir) + "qv_standin.state";
 }
 
 // Written whole or not at all: a kill never leaves half a state.
@@ -103,12 +106,17 @@ class EventLog : public SimObserver {
   void OnClient(const std::string& what) override {
     Write({{"ev", "client"}, {"what", what}});
   }
+  // The stand-in itself failed: no client event, a fault of the test.
+  void OnCrash(const std::string& what) {
+    Write({{"ev", "standin-crash"}, {"what", what}});
+  }
 
  private:
   void Write(json e) {
     e["w"] = WallSeconds();
     // One write a line, flushed at once: the next process appends after it.
-    const std::string line = e.dump() + "\n";
+    const std::string line =
+        e.dump(-1, ' ', false, json::error_handler_t::replace) + "\n";
     if (FILE* f = std::fopen(path_.c_str(), "ab")) {
       std::fwrite(line.data(), 1, line.size(), f);
       std::fclose(f);
@@ -138,8 +146,9 @@ struct App {
 
   // Saves the client's state when it changed since the last save.
   void Save() {
-    const std::string now =
-        json{{"speed", speed}, {"client", sim.SaveState()}}.dump();
+    const std::vector<std::uint8_t> bytes =
+        json::to_cbor(json{{"speed", speed}, {"client", sim.SaveState()}});
+    const std::string now(bytes.begin(), bytes.end());
     if (now == saved) return;
     WriteWhole(state_path, now);
     saved = now;
@@ -167,7 +176,7 @@ void Dump(const std::string& path) {
       j["windows"].push_back("AOL Child:" + tree.Get(doc)->text);
   }
   j["client"] = g_app->sim.SaveState();
-  WriteWhole(path, j.dump());
+  WriteWhole(path, j.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 void Command(const std::string& line) {
@@ -237,11 +246,11 @@ std::vector<std::string> Split(const std::string& s) {
   return out;
 }
 
-json ReadJson(const std::string& path) {
+json ReadState(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::stringstream ss;
   ss << in.rdbuf();
-  return json::parse(ss.str(), nullptr, false);
+  return json::from_cbor(ss.str(), true, false);
 }
 
 // The client's frame has closed (or never came): the process ends, as the
@@ -281,13 +290,27 @@ int main(int argc, char** argv) {
   const std::string state_path = StatePath();
   json saved;
   if (mode != Mode::kLaunch) {
-    saved = ReadJson(state_path);
+    saved = ReadState(state_path);
     if (!saved.is_object() || !saved.contains("client")) return 5;
     if (speed <= 0) speed = saved.value("speed", 1.0);
   }
   if (speed <= 0) speed = 1;
   App app(speed, state_path);
   g_app = &app;
+  // A fault of the stand-in must not pass for a client that crashed: the
+  // test reads this line and fails.
+  std::set_terminate([] {
+    std::string what = "terminated";
+    try {
+      if (std::current_exception())
+        std::rethrow_exception(std::current_exception());
+    } catch (const std::exception& e) {
+      what = e.what();
+    } catch (...) {
+    }
+    if (g_app) g_app->log.OnCrash(what);
+    std::abort();
+  });
   if (mode == Mode::kLaunch) {
     app.sim.SetUserName(user);
     app.sim.SetRoomName(room);
