@@ -164,9 +164,22 @@ std::string RunThroughBinding(const sim::Scenario& sc,
 
   std::ostringstream program_out;
   double t0 = host.Clock();
+  // A timed line runs when the message loop comes to it, a little after
+  // its time; what it does is written at its time, as the simulator
+  // writes it (the soak's accounting matches a clear or a start to the
+  // line's moment). `late` is how late the line under way came.
+  double late = 0;
+  // A start of the program loads its settings and queue before anything
+  // else, in no time in the simulator: what it writes in its first
+  // (scenario) second is written at the start's moment.
+  double frozen_at = -1, frozen_until = 0;
   sim::Transcript transcript(
       program_out, sim::TranscriptFormat::kJsonl,
-      [&] { return host.Clock() - t0; }, [&] { return host.Timer(); });
+      [&] {
+        if (frozen_at >= 0 && host.Clock() < frozen_until) return frozen_at;
+        return host.Clock() - t0 - late;
+      },
+      [&] { return host.Timer(); });
   FaultDice dice({sc.registry_write_faults, sc.profile_write_faults,
                   sc.disk_full_faults, sc.vanish_faults},
                  sc.seed ^ 0x5eedfa17ULL,
@@ -244,10 +257,18 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // actions do: inside whatever wait the program is in. Time 0 is the
   // main window's load.
   bool start_again = false;
+  double start_at = 0;
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
   for (const sim::TimedLine& line : sc.timeline) {
     host.Schedule(line.at, [&, line] {
+      const double was_late =
+          std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
+      struct Restore {
+        double& late;
+        double was;
+        ~Restore() { late = was; }
+      } restore{late, was_late};
       if (line.verb == "say") {
         client.Command("say " + line.name + "|" + line.text);
       } else if (line.verb == "join" || line.verb == "leave") {
@@ -269,7 +290,10 @@ std::string RunThroughBinding(const sim::Scenario& sc,
         program.app().Set(line.name, line.text);
       } else if (line.verb == "start") {
         // The user starts the program again once it has ended.
-        if (program.app().ended()) start_again = true;
+        if (program.app().ended()) {
+          start_again = true;
+          start_at = line.at;
+        }
       }
     });
   }
@@ -295,9 +319,14 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     for (bool again = true; again;) {
       again = false;
       program.Run(false, [&] {
+        late = 0;
+        frozen_at = -1;
         for (;;) {
           if (std::exchange(start_again, false)) {
             again = true;
+            // The start-up is written at the start's moment.
+            frozen_at = start_at;
+            frozen_until = host.Clock() + 1;
             return;
           }
           host.DoEvents(end + 1);

@@ -7,10 +7,11 @@
 //
 //   qv_win32_soak [--runs N (3)] [--seed S (1)] [--speed F (5)]
 //                 [--max-seconds M (120)] [--drain D (120)]
-//                 [--exclude KIND]... [--fail-dir DIR]
+//                 [--exclude KIND]... [--fail-dir DIR] [--keep-dir DIR]
 //
 // A failing run writes its scenario (which quorvex-sim runs as it stands)
-// and the binding's transcript to DIR. Exit 0 when every run is clean.
+// and the binding's transcript to the fail DIR; --keep-dir writes every
+// run's. Exit 0 when every run is clean.
 #include <windows.h>
 
 #include <chrono>
@@ -34,7 +35,7 @@ int Usage() {
   std::fprintf(stderr,
                "usage: qv_win32_soak [--runs N] [--seed S] [--speed F] "
                "[--max-seconds M] [--drain D] [--exclude KIND]... "
-               "[--fail-dir DIR]\n");
+               "[--fail-dir DIR] [--keep-dir DIR]\n");
   return 2;
 }
 
@@ -44,7 +45,7 @@ int main(int argc, char** argv) {
   int runs = 3;
   std::uint64_t first = 1;
   double speed = 5;
-  std::string fail_dir = "win32-soak-failures";
+  std::string fail_dir = "win32-soak-failures", keep_dir;
   soak::RoomOptions room;
   room.max_seconds = 120;
   room.drain_seconds = 120;
@@ -64,6 +65,8 @@ int main(int argc, char** argv) {
       room.drain_seconds = std::stoi(v);
     } else if (arg == "--fail-dir") {
       fail_dir = v;
+    } else if (arg == "--keep-dir") {
+      keep_dir = v;
     } else if (arg == "--exclude") {
       if (!soak::kFaultKinds.count(v)) {
         std::fprintf(stderr, "qv_win32_soak: unknown fault kind '%s'\n",
@@ -125,12 +128,16 @@ int main(int argc, char** argv) {
                 bad.empty() ? "clean" : "FAILED", seconds, fig.accepted,
                 fig.delivered);
     std::fflush(stdout);
+    auto keep = [&](const std::string& dir) {
+      ::CreateDirectoryA(dir.c_str(), nullptr);
+      std::ofstream(dir + "\\" + name + ".scn", std::ios::binary) << text;
+      std::ofstream(dir + "\\" + name + ".binding.jsonl", std::ios::binary)
+          << transcript;
+    };
+    if (!keep_dir.empty()) keep(keep_dir);
     if (bad.empty()) continue;
     ++failed;
-    ::CreateDirectoryA(fail_dir.c_str(), nullptr);
-    std::ofstream(fail_dir + "\\" + name + ".scn", std::ios::binary) << text;
-    std::ofstream(fail_dir + "\\" + name + ".binding.jsonl", std::ios::binary)
-        << transcript;
+    keep(fail_dir);
     for (std::size_t k = 0; k < bad.size() && k < 5; ++k)
       std::printf("  %s\n", bad[k].c_str());
   }
