@@ -18,6 +18,8 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 // second would take a tenth of a core while nothing happens.
 constexpr double kTimerTick = 0.055;
 constexpr UINT_PTR kWakeTimer = 1;
+// The shortest time between two wakes by windows changing.
+constexpr double kMinChangeWake = 0.01;
 // The host whose waits the window hook wakes (the thread's one).
 thread_local Win32Host* g_watching = nullptr;
 const wchar_t kWakeClass[] = L"QuorvexHostWake";
@@ -258,10 +260,22 @@ void Win32Host::DoEvents(double wake_by) {
   ++depth_;
   bool any = PumpMessages();
   any |= RunDue();
-  // A window that changed wakes the wait at once: it polls again.
-  any |= std::exchange(windows_changed_, false);
+  // A window that changed wakes the wait: it polls again, at once but not
+  // more often than every 10 ms (another program making windows all the
+  // time must not turn the wait into a spin).
+  double until = NextDue();
+  if (windows_changed_) {
+    const double now = Clock();
+    if (now - last_change_wake_ >= kMinChangeWake) {
+      windows_changed_ = false;
+      last_change_wake_ = now;
+      any = true;
+    } else {
+      until = std::min(until, last_change_wake_ + kMinChangeWake);
+    }
+  }
   if (!any && wake_by > 0 && !quit_) {
-    const double until = std::min(wake_by, NextDue());
+    until = std::min(wake_by, until);
     const double wait_ms = WallMsUntil(until);
     if (wait_ms > 0) {
       ::MsgWaitForMultipleObjectsEx(

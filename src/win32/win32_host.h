@@ -52,6 +52,8 @@ class Win32Host : public Host {
   // the making of windows, which is the only event it raises). False,
   // and the 10 ms poll kept, when the platform takes no such hook.
   bool WakeOnWindowChanges(double fallback_seconds);
+  // A fallback poll that keeps a slow client cheap (see qv_win32_cpu).
+  static constexpr double kClientWatchPoll = 0.1;
   double PollSeconds() const override { return poll_seconds_; }
 
   // The message loop of a program: runs until Quit() or WM_QUIT, sleeping
@@ -100,6 +102,7 @@ class Win32Host : public Host {
   void* window_hook_ = nullptr;  // HWINEVENTHOOK
   // A window of another program changed since the loop last slept.
   bool windows_changed_ = false;
+  double last_change_wake_ = -1;
   static void __stdcall OnWindowEvent(void* hook, unsigned long event,
                                       void* hwnd, long object, long child,
                                       unsigned long thread, unsigned long time);
