@@ -138,6 +138,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     SetKnob(&staged.knobs(), name, value);
 
   win32::Win32Host host(o.speed);
+  if (o.watch > 0) host.WakeOnWindowChanges(o.watch);
   win32::Win32WindowApi api;
   win32::Win32Registry registry(kRegistryRoot);
   registry.DeleteApp(kApp);
@@ -169,9 +170,10 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // writes it (the soak's accounting matches a clear or a start to the
   // line's moment). `late` is how late the line under way came.
   double late = 0;
-  // A start of the program loads its settings and queue before anything
-  // else, in no time in the simulator: what it writes in its first
-  // (scenario) second is written at the start's moment.
+  // A start of the program loads its settings and queue and greets the
+  // room before anything else, in no time in the simulator: what it
+  // writes until it comes to its message loop is written at the start's
+  // moment (or for a minute of its clock at the most).
   double frozen_at = -1, frozen_until = 0;
   sim::Transcript transcript(
       program_out, sim::TranscriptFormat::kJsonl,
@@ -256,8 +258,11 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // Timed lines run from the message loop at their time, as a person's
   // actions do: inside whatever wait the program is in. Time 0 is the
   // main window's load.
-  bool start_again = false;
-  double start_at = 0;
+  // Thrown from a timed `start` line: the ended program is started again
+  // at once, out of whatever wait it was ending in, as in the simulator.
+  struct StartAgain {
+    double at;
+  };
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
   for (const sim::TimedLine& line : sc.timeline) {
@@ -290,10 +295,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
         program.app().Set(line.name, line.text);
       } else if (line.verb == "start") {
         // The user starts the program again once it has ended.
-        if (program.app().ended()) {
-          start_again = true;
-          start_at = line.at;
-        }
+        if (program.app().ended()) throw StartAgain{line.at};
       }
     });
   }
@@ -318,20 +320,18 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   try {
     for (bool again = true; again;) {
       again = false;
-      program.Run(false, [&] {
-        late = 0;
-        frozen_at = -1;
-        for (;;) {
-          if (std::exchange(start_again, false)) {
-            again = true;
-            // The start-up is written at the start's moment.
-            frozen_at = start_at;
-            frozen_until = host.Clock() + 1;
-            return;
-          }
-          host.DoEvents(end + 1);
-        }
-      });
+      try {
+        program.Run(false, [&] {
+          late = 0;
+          frozen_at = -1;
+          for (;;) host.DoEvents(end + 1);
+        });
+      } catch (const StartAgain& start) {
+        again = true;
+        // The start-up is written at the start's moment.
+        frozen_at = start.at;
+        frozen_until = host.Clock() + 60;
+      }
     }
   } catch (const PowerOff&) {
   }

@@ -17,12 +17,17 @@
 #include <string>
 
 #include "sim/scenario.h"
+#include "win32/win32_host.h"
 
 namespace quorvex::test {
 
 struct BindingOptions {
   // Both clocks run this many times the wall clock.
   double speed = 5;
+  // 0: waits poll the client every 10 ms, as quorvex.exe's do; more:
+  // they sleep until the client's windows change, polling every `watch`
+  // seconds of the program's clock for what changes without an event.
+  double watch = 0;
   // Called about twice a second of the wall clock with the scenario time,
   // the program's status strip and the client's events so far (for a
   // watch on a long run).

@@ -18,6 +18,8 @@
 //
 //   qv_win32_scenario.exe FILE.scn [--speed F (5)] [--settle S (20)]
 //                         [--transcript FILE (the binding's, written)]
+//                         [--watch S (waits woken by the client's windows
+//                         changing, polling every S s; 0: every 10 ms)]
 //
 // Both runs end S seconds after the last timed line (or where the file
 // ends them, if sooner); the clocks run F times the wall clock.
@@ -138,7 +140,7 @@ json Summary(const std::string& transcript, const std::string& user) {
           {"lists", lists}};
 }
 
-int Run(const std::string& path, double speed, double settle,
+int Run(const std::string& path, double speed, double settle, double watch,
         const std::string& transcript_file) {
   sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
@@ -151,6 +153,7 @@ int Run(const std::string& path, double speed, double settle,
   sim::RunScenario(sc, {}, simulated);
   test::BindingOptions options;
   options.speed = speed;
+  options.watch = watch;
   const std::string bound = test::RunThroughBinding(sc, options);
   if (!transcript_file.empty())
     std::ofstream(transcript_file, std::ios::binary) << bound;
@@ -176,22 +179,23 @@ int main(int argc, char** argv) {
   if (argc < 2) {
     std::fprintf(stderr,
                  "usage: qv_win32_scenario FILE.scn [--speed F] [--settle S] "
-                 "[--transcript FILE]\n");
+                 "[--transcript FILE] [--watch S]\n");
     return 2;
   }
-  double speed = 5, settle = 20;
+  double speed = 5, settle = 20, watch = 0;
   std::string transcript;
   for (int i = 2; i + 1 < argc; ++i) {
     const std::string arg = argv[i];
     if (arg == "--speed") speed = std::stod(argv[i + 1]);
     if (arg == "--settle") settle = std::stod(argv[i + 1]);
     if (arg == "--transcript") transcript = argv[i + 1];
+    if (arg == "--watch") watch = std::stod(argv[i + 1]);
   }
   // The build passes host paths; under Wine the host's root is drive Z:.
   std::string path = argv[1];
   if (!path.empty() && path[0] == '/') path = "Z:" + path;
   try {
-    return quorvex::Run(path, speed, settle, transcript);
+    return quorvex::Run(path, speed, settle, watch, transcript);
   } catch (const std::exception& e) {
     std::printf("error: %s\n", e.what());
     return 1;
