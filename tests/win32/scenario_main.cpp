@@ -16,13 +16,14 @@
 // Both summaries are printed; the exit code is 0 when they match, 1 when
 // they do not.
 //
-//   qv_win32_scenario.exe FILE.scn [--speed F (5)] [--settle S (20)]
+//   qv_win32_scenario.exe FILE.scn [--speed F (5)] [--settle S]
 //                         [--transcript FILE (the binding's, written)]
 //                         [--watch S (waits woken by the client's windows
 //                         changing, polling every S s; 0: every 10 ms)]
 //
-// Both runs end S seconds after the last timed line (or where the file
-// ends them, if sooner); the clocks run F times the wall clock.
+// Both runs end S seconds after the last timed line, past the file's end
+// if need be; without --settle, 20 s after it or where the file ends them
+// if sooner. The clocks run F times the wall clock.
 #include <windows.h>
 
 #include <algorithm>
@@ -145,9 +146,11 @@ int Run(const std::string& path, double speed, double settle, double watch,
   sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
   // scenario runs longer: the rest is the periodic lines, left out anyway.
+  // A settle given runs that long even past the file's end: the binding
+  // may need it to finish what the simulator finished in time.
   double last = 0;
   for (const sim::TimedLine& line : sc.timeline) last = std::max(last, line.at);
-  sc.run_until = std::min(sc.run_until, last + settle);
+  sc.run_until = settle > 0 ? last + settle : std::min(sc.run_until, last + 20);
 
   std::stringstream simulated;
   sim::RunScenario(sc, {}, simulated);
@@ -182,7 +185,7 @@ int main(int argc, char** argv) {
                  "[--transcript FILE] [--watch S]\n");
     return 2;
   }
-  double speed = 5, settle = 20, watch = 0;
+  double speed = 5, settle = 0, watch = 0;
   std::string transcript;
   for (int i = 2; i + 1 < argc; ++i) {
     const std::string arg = argv[i];
