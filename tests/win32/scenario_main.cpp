@@ -65,19 +65,22 @@ std::string Uncounted(std::string text) {
   return text.replace(from, to - from, "#");
 }
 
-// A mail line names the first of the people the forward went to, and who
-// asked before a mail was taken is a matter of timing (two requests for
-// one mail go out together when the second came before the first was
-// taken): the name before " mail <U>" is left out. What each person got
-// is compared through the mailboxes.
+// A mail, list or find line names the first of the people the mail went
+// to, and who asked before it was taken is a matter of timing (two
+// requests for one mail, or two finds of one word, go out together when
+// the second came before the first was taken): the name between "[" and
+// " mail <U>", " list <U>", " results for <U>" or " no results for <U>"
+// is left out. What each person got is compared through the mailboxes.
 std::string Ungrouped(const std::string& text) {
-  const std::size_t mail = text.find(" mail <U>");
-  if (mail == std::string::npos) return text;
-  std::size_t name = mail;
-  while (name > 0 &&
-         std::isalnum(static_cast<unsigned char>(text[name - 1])) != 0)
-    --name;
-  return text.substr(0, name) + "*" + text.substr(mail);
+  for (const char* marker :
+       {" mail <U>", " list <U>", " no results for <U>", " results for <U>"}) {
+    const std::size_t at = text.find(marker);
+    if (at == std::string::npos) continue;
+    const std::size_t open = text.rfind('[', at);
+    if (open == std::string::npos) return text;
+    return text.substr(0, open + 1) + "*" + text.substr(at);
+  }
+  return text;
 }
 
 // The requesters of a mail in the client's outgoing queue, "(a)(b)".
