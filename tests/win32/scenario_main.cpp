@@ -55,14 +55,18 @@ bool Periodic(const std::string& text) {
          text.find("</B> send <U>") != std::string::npos;
 }
 
-// A status answer counts what the person has pending when it is given,
-// which timing decides: the count is left out.
+// A status answer counts what the person and the room have pending when
+// it is given, which timing decides: the counts are left out.
 std::string Uncounted(std::string text) {
-  const std::size_t at = text.find(" you have <U>");
-  if (at == std::string::npos) return text;
-  const std::size_t from = at + 13, to = text.find("</U> pending", from);
-  if (to == std::string::npos) return text;
-  return text.replace(from, to - from, "#");
+  for (const auto& [head, tail] :
+       {std::pair<std::string, std::string>{" you have <U>", "</U> pending"},
+        {"there is <U>", "</U> total pending"}}) {
+    const std::size_t at = text.find(head);
+    if (at == std::string::npos) continue;
+    const std::size_t from = at + head.size(), to = text.find(tail, from);
+    if (to != std::string::npos) text.replace(from, to - from, "#");
+  }
+  return text;
 }
 
 // A mail, list or find line names the first of the people the mail went
