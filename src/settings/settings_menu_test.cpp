@@ -115,7 +115,9 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
   for (const Step& s : steps) {
     Click(s.menu, s.index, s.answer);
     EXPECT_EQ(menus.Caption(s.item), s.caption) << s.menu << " " << s.index;
-    if (s.checked) EXPECT_TRUE(menus.Checked(s.checked)) << s.checked;
+    if (s.checked) {
+      EXPECT_TRUE(menus.Checked(s.checked)) << s.checked;
+    }
   }
   // "if no pending" loses its mark to another preset, but stays on.
   EXPECT_FALSE(menus.Checked("mnuLSend(9)"));

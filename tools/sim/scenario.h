@@ -29,9 +29,9 @@ struct TimedLine {
   double at = 0;
   std::string
       verb;  // say, press, select, set, answer, signoff, join, leave, start
-  std::string name;  // speaker, control, list, person
-  std::string text;  // said text, answer, value; select: the item's text
-  int index = 0;     // press: preset item (0 none); select: item
+  std::string name{};  // speaker, control, list, person
+  std::string text{};  // said text, answer, value; select: the item's text
+  int index = 0;       // press: preset item (0 none); select: item
 };
 
 struct Scenario {
