@@ -17,6 +17,7 @@
 #include "desktop/main_window.h"
 #include "desktop/simulation.h"
 #include "server/machine_restart.h"
+#include "win32/tick_count.h"
 #include "win32/win32_host.h"
 #include "win32/win32_machine.h"
 #include "win32/win32_profile_file.h"
@@ -96,8 +97,8 @@ int RunOnClient() {
   win32::Win32Registry registry;
   win32::Win32ProfileFile profiles;
   win32::Win32Machine machine;
-  return RunProgram(host, {api, registry, profiles, machine, GetTickCount64()},
-                    nullptr);
+  return RunProgram(
+      host, {api, registry, profiles, machine, win32::TickCount64()}, nullptr);
 }
 
 }  // namespace
