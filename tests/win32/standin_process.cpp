@@ -19,6 +19,35 @@ std::string WindowsPath(std::string path) {
 
 }  // namespace
 
+// The watchdog thread: a callback of the system's calling convention (a
+// lambda has the C++ one, which differs in a 32-bit program).
+DWORD WINAPI StandInProcess::Watchdog(void* self) {
+  auto* p = static_cast<StandInProcess*>(self);
+  if (::WaitForSingleObject(p->done_, p->limit_ms_) == WAIT_TIMEOUT) {
+    std::fprintf(stderr,
+                 "[watchdog] the test is still running after %lu s: "
+                 "failed\n",
+                 static_cast<unsigned long>(p->limit_ms_ / 1000));
+    // Where it stands: the client as it sees itself, and the
+    // platform's boxes and menus as this process sees them.
+    std::fprintf(stderr, "[watchdog] the client: %s\n",
+                 p->State().dump().c_str());
+    for (HWND h = ::FindWindowA(nullptr, nullptr); h;
+         h = ::GetWindow(h, GW_HWNDNEXT)) {
+      char cls[64] = "";
+      ::GetClassNameA(h, cls, sizeof cls);
+      if (std::string(cls) == "#32770" || std::string(cls) == "#32768")
+        std::fprintf(stderr, "[watchdog] %s %s visible=%d\n", cls,
+                     ::GetWindow(h, GW_CHILD) ? "with controls" : "empty",
+                     ::IsWindowVisible(h) ? 1 : 0);
+    }
+    std::fflush(stderr);
+    ::TerminateProcess(p->process_, 1);
+    ::TerminateProcess(::GetCurrentProcess(), 1);
+  }
+  return 0;
+}
+
 StandInProcess::StandInProcess(const std::string& args, double limit_seconds)
     : limit_ms_(static_cast<DWORD>(limit_seconds * 1000)) {
   std::string command = "\"" + WindowsPath(QV_STANDIN_EXE) + "\" " + args;
@@ -34,35 +63,7 @@ StandInProcess::StandInProcess(const std::string& args, double limit_seconds)
   // The client's waits have no limit of their own; a test that would hang
   // fails here instead.
   done_ = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  watchdog_ = ::CreateThread(
-      nullptr, 0,
-      [](void* self) -> DWORD {
-        auto* p = static_cast<StandInProcess*>(self);
-        if (::WaitForSingleObject(p->done_, p->limit_ms_) == WAIT_TIMEOUT) {
-          std::fprintf(stderr,
-                       "[watchdog] the test is still running after %lu s: "
-                       "failed\n",
-                       static_cast<unsigned long>(p->limit_ms_ / 1000));
-          // Where it stands: the client as it sees itself, and the
-          // platform's boxes and menus as this process sees them.
-          std::fprintf(stderr, "[watchdog] the client: %s\n",
-                       p->State().dump().c_str());
-          for (HWND h = ::FindWindowA(nullptr, nullptr); h;
-               h = ::GetWindow(h, GW_HWNDNEXT)) {
-            char cls[64] = "";
-            ::GetClassNameA(h, cls, sizeof cls);
-            if (std::string(cls) == "#32770" || std::string(cls) == "#32768")
-              std::fprintf(stderr, "[watchdog] %s %s visible=%d\n", cls,
-                           ::GetWindow(h, GW_CHILD) ? "with controls" : "empty",
-                           ::IsWindowVisible(h) ? 1 : 0);
-          }
-          std::fflush(stderr);
-          ::TerminateProcess(p->process_, 1);
-          ::TerminateProcess(::GetCurrentProcess(), 1);
-        }
-        return 0;
-      },
-      this, 0, nullptr);
+  watchdog_ = ::CreateThread(nullptr, 0, Watchdog, this, 0, nullptr);
   for (int i = 0; i < 400 && !control_; ++i) {
     if (::WaitForSingleObject(process_, 50) == WAIT_OBJECT_0) break;
     control_ = ::FindWindowA("QuorvexStandInControl", nullptr);

@@ -28,6 +28,7 @@ class StandInProcess {
   nlohmann::json State();
 
  private:
+  static DWORD WINAPI Watchdog(void* self);
   HANDLE process_ = nullptr;
   HANDLE done_ = nullptr;  // set when the test ends within its limit
   HANDLE watchdog_ = nullptr;
