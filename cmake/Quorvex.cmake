@@ -57,6 +57,25 @@ function(qv_wine_fixture)
   set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
 endfunction()
 
+# qv_windows_resources(TARGET): the program's icon, version and application
+# manifest (src/desktop/resources), the version and the architecture filled
+# in, compiled into TARGET.
+function(qv_windows_resources target)
+  set(QV_RESOURCES ${CMAKE_SOURCE_DIR}/src/desktop/resources)
+  set(QV_MANIFEST ${CMAKE_BINARY_DIR}/resources/quorvex.manifest)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(QV_MANIFEST_ARCH amd64)
+  else()
+    set(QV_MANIFEST_ARCH x86)
+  endif()
+  configure_file(${QV_RESOURCES}/quorvex.manifest.in ${QV_MANIFEST} @ONLY)
+  configure_file(${QV_RESOURCES}/quorvex.rc.in
+    ${CMAKE_BINARY_DIR}/resources/quorvex.rc @ONLY)
+  # windres reads the icon and the manifest itself: rebuild when they change.
+  set_source_files_properties(${CMAKE_BINARY_DIR}/resources/quorvex.rc
+    PROPERTIES OBJECT_DEPENDS "${QV_RESOURCES}/quorvex.ico;${QV_MANIFEST}")
+endfunction()
+
 # qv_oldest_windows(PROGRAM TARGET...): PROGRAM and the libraries of it
 # that include the platform's headers start on the oldest Windows of the
 # build (QUORVEX_WINDOWS_VERSION, set by the toolchain: 5.1 Windows XP, 5.2

@@ -12,7 +12,9 @@ packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           # headless: wine32 runs the 32-bit build (Debian's Wine 8 runs
           # 32-bit programs only through it, not through WoW64)
           g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
-          wine wine64 wine32:i386)
+          wine wine64 wine32:i386
+          # the program's icon (scripts/draw-icon.sh): ImageMagick
+          imagemagick)
 
 sudo=""
 [[ $(id -u) != 0 ]] && sudo=sudo
