@@ -43,17 +43,19 @@ void Window::CreateTopLevel(const wchar_t* class_name,
                             const std::string& caption, int x, int y, int w,
                             int h) {
   subs_.Clear();
+  // The place is on the screen, in its pixels; the size grows with it.
   CreateWindowExW(WS_EX_TOPMOST, class_name, Wide(caption).c_str(),
                   WS_POPUP | WS_CLIPCHILDREN | WS_MINIMIZEBOX | WS_SYSMENU, x,
-                  y, w, h, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+                  y, Scaled(w), Scaled(h), nullptr, nullptr,
+                  GetModuleHandleW(nullptr), this);
 }
 
 HWND Window::Child(const wchar_t* class_name, const std::string& text,
                    DWORD style, int x, int y, int w, int h, int id,
                    DWORD ex_style) {
   HWND c = CreateWindowExW(ex_style, class_name, Wide(text).c_str(),
-                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, x,
-                           y, w, h, hwnd_,
+                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style,
+                           Scaled(x), Scaled(y), Scaled(w), Scaled(h), hwnd_,
                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                            GetModuleHandleW(nullptr), nullptr);
   SendMessageW(c, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);

@@ -136,7 +136,7 @@ TEST_F(ResourcesTest, TheIconComesAtEverySizeWindowsAsksFor) {
   if (small) ::DestroyIcon(small);
 }
 
-TEST_F(ResourcesTest, TheManifestAsksForNoRightsAndNamesTheWindowsVersions) {
+TEST_F(ResourcesTest, TheManifestAsksForNoRightsAndScalesWithTheScreen) {
   const std::string manifest = Resource(MAKEINTRESOURCEW(24), 1);
   ASSERT_FALSE(manifest.empty());
   auto has = [&manifest](const std::string& part) {
@@ -154,6 +154,7 @@ TEST_F(ResourcesTest, TheManifestAsksForNoRightsAndNamesTheWindowsVersions) {
                          "{1f676c76-80e1-4239-95bb-83d0f6d0da78}",   // 8.1
                          "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}"})  // 10, 11
     EXPECT_TRUE(has(std::string("<supportedOS Id=\"") + os + "\"/>")) << os;
+  EXPECT_TRUE(has(">true</dpiAware>"));
 
   // The system's own reader takes it: a manifest it refuses stops the
   // program before it runs ("side-by-side configuration is incorrect").
