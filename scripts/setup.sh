@@ -14,7 +14,9 @@ packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
           wine wine64 wine32:i386
           # the program's icon (scripts/draw-icon.sh): ImageMagick
-          imagemagick)
+          imagemagick
+          # the release: the installer, the zip file
+          nsis zip unzip)
 
 sudo=""
 [[ $(id -u) != 0 ]] && sudo=sudo
