@@ -16,7 +16,10 @@ packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           # the program's icon (scripts/draw-icon.sh): ImageMagick
           imagemagick
           # the release: the installer, the zip file
-          nsis zip unzip)
+          nsis zip unzip
+          # the screenshots: a virtual display, a window manager with a
+          # task bar (scripts/screenshots.sh)
+          xvfb icewm)
 
 sudo=""
 [[ $(id -u) != 0 ]] && sudo=sudo
