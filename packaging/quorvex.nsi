@@ -20,6 +20,7 @@ SetCompressor /SOLID lzma
 !include "LogicLib.nsh"
 !include "FileFunc.nsh"
 !include "x64.nsh"
+!include "Sections.nsh"
 
 !ifndef VERSION
   !error "VERSION is not set (-DVERSION=...)"
@@ -82,30 +83,41 @@ VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
+; The build for this Windows, each in a section of its own: the one not
+; installed is unselected, and the space asked for is the other's.
+!ifdef EXE64
+  Section "-64-bit program" program64
+    SetOutPath "$INSTDIR"
+    File "/oname=quorvex.exe" "${EXE64}"
+  SectionEnd
+!endif
+!ifdef EXE32
+  Section "-32-bit program" program32
+    SetOutPath "$INSTDIR"
+    File "/oname=quorvex.exe" "${EXE32}"
+  SectionEnd
+!endif
+
 Function .onInit
   SetShellVarContext current
-  !ifndef EXE32
-    ${IfNot} ${RunningX64}
-      MessageBox MB_OK|MB_ICONSTOP "This installer holds the 64-bit program only; this Windows is 32-bit." /SD IDOK
-      Abort
-    ${EndIf}
-  !endif
+  ${If} ${RunningX64}
+    !ifdef EXE64 & EXE32
+      !insertmacro UnselectSection ${program32}
+    !endif
+  ${Else}
+    !ifdef EXE64
+      !ifdef EXE32
+        !insertmacro UnselectSection ${program64}
+      !else
+        MessageBox MB_OK|MB_ICONSTOP "This installer holds the 64-bit program only; this Windows is 32-bit." /SD IDOK
+        Abort
+      !endif
+    !endif
+  ${EndIf}
 FunctionEnd
 
-Section "Quorvex"
+Section "-Quorvex"
   SetOutPath "$INSTDIR"
-  ; The build for this Windows.
-  !ifdef EXE64 & EXE32
-    ${If} ${RunningX64}
-      File "/oname=quorvex.exe" "${EXE64}"
-    ${Else}
-      File "/oname=quorvex.exe" "${EXE32}"
-    ${EndIf}
-  !else ifdef EXE64
-    File "/oname=quorvex.exe" "${EXE64}"
-  !else
-    File "/oname=quorvex.exe" "${EXE32}"
-  !endif
   File "/oname=README.txt" "${README}"
   WriteUninstaller "$INSTDIR\Uninstall.exe"
 
