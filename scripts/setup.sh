@@ -41,7 +41,10 @@ done
 
 if ((${#missing[@]})) || [[ -n $new_arch ]]; then
   echo "setup: installing ${missing[*]}"
-  $sudo apt-get update -qq
+  # A mirror caught mid-sync fails one list and serves the others: the
+  # install is tried with the lists there are, and says what it lacks.
+  $sudo apt-get update -qq ||
+    echo "setup: apt-get update reported errors; trying the install anyway" >&2
   $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
     --no-install-recommends "${missing[@]}"
 fi
