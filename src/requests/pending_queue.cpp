@@ -223,7 +223,7 @@ TakenGroup PendingQueue::TakeNextFind(Label& lblPending) {
 }
 
 void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
-  ReplyQueue.Add(ReplyOrder::Make(sn, "mailbox"));
+  QueueReply(ReplyQueue, sn, "mailbox");
   auto it = by_dash_name_.find(sn);
   if (it == by_dash_name_.end()) return;
 

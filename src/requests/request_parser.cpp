@@ -46,7 +46,7 @@ bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
   entry += item;
   if (!ctx.pending.Has(entry)) return false;
   if (ctx.frmBanning.chkDupReqs.value == 1)
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "duplication"));
+    QueueReply(ctx.ReplyQueue, sn, "duplication");
   return true;
 }
 
@@ -64,7 +64,7 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   // The span is y - x, one less than the mails asked for.
   if (ctx.frmBanning.chkPending.value == 1 &&
       y - x + pending > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
+    QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
   if (!(y > x)) return End::kRefresh;
@@ -84,9 +84,9 @@ End WordRequest(RequestContext& ctx, const std::string& sn,
     if (CheckDuplicate(ctx, sn, "-", "list")) return End::kSilent;
     ctx.pending.Append(PendingLine::List(sn));
   } else if (StartsWith(rest, "than") && ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
+    QueueReply(ctx.ReplyQueue, sn, "thankyou");
   } else if (rest == "status" && ctx.settings.ScrollStatus) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "status"));
+    QueueReply(ctx.ReplyQueue, sn, "status");
   }
   return End::kRefresh;
 }
@@ -99,7 +99,7 @@ End SingleRequest(RequestContext& ctx, const std::string& sn,
   double n = Val(Trim(rest));
   if (ctx.frmBanning.chkPending.value == 1 &&
       pending + 1 > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
+    QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
   if (n > 0 && n <= ctx.lstMails.Count()) {
@@ -163,7 +163,7 @@ void HandleChatLine(RequestContext& ctx, std::string_view speaker,
     end = SendRequest(ctx, sn, msg, send_key.size());
   } else if (StartsWith(after_slash, thank_key) &&
              ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
+    QueueReply(ctx.ReplyQueue, sn, "thankyou");
   } else if (StartsWith(after_slash, find_key) && ctx.settings.FindsEnable) {
     end = FindRequest(ctx, sn, msg, find_key.size());
   }
