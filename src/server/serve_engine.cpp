@@ -1,5 +1,6 @@
 #include "server/serve_engine.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "client/client_tree.h"
@@ -23,6 +24,12 @@ constexpr float kAfterReply = 0.45f;
 // an overflow error after nine hours without a list or an advertisement.
 // They stay at the largest value instead.
 constexpr int kSecondsMax = 32767;
+
+// The orders one tick answers, first in line first. Each costs a second
+// or more in the room, so a room of people each holding an order (one of
+// each kind at most) would otherwise hold every mail back by as many
+// seconds as there are orders; one a tick lets a forward follow each.
+constexpr int kRepliesPerTick = 1;
 
 int NextSecond(int seconds) {
   return seconds >= kSecondsMax ? kSecondsMax : seconds + 1;
@@ -181,8 +188,9 @@ void ServeEngine::Timer1_Timer() {
 }
 
 void ServeEngine::ReplyPhase() {
-  // Replies queued while this phase runs wait for the next tick.
-  const int n = ctx_.ReplyQueue.Count();
+  // Replies queued while this phase runs wait for the next tick, and so do
+  // those beyond this tick's share.
+  const int n = std::min(ctx_.ReplyQueue.Count(), kRepliesPerTick);
   for (int i = 0; i < n && !ctx_.ended; ++i) {
     if (ctx_.ReplyQueue.Empty()) break;
     const std::string entry = ctx_.ReplyQueue.Item(0);
