@@ -39,6 +39,12 @@ void ForEachInRange(double x, double y, double last,
   }
 }
 
+int RequestableMails(const RequestContext& ctx) {
+  if (ctx.mails_while_reading && *ctx.mails_while_reading >= 0)
+    return *ctx.mails_while_reading;
+  return ctx.lstMails.Count();
+}
+
 bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
                     std::string_view separator, std::string_view item) {
   std::string entry = sn;
@@ -70,7 +76,7 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   if (!(y > x)) return End::kRefresh;
   if (ctx.settings.BlockMax > 0 && y - x > ctx.settings.BlockMax)
     return End::kSilent;
-  ForEachInRange(x, y, ctx.lstMails.Count(), [&](double i) {
+  ForEachInRange(x, y, RequestableMails(ctx), [&](double i) {
     std::string number = NumberText(i);
     if (!CheckDuplicate(ctx, sn, "-", number))
       ctx.pending.Append(PendingLine::Mail(sn, number));
@@ -102,7 +108,7 @@ End SingleRequest(RequestContext& ctx, const std::string& sn,
     QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
-  if (n > 0 && n <= ctx.lstMails.Count()) {
+  if (n > 0 && n <= RequestableMails(ctx)) {
     std::string number = NumberText(n);
     if (!CheckDuplicate(ctx, sn, "-", number))
       ctx.pending.Append(PendingLine::Mail(sn, number));

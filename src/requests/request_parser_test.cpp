@@ -108,6 +108,24 @@ TEST_F(RequestParserTest, RepeatsWaitOncePerPersonAndKind) {
   EXPECT_EQ(ReplyQueue.Count(), 7);
 }
 
+TEST_F(RequestParserTest, WhileTheMailboxIsReadTheCountBeforeHolds) {
+  // The start emptied lstMails and has read two titles of ten so far.
+  int before = 10;
+  ctx.mails_while_reading = &before;
+  lstMails.Clear();
+  lstMails.Add("mail 1");
+  lstMails.Add("mail 2");
+  Say("bob", "/srv send 10");
+  Say("bob", "/srv send 11");
+  Say("amy", "/srv send 9-12");
+  EXPECT_EQ(Pending(), (Lines{"bob-10", "amy-9", "amy-10"}));
+  // Once read, the list itself counts again.
+  before = -1;
+  Say("joe", "/srv send 3");
+  Say("joe", "/srv send 2");
+  EXPECT_EQ(Pending().back(), "joe-2");
+}
+
 TEST_F(RequestParserTest, Ranges) {
   Say("bob", "/srv send 4-4");
   Say("bob", "/srv send 7-3");
