@@ -188,6 +188,11 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
 // Thrown from a timed "start" line to start the ended program again.
 struct UserStartsProgram {};
 
+// Thrown from the press that ends the program (lblExit), once its exit is
+// done: whatever tick or wait it was pressed in ends there, as the desktop
+// program's process ends where it stands; nothing more is typed or sent.
+struct ProgramExited {};
+
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
 void WriteProgramFile(const FolderMachine& machine) {
@@ -384,7 +389,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        program.app().Press(line.name, line.index);
+        QuorvexApp& app = program.app();
+        const bool running = !app.ended();
+        app.Press(line.name, line.index);
+        if (running && app.ended()) throw ProgramExited{};
       } else if (line.verb == "select") {
         if (line.text.empty())
           program.app().Select(line.name, line.index);
@@ -404,10 +412,25 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   try {
     // Time 0 is the main window's load: the splash's second is not run,
     // nor when the user starts the program again.
+    // The room goes on after the program has exited, until the user
+    // starts it again or the run ends.
+    auto run_on = [&host, &sc] {
+      for (;;) {
+        try {
+          host.RunUntil(sc.run_until);
+          return;
+        } catch (const ProgramExited&) {
+        }
+      }
+    };
     for (bool again = true; again;) {
       again = false;
       try {
-        program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+        try {
+          program.Run(false, run_on);
+        } catch (const ProgramExited&) {
+          run_on();  // it exited while it was starting
+        }
       } catch (const UserStartsProgram&) {
         again = true;
       }
