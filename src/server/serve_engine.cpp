@@ -163,6 +163,10 @@ void ServeEngine::Stop() {
   ctx_.status.Draw("status: stopping server");
   Announce({"quorvex mail server <B><U>off</B></U>"});
   Say(c_, ctx_.ended, "please stop requesting");
+  // Started again while the farewell was said: that start has turned the
+  // timers on and prepared the client, and the stop must not undo it
+  // (the server would stay on with its timers off, serving nobody).
+  if (ctx_.ServerOn) return;
   SetTimers(false);
   if (ctx_.ended) return;
   if (ctx_.settings.MailResize) ForgetMailWindowSizes(c_);

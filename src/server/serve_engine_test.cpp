@@ -101,6 +101,21 @@ TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   EXPECT_TRUE(sim.ims_on());
 }
 
+TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
+  StartServing();
+  engine.cmdStart_Click();  // stop: the next tick says goodbye
+  // Started again while the goodbye is said: the server is on and ticks.
+  host.Schedule(0.3, [&] { engine.cmdStart_Click(); });
+  Run(20);
+  EXPECT_TRUE(frm.ServerOn);
+  EXPECT_EQ(frm.cmdStart.caption(), "&stop");
+  EXPECT_TRUE(TimersOn());
+  EXPECT_FALSE(sim.ims_on());
+  const size_t before = log.size();
+  Run(5);
+  EXPECT_GT(log.size(), before);  // the jobs of later ticks
+}
+
 TEST_F(ServeEngineTest, TickOrderAndIntervals) {
   frm.settings.BotScroll = 2;
   frm.settings.ListAdvertise = 3;
