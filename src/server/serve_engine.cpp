@@ -155,6 +155,8 @@ void ServeEngine::Resume() {
 void ServeEngine::PauseServer() {
   ctx_.status.Draw("status: pausing server");
   Announce({"quorvex mail server <B><U>paused</B></U>"});
+  // Unpaused while that was said: the resume has turned the timers on.
+  if (!ctx_.ServerPaused) return;
   SetTimers(false);
   ctx_.status.Draw("status: paused");
 }

@@ -116,6 +116,16 @@ TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
   EXPECT_GT(log.size(), before);  // the jobs of later ticks
 }
 
+TEST_F(ServeEngineTest, AResumeDuringThePauseKeepsServing) {
+  StartServing();
+  engine.cmdPause_Click();  // the next tick pauses
+  host.Schedule(0.3, [&] { engine.cmdPause_Click(); });
+  Run(20);
+  EXPECT_FALSE(frm.ServerPaused);
+  EXPECT_EQ(frm.cmdPause.caption(), "&pause");
+  EXPECT_TRUE(TimersOn());
+}
+
 TEST_F(ServeEngineTest, TickOrderAndIntervals) {
   frm.settings.BotScroll = 2;
   frm.settings.ListAdvertise = 3;
