@@ -252,11 +252,17 @@ void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
   RemoveIds(drop);
 }
 
+std::uint64_t PendingQueue::IdsBelowFuture() const {
+  return lstPending_.Empty() ? 0
+                             : lstPending_.IdAt(lstPending_.Count() - 1) + 1;
+}
+
 std::optional<std::string> PendingQueue::TakeFirstMailFor(
-    const std::string& number) {
+    const std::string& number, std::uint64_t below) {
   auto it = mail_by_wanted_.find(number);
   if (it == mail_by_wanted_.end() || it->second.empty()) return std::nullopt;
   const std::uint64_t id = it->second.front();
+  if (id >= below) return std::nullopt;
   std::string sn(
       PendingLine::Requester(lstPending_.Item(lstPending_.IndexOfId(id)), '-'));
   lstPending_.RemoveId(id);
