@@ -482,10 +482,18 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         if (!handed_since && r.at > taken && r.at - taken <= kForwardSeconds)
           ending = "cut short by a start";
     }
-    if (!ending && last_taken.count(entry) &&
-        stopped_within(last_taken[entry], 60)) {
-      ending = "in flight at a stop";
-      fig->in_flight += asked_n - got - left;
+    // Taken shortly before the program stopped (any of its takes: an exit
+    // ends the forward under way there), and not handed over since.
+    if (!ending && removed_at.count(entry)) {
+      for (double taken : removed_at.at(entry)) {
+        bool handed_since = false;
+        if (handed.count(entry))
+          for (double h : handed.at(entry))
+            if (h >= taken && h - taken <= 60) handed_since = true;
+        if (!handed_since && stopped_within(taken, 60))
+          ending = "in flight at a stop";
+      }
+      if (ending) fig->in_flight += asked_n - got - left;
     }
     if (ending) {
       fig->excused += asked_n - got - left;
