@@ -182,12 +182,54 @@ TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
   EXPECT_EQ(Mail(), "(bob)");
   EXPECT_EQ(Mail(), "");
 
-  // A count far beyond any queue stays bounded.
+  // A damaged count loads the lines that are there: nothing is added
+  // behind the last key present, and the label counts what was loaded.
+  q.list().Clear();
+  profiles.WriteString(path, "Quorvex", "TotalPending", "2000000000");
+  profiles.WriteString(path, "Quorvex", "Pending 0", "bob-3");
+  q.Load(file, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"bob-3"}));
+  EXPECT_EQ(label.caption(), "pending: 1");
+  q.Append("amy-4");  // a later request is served
+  EXPECT_EQ(Mail(), "(bob)");
+  EXPECT_EQ(Mail(), "(amy)");
+}
+
+TEST_F(PendingQueueTest, LoadStopsAtTheCountOrTheLastKeyPresent) {
+  // Keys 0 to 4 present; the count and the keys decide, whichever ends
+  // first; a fraction rounds the loop's bound half to even.
+  const std::vector<std::pair<std::string, size_t>> cases = {
+      {"0", 0}, {"1", 1}, {"4", 4}, {"5", 5}, {"6", 5}, {"2.5", 3}, {"-3", 0}};
+  for (const auto& [total, want] : cases) {
+    q.list().Clear();
+    profiles.WriteString(path, "Quorvex", "TotalPending", total);
+    for (int i = 0; i < 5; ++i)
+      profiles.WriteString(path, "Quorvex", "Pending " + std::to_string(i),
+                           "p-" + std::to_string(i));
+    q.Load(file, label);
+    EXPECT_EQ(q.list().Count(), want) << total;
+    EXPECT_EQ(label.caption(), "pending: " + std::to_string(want)) << total;
+  }
+  // Only keys written as the save writes them count; a gap within the
+  // count is a blank line up to the last present key.
+  q.list().Clear();
+  profiles.WriteString(path, "Quorvex", "TotalPending", "10");
+  profiles.WriteString(path, "Quorvex", "Pending 1", "a-1");
+  profiles.WriteString(path, "Quorvex", "Pending 3", "b-1");
+  profiles.WriteString(path, "Quorvex", "Pending 07", "c-1");
+  profiles.WriteString(path, "Quorvex", "Pending 10", "d-1");
+  q.Load(file, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"", "a-1", "", "b-1"}));
+
+  // However far the keys go, a million lines at the most.
   q.list().Clear();
   profiles.WriteString(path, "Quorvex", "TotalPending", "1e12");
+  profiles.WriteString(path, "Quorvex", "Pending 999999", "last-1");
+  profiles.WriteString(path, "Quorvex", "Pending 1000000", "beyond-1");
   q.Load(file, label);
   EXPECT_EQ(q.Count(), 1000000);
-  EXPECT_EQ(label.caption(), "pending: 1e12");
+  EXPECT_EQ(q.list().Item(999999), "last-1");
+  EXPECT_EQ(label.caption(), "pending: 1000000");
 }
 
 TEST_F(PendingQueueTest, CountersReadTheStoredTotalAndSaturate) {

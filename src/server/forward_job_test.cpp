@@ -124,6 +124,24 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
   }
 }
 
+TEST_F(ForwardJobTest, ADeadMailsWalkEndsThoughPeopleKeepAskingForIt) {
+  sim.SetDeadMail(4);
+  Launch(6);
+  Queue({"bob-4"});
+  // pat asks for mail 4 again whenever it is not pending, for two minutes.
+  std::function<void()> ask = [&] {
+    if (!frm.pending.Has("pat-4")) frm.pending.Append("pat-4");
+    if (host.Elapsed() < 120) host.Schedule(0.25, ask);
+  };
+  host.Schedule(0.25, ask);
+  RunMailJob(MailJobs(), c, scratch);
+  // The step ends after telling those queued when the walk began; pat's
+  // later request waits for the next tick.
+  EXPECT_LT(host.Elapsed(), 60);
+  EXPECT_LE(Said().size(), 3u);
+  EXPECT_EQ(Pending(), Lines{"pat-4"});
+}
+
 TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
   sim.SetFullMailbox("bob");
   Launch(8);

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "ports/profile_section.h"
 #include "server/serve_engine.h"
 #include "testing/server_test_fixture.h"
 
@@ -69,6 +70,21 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
   SaveRestartState(Restart());
   EXPECT_EQ(State("TotalPending"), "1");
   EXPECT_EQ(State("Pending 2"), "joe~cats & dogs");
+}
+
+TEST_F(MachineRestartTest, DamagedStateLoadsWhatIsThere) {
+  PutState("ChatName", "Lobby" + std::string(100000, 'x'));
+  PutState("TotalPending", "2000000000");
+  PutState("TotalBanned", "2000000000");
+  PutState("Pending 0", "bob-3");
+  PutState("Banned 1", "pest");
+  LoadRestartState(Restart());
+  EXPECT_EQ(frm.room_name.size(), kProfileValueChars);
+  EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-3"));
+  EXPECT_EQ(frm.lblPending.caption(), "pending: 1");
+  // A gap is a blank name, as it always was; nothing behind the last.
+  EXPECT_THAT(frm.lstBanned.Items(), ElementsAre("", "pest"));
+  EXPECT_EQ(frm.lblBanned.caption(), "banned: 2");
 }
 
 TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {

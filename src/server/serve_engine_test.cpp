@@ -1,5 +1,6 @@
 #include "server/serve_engine.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,31 @@ TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   EXPECT_TRUE(sim.ims_on());
 }
 
+TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
+  StartServing();
+  engine.cmdStart_Click();  // stop: the next tick says goodbye
+  // Started again while the goodbye is said: the server is on and ticks.
+  host.Schedule(0.3, [&] { engine.cmdStart_Click(); });
+  Run(20);
+  EXPECT_TRUE(frm.ServerOn);
+  EXPECT_EQ(frm.cmdStart.caption(), "&stop");
+  EXPECT_TRUE(TimersOn());
+  EXPECT_FALSE(sim.ims_on());
+  const size_t before = log.size();
+  Run(5);
+  EXPECT_GT(log.size(), before);  // the jobs of later ticks
+}
+
+TEST_F(ServeEngineTest, AResumeDuringThePauseKeepsServing) {
+  StartServing();
+  engine.cmdPause_Click();  // the next tick pauses
+  host.Schedule(0.3, [&] { engine.cmdPause_Click(); });
+  Run(20);
+  EXPECT_FALSE(frm.ServerPaused);
+  EXPECT_EQ(frm.cmdPause.caption(), "&pause");
+  EXPECT_TRUE(TimersOn());
+}
+
 TEST_F(ServeEngineTest, TickOrderAndIntervals) {
   frm.settings.BotScroll = 2;
   frm.settings.ListAdvertise = 3;
@@ -137,14 +163,17 @@ TEST_F(ServeEngineTest, SecondClockSweepsAndCounts) {
   EXPECT_EQ(frm.ScrollSeconds, 32767);
 }
 
-TEST_F(ServeEngineTest, ReplyPhaseAnswersWhatWasQueuedWhenItBegan) {
+TEST_F(ServeEngineTest, ReplyPhaseAnswersTheFirstOrderEachTick) {
   StartServing();
   frm.frmBanning.cmbMistakes.text = "3";
   for (const char* entry : {"nodash", "bob-pending", "amy-duplication",
                             "send-hi - all", "joe-mailbox", "ann-whatever"})
     frm.ReplyQueue.Add(entry);
+  // One order a tick, in order, each tick's jobs after it; an order
+  // without a dash goes without a line, and orders queued meanwhile wait
+  // behind the others.
   host.Schedule(0.1, [&] { frm.ReplyQueue.Add("late-pending"); });
-  Tick();
+  for (int tick = 0; tick < 6; ++tick) Tick();
   EXPECT_THAT(SaidSince(said_at_start),
               ElementsAre("(bob) you have to many pending",
                           "(amy) you made a duplication error", "hi - all",
@@ -152,13 +181,19 @@ TEST_F(ServeEngineTest, ReplyPhaseAnswersWhatWasQueuedWhenItBegan) {
                           "(joe) you now have <U>2</U> mistakes left"));
   EXPECT_THAT(frm.ReplyQueue.Items(), ElementsAre("late-pending"));
   EXPECT_THAT(frm.MistakeList.Items(), ElementsAre("joe-1"));
+  EXPECT_EQ(std::count(log.begin(), log.end(), std::string("mail")), 6);
+  Tick();
+  EXPECT_EQ(SaidSince(said_at_start).back(), "(late) you have to many pending");
+  EXPECT_TRUE(frm.ReplyQueue.Empty());
 
-  // An empty entry ends the phase and stays.
+  // An empty entry ends the phase and stays, holding up what follows.
   frm.ReplyQueue.Add("");
+  frm.ReplyQueue.Add("zed-pending");
   const size_t before = Said().size();
   Tick();
-  EXPECT_EQ(Said().size(), before + 1);
-  EXPECT_EQ(frm.ReplyQueue.Count(), 1);
+  Tick();
+  EXPECT_EQ(Said().size(), before);
+  EXPECT_EQ(frm.ReplyQueue.Count(), 2);
 }
 
 TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {

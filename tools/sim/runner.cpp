@@ -3,10 +3,12 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <random>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "app/program.h"
 #include "app/quorvex_app.h"
@@ -114,6 +116,19 @@ void WatchForm(Form& form, Transcript& t, bool open_events) {
   });
 }
 
+// An object from a map's unique keys in one pass: ordered_json's
+// operator[] looks each new key up from the first, which made the dump of
+// a big section quadratic.
+template <typename Map, typename ToJson>
+ordered_json ObjectOf(const Map& map, ToJson to_json) {
+  ordered_json::object_t object;
+  object.reserve(map.size());
+  for (const auto& [key, value] : map) object.push_back({key, to_json(value)});
+  return object;
+}
+
+ordered_json Text(const std::string& value) { return value; }
+
 ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
@@ -131,32 +146,26 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
     if (e.checked) checked.push_back(name);
     if (!e.enabled) disabled.push_back(name);
   }
-  ordered_json reg = ordered_json::object();
-  for (const auto& [section, keys] : registry.Dump(kApp)) {
-    ordered_json s = ordered_json::object();
-    for (const auto& [k, v] : keys) s[k] = v;
-    reg[section] = s;
-  }
+  auto keys_of = [](const auto& keys) {
+    ThrowIfInterrupted();
+    return ObjectOf(keys, Text);
+  };
+  ordered_json reg = ObjectOf(registry.Dump(kApp), keys_of);
   ordered_json files = ordered_json::object();
   for (const char* f : kProfileFiles) {
+    ThrowIfInterrupted();
     std::string path = ProfilePath(machine, f);
     if (!machine.FileExists(path)) continue;
-    ordered_json sections = ordered_json::object();
-    for (const auto& [section, keys] : profiles.Dump(machine.HostPath(path))) {
-      ordered_json s = ordered_json::object();
-      for (const auto& [k, v] : keys) s[k] = v;
-      sections[section] = s;
-    }
-    files[f] = sections;
+    files[f] = ObjectOf(profiles.Dump(machine.HostPath(path)), keys_of);
   }
-  ordered_json mailboxes = ordered_json::object();
-  for (const auto& [sn, mails] : client.Mailboxes()) {
-    ordered_json box = ordered_json::array();
-    for (const ReceivedMail& m : mails)
-      box.push_back(
-          {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
-    mailboxes[sn] = box;
-  }
+  ordered_json mailboxes =
+      ObjectOf(client.Mailboxes(), [](const std::vector<ReceivedMail>& mails) {
+        ordered_json box = ordered_json::array();
+        for (const ReceivedMail& m : mails)
+          box.push_back(
+              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+        return box;
+      });
   ordered_json state{{"lists", lists},
                      {"ReplyQueue", frm.ReplyQueue.Items()},
                      {"MistakeList", frm.MistakeList.Items()},
@@ -187,6 +196,11 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
 
 // Thrown from a timed "start" line to start the ended program again.
 struct UserStartsProgram {};
+
+// Thrown from the press that ends the program (lblExit), once its exit is
+// done: whatever tick or wait it was pressed in ends there, as the desktop
+// program's process ends where it stands; nothing more is typed or sent.
+struct ProgramExited {};
 
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
@@ -272,12 +286,22 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   FaultyMachine app_machine(machine, dice);
 
   // Set-up: stored values first, then the client as it stands at time 0.
+  // A signal ends the run between the steps as it does once time runs.
+  ThrowIfInterrupted();
   StageRegistry(sc, registry);
+  // Each profile file written once, its lines in order.
+  std::map<std::string, std::vector<ProfileEntry>> ini_lines;
   for (const SetupValue& v : sc.ini)
-    profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)),
-                         v.section, v.key, v.value);
+    ini_lines[v.file].push_back({v.section, v.key, v.value});
+  for (const auto& [file, entries] : ini_lines) {
+    ThrowIfInterrupted();
+    profiles.WriteEntries(machine.HostPath(ProfilePath(machine, file)),
+                          entries);
+  }
   InstallClient(machine, profiles, sc);
+  ThrowIfInterrupted();
   StageClient(sc, client);
+  ThrowIfInterrupted();
   client.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&client.knobs(), name, value);
@@ -384,7 +408,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        program.app().Press(line.name, line.index);
+        QuorvexApp& app = program.app();
+        const bool running = !app.ended();
+        app.Press(line.name, line.index);
+        if (running && app.ended()) throw ProgramExited{};
       } else if (line.verb == "select") {
         if (line.text.empty())
           program.app().Select(line.name, line.index);
@@ -404,10 +431,25 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   try {
     // Time 0 is the main window's load: the splash's second is not run,
     // nor when the user starts the program again.
+    // The room goes on after the program has exited, until the user
+    // starts it again or the run ends.
+    auto run_on = [&host, &sc] {
+      for (;;) {
+        try {
+          host.RunUntil(sc.run_until);
+          return;
+        } catch (const ProgramExited&) {
+        }
+      }
+    };
     for (bool again = true; again;) {
       again = false;
       try {
-        program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+        try {
+          program.Run(false, run_on);
+        } catch (const ProgramExited&) {
+          run_on();  // it exited while it was starting
+        }
       } catch (const UserStartsProgram&) {
         again = true;
       }
@@ -418,6 +460,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   ordered_json final_state =
       FinalState(program.app(), registry, profiles, machine, client);
   if (options.on_final) options.on_final(final_state);
+  ThrowIfInterrupted();
   transcript.Write("final", final_state);
   return transcript.events();
 }
