@@ -19,7 +19,10 @@ packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           nsis zip unzip
           # the screenshots: a virtual display, a window manager with a
           # task bar (scripts/screenshots.sh)
-          xvfb icewm)
+          xvfb icewm
+          # the test command compiles through it: a second run, or a
+          # fresh clone on the same machine, recompiles only what changed
+          ccache)
 
 sudo=""
 [[ $(id -u) != 0 ]] && sudo=sudo

@@ -10,6 +10,12 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
+# Compile through ccache, keyed on paths relative to the checkout, so a
+# fresh clone on a machine that built before reuses what it compiled.
+if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER:-} ]] && command -v ccache >/dev/null; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_BASEDIR=$PWD
+fi
+
 presets=("$@")
 ((${#presets[@]})) || presets=(default asan windows windows-i686)
 for preset in "${presets[@]}"; do
