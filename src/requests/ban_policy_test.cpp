@@ -30,6 +30,32 @@ TEST(BanningOptionsTest, BadStoredValuesLoadAsDefaults) {
   EXPECT_EQ(form.Mails(), 500);
 }
 
+TEST(BanningOptionsTest, StoredValuesAtTheEdgesOfTheirRanges) {
+  // A combo holds a 16-bit integer, a check box 0, 1 or 2; one past
+  // either end loads as the default (500 mails, full box checked).
+  const std::pair<const char*, const char*> mails[] = {{"32767", "32767"},
+                                                       {"32768", "500"},
+                                                       {"-32768", "-32768"},
+                                                       {"-32769", "500"},
+                                                       {"32767.4", "32767"}};
+  for (const auto& [stored, loaded] : mails) {
+    MemoryRegistry registry;
+    BanningForm form;
+    registry.Save(kApp, "Banning", "Mails", stored);
+    LoadBanning(registry, form);
+    EXPECT_EQ(form.cmbMails.text, loaded) << stored;
+  }
+  const std::pair<const char*, int> checks[] = {
+      {"-1", 1}, {"0", 0}, {"2", 2}, {"3", 1}};
+  for (const auto& [stored, loaded] : checks) {
+    MemoryRegistry registry;
+    BanningForm form;
+    registry.Save(kApp, "Banning", "FullBox", stored);
+    LoadBanning(registry, form);
+    EXPECT_EQ(form.chkFullBox.value, loaded) << stored;
+  }
+}
+
 class AddMistakeTest : public ::testing::Test {
  protected:
   BanningForm form;
