@@ -44,6 +44,10 @@ WORK = ROOT / "build" / "faults"
 TREE = WORK / "tree"
 BUILD = TREE / "build" / "default"
 RESULTS = WORK / "results.tsv"
+# Faults no test can catch, each with the reason: "FILE | the line's code |
+# the fault | why it cannot matter". A survivor listed there is reported
+# as explained, not as a test missing.
+EXPLAINED = ROOT / "scripts" / "plant-faults-equivalent.txt"
 # Left out of the tests run for a fault: the format check (a fault can make
 # a line longer; that is no test catching it), and two slow tests of code
 # outside the swept folders: the kill test (atomic saves under SIGKILL,
@@ -323,6 +327,14 @@ def faults_in(path, src):
                                         lit.start + len(lit.text), lit.text,
                                         new, what))
     faults.sort(key=lambda f: (f.line, f.start, f.new))
+    # The same fault twice on a line: say which one.
+    same = {}
+    for f in faults:
+        same.setdefault((f.line, f.what), []).append(f)
+    for group in same.values():
+        if len(group) > 1:
+            for n, f in enumerate(group, 1):
+                f.what += f" ({n} of {len(group)})"
     return faults
 
 
@@ -496,6 +508,8 @@ def main():
     ap.add_argument("--rev", help="test the sources as of this commit (the "
                     "faults are still found in the checkout's files, which "
                     "must not differ from it in the swept folders' code)")
+    ap.add_argument("--summary", action="store_true",
+                    help="only sum up build/faults/results.tsv")
     ap.add_argument("--restore", action="store_true",
                     help="only make the copy match the checkout again")
     args = ap.parse_args()
@@ -511,6 +525,8 @@ def main():
     if args.lines:
         lo, hi = (int(x) for x in args.lines.split("-"))
         faults = [f for f in faults if lo <= f.line <= hi]
+    if args.summary:
+        return summary(faults)
     if args.list:
         for f in faults:
             print(f"{f.path}:{f.line}: {f.what}")
@@ -577,20 +593,49 @@ def main():
     return summary(faults)
 
 
+def explained_faults():
+    known = {}
+    if EXPLAINED.exists():
+        for ln in EXPLAINED.read_text().splitlines():
+            if not ln.strip() or ln.startswith("#"):
+                continue
+            path, code, what, why = (c.strip() for c in ln.split(" | ", 3))
+            known[(path, code, what)] = why
+    return known
+
+
+def line_code(where):
+    path, line = where.rsplit(":", 1)
+    lines = (ROOT / path).read_text().splitlines()
+    return path, lines[int(line) - 1].strip()
+
+
 def summary(faults):
-    keys = {f.key for f in faults}
-    rows = [cols for k, cols in load_results().items() if k in keys]
+    by_key = {f.key: f for f in faults}
+    rows = [cols for k, cols in load_results().items() if k in by_key]
+    for cols in rows:  # named as the faults are named now
+        cols[3] = by_key[cols[0]].what
     counts = {}
     for cols in rows:
         counts[cols[1]] = counts.get(cols[1], 0) + 1
+    known = explained_faults()
+    survivors, explained = [], []
+    for cols in rows:
+        if cols[1] == "survived":
+            path, code = line_code(cols[2])
+            why = known.get((path, code, cols[3]))
+            (explained if why else survivors).append(cols)
     print()
     print(f"planted {len(rows)}: caught {counts.get('caught', 0)}, survived "
-          f"{counts.get('survived', 0)}, did not build {counts.get('no-build', 0)}")
-    survivors = [c for c in rows if c[1] == "survived"]
+          f"{counts.get('survived', 0)} ({len(explained)} of them explained in "
+          f"{EXPLAINED.relative_to(ROOT)}), did not build "
+          f"{counts.get('no-build', 0)}")
+    if faults and len(rows) < len(faults):
+        print(f"not planted yet: {len(faults) - len(rows)} (--resume goes on)")
     if survivors:
         print("\nnot caught by any test:")
         for cols in survivors:
-            print(f"  {cols[2]}: {cols[3]}")
+            print(f"  {cols[2]}: {cols[3]}    {line_code(cols[2])[1]}")
     nobuild = [c for c in rows if c[1] == "no-build"]
     if nobuild:
         print("\ndid not build (not a comparison after all?):")

@@ -100,6 +100,13 @@ TEST_F(PendingQueueTest, CountsFollowChangesMadeThroughTheListBox) {
   EXPECT_EQ(q.StatusOf("bob").first_position, 2);
   EXPECT_EQ(q.StatusOf("nobody").first_position, -1);
   EXPECT_EQ(q.StatusOf("b*").count, 3);  // a pattern
+  EXPECT_EQ(q.StatusOf("b*").first_position, 2);
+  // The first line of any name the pattern matches, the very first one
+  // included, whichever name the walk meets first.
+  q.list().Clear();
+  Queue({"al-1", "amy-2", "ann-3", "ava-4", "abe-5", "bob-6"});
+  EXPECT_EQ(q.StatusOf("a*").first_position, 0);
+  EXPECT_EQ(q.StatusOf("*b*").first_position, 4);
 }
 
 // The walk of DropFullMailbox done the slow way on a plain list.
@@ -152,6 +159,9 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
   q.mnuClearSN(prompter, label);
   EXPECT_EQ(q.list().Items(), (Lines{"amy-1", "", "bobs-1"}));
   EXPECT_EQ(label.caption(), "pending: 3");
+  prompter.QueueAnswer("AMY");  // three characters are enough
+  q.mnuClearSN(prompter, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"", "bobs-1"}));
 
   q.mnuClearALL(label);
   EXPECT_EQ(label.caption(), "pending: 0");
@@ -255,6 +265,15 @@ TEST_F(PendingQueueTest, DeadMailTakesEveryMailLineForItsNumberOnly) {
   EXPECT_EQ(gone, (Lines{"bob", "dan", "fay"}));
   EXPECT_EQ(q.list().Items(), (Lines{"amy~12", "", "cal-120", "eve-list"}));
   EXPECT_FALSE(q.TakeFirstMailFor("list"));
+
+  // A walk takes only the lines queued when it began: not the next one.
+  q.list().Clear();
+  Queue({"bob-5"});
+  const std::uint64_t below = q.IdsBelowFuture();
+  Queue({"amy-5"});
+  EXPECT_EQ(q.TakeFirstMailFor("5", below), "bob");
+  EXPECT_FALSE(q.TakeFirstMailFor("5", below));
+  EXPECT_EQ(q.TakeFirstMailFor("5"), "amy");
 }
 
 }  // namespace
