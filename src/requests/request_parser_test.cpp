@@ -119,6 +119,11 @@ TEST_F(RequestParserTest, WhileTheMailboxIsReadTheCountBeforeHolds) {
   Say("bob", "/srv send 11");
   Say("amy", "/srv send 9-12");
   EXPECT_EQ(Pending(), (Lines{"bob-10", "amy-9", "amy-10"}));
+  // A mailbox that was empty before the start has nothing to ask for
+  // until it is read, whatever the read has found so far.
+  before = 0;
+  Say("cal", "/srv send 1");
+  EXPECT_EQ(Pending().back(), "amy-10");
   // Once read, the list itself counts again.
   before = -1;
   Say("joe", "/srv send 3");
