@@ -143,6 +143,13 @@ TEST_F(RequestParserTest, Ranges) {
   Say("bob", "/srv send 8-11");  // numbers beyond the mails are skipped
   EXPECT_EQ(Pending(), (Lines{"bob-8", "bob-9", "bob-10"}));
 
+  // The smallest limit: one step from x to y.
+  settings.BlockMax = 1;
+  pending.list().Clear();
+  Say("bob", "/srv send 1-3");
+  Say("bob", "/srv send 5-6");
+  EXPECT_EQ(Pending(), (Lines{"bob-5", "bob-6"}));
+
   // No limit at all: a huge range still ends at the last mail.
   settings.BlockMax = 0;
   banning.chkPending.value = 0;
