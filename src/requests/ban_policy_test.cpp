@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ports/memory_registry.h"
+#include "requests/room_view.h"
 #include "settings/settings.h"
 
 namespace quorvex {
@@ -110,6 +111,30 @@ TEST_F(AddMistakeTest, LimitsOfOneZeroAndOddTexts) {
     for (int i = 0; i < 3; ++i) AddMistake(ctx, "bob");
     EXPECT_EQ(said.back(), last) << limit;
   }
+}
+
+// The room people window: the first name of the room is handled like any.
+TEST(RoomFormTest, LeavesOutTheBannedAndBansTheSelectedPerson) {
+  RoomForm room;
+  ListBox lstBanned{"lstBanned"};
+  Label lblBanned{"lblBanned", "banned: 2"};
+  PendingQueue pending;
+  Label lblPending{"lblPending", "pending: 0"};
+  lstBanned.Add("AMY");
+  lstBanned.Add("cal");
+  room.Load({"amy", "bob", "cal", "dan"}, lstBanned);
+  EXPECT_EQ(room.lstRoom.Items(), (Lines{"bob", "dan"}));
+
+  pending.Append("bob-1");
+  room.DoubleClick(lstBanned, lblBanned, pending, lblPending);  // no one
+  EXPECT_EQ(lstBanned.Count(), 2);
+  room.lstRoom.Select(0);
+  room.DoubleClick(lstBanned, lblBanned, pending, lblPending);
+  EXPECT_EQ(lstBanned.Items(), (Lines{"AMY", "cal", "bob"}));
+  EXPECT_EQ(lblBanned.caption(), "banned: 3");
+  EXPECT_EQ(room.lstRoom.Items(), Lines{"dan"});
+  EXPECT_EQ(lblPending.caption(), "pending: 0");
+  EXPECT_TRUE(pending.list().Empty());
 }
 
 }  // namespace
