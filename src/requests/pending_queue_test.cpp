@@ -244,6 +244,10 @@ TEST_F(PendingQueueTest, LoadStopsAtTheCountOrTheLastKeyPresent) {
 
 TEST_F(PendingQueueTest, CountersReadTheStoredTotalAndSaturate) {
   registry.Save(kApp, "Settings", "TotalSent", "not a number");
+  // A list pass that found nobody counts nothing and writes nothing.
+  EXPECT_EQ(q.TakeNextMail(true, label, view, 3).requesters, "");
+  EXPECT_EQ(Total(), "not a number");
+  EXPECT_EQ(lblSent.caption(), "");
   AdvanceServeCounters(view, 2);
   EXPECT_EQ(Total(), "2");
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
