@@ -87,6 +87,21 @@ TEST_F(SettingsMenuTest, NumberEntriesCheckRangeThenRoundHalfEven) {
   }
 }
 
+// The ends of a range are in it: whole numbers, a custom speed and a
+// custom scroll interval at the top of their ranges, a list size at both.
+TEST_F(SettingsMenuTest, RangesTakeTheirEnds) {
+  Click("mnuMPList", 0, "500");
+  EXPECT_EQ(settings.ListSize, 500);
+  Click("mnuMPList", 0, "50");
+  EXPECT_EQ(settings.ListSize, 50);
+  Click("mnuFMax", 0, "30");
+  EXPECT_EQ(settings.FindMax, 30);
+  Click("mnuMSpeed", 5, "1");
+  EXPECT_EQ(settings.MailSpeed, 1.0f);
+  Click("mnuBScroll", 8, "300");
+  EXPECT_EQ(settings.BotScroll, 300);
+}
+
 TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
   struct Step {
     const char* menu;
