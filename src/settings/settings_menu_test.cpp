@@ -123,6 +123,8 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
        "mnuMSpeed(5)"},
       {"mnuMSpeed", 5, "1.5", "mnuMailSpeed", "speed - [ 0.25 ]", nullptr},
       {"mnuFSpeed(2)", 0, "", "mnuFindSpeed", "speed - [ 0.3567 ]", nullptr},
+      {"mnuMSpeed", 1, "", "mnuMailSpeed", "speed - [ 0.1345 ]",
+       "mnuMSpeed(1)"},
       {"mnuMSpeed", 3, "", "mnuMSpeed(5)", "custom", nullptr},
       {"mnuMMethod", 1, "", "mnuMailMethod", "method - [ regular ]",
        "mnuMMethod(1)"},
