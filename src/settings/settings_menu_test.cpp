@@ -112,6 +112,8 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
     const char* checked;  // nullptr: not looked at
   };
   const Step steps[] = {
+      {"mnuBScroll", 3, "", "mnuBotScroll", "scroll - [ 10 ]", "mnuBScroll(3)"},
+      {"mnuBScroll", 6, "", "mnuBotScroll", "scroll - [ 60 ]", "mnuBScroll(6)"},
       {"mnuBScroll", 5, "", "mnuBotScroll", "scroll - [ 45 ]", "mnuBScroll(5)"},
       {"mnuLSend", 6, "17", "mnuLSend(6)", "custom - [ 17 ]", nullptr},
       {"mnuLSend", 1, "", "mnuListSend", "send - [ 10]", nullptr},
