@@ -100,6 +100,11 @@ TEST_F(SettingsMenuTest, RangesTakeTheirEnds) {
   EXPECT_EQ(settings.MailSpeed, 1.0f);
   Click("mnuBScroll", 8, "300");
   EXPECT_EQ(settings.BotScroll, 300);
+  // The list's custom interval is the exception: it must be above 1.
+  Click("mnuLSend", 6, "1");
+  EXPECT_EQ(settings.ListAdvertise, 30);
+  Click("mnuLSend", 6, "1.5");
+  EXPECT_EQ(settings.ListAdvertise, 2);
 }
 
 TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
