@@ -177,6 +177,10 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuLSend", 10));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMessages"));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "frmMessages.mnuHandle"));
+  // An item in the name: one or two digits.
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed()"));
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed(001)"));
+  EXPECT_TRUE(ClickSettingsMenu(ctx, "mnuMSpeed(02)"));
   EXPECT_TRUE(shown.empty());
 }
 
