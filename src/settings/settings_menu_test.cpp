@@ -175,6 +175,7 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   shown.clear();
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed", 4));  // separator
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuLSend", 10));
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed", 0));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMessages"));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "frmMessages.mnuHandle"));
   // An item in the name: one or two digits.
