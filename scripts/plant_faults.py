@@ -205,8 +205,10 @@ def _match_template(tokens, k):
     j = k + 1
     while j < len(tokens):
         t = tokens[j]
-        if t.kind == "punct" and t.text not in ARG_PUNCTS:
+        if t.text in (";", "{", "}"):
             return None
+        if t.kind == "punct" and t.text not in ARG_PUNCTS and paren == 0:
+            return None  # inside brackets (decltype(a.*b)) anything goes
         if t.text == "(" or t.text == "[":
             paren += 1
         elif t.text == ")" or t.text == "]":
