@@ -297,6 +297,14 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
               ElementsAre("(bob) you have <U>3</U> pending",
                           "<U>4</U> mails till your next request",
                           "there is <U>9</U> total pending"));
+  // Two entries are several: the distance is said.
+  Queue({"bob-1", "amy-2", "bob-list"});
+  const size_t before_two = Said().size();
+  StatusReply(Replies(), c, "bob");
+  EXPECT_THAT(SaidSince(before_two),
+              ElementsAre("(bob) you have <U>2</U> pending",
+                          "<U>0</U> mails till your next request",
+                          "there is <U>3</U> total pending"));
   EXPECT_THAT(seen.mails, IsEmpty());
 }
 
@@ -338,6 +346,10 @@ TEST_F(ServeEngineTest, SessionMailNeedsAtLeastThreeCharacters) {
               HasSubstr("(srv) has served <B><U>21</B></U> this session!"));
   EXPECT_THAT(m.body, HasSubstr("(srv) has served <B><U>345</B></U> since "
                                 "installation!"));
+  prompter.QueueAnswer("Cal");  // three characters are enough
+  mnuMailSession_Click(Replies(), c);
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_EQ(seen.mails[1].to, "Cal");
 }
 
 }  // namespace
