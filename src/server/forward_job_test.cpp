@@ -74,6 +74,22 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   EXPECT_EQ(FindForwardWindow(sim), 0u);
 }
 
+// A number is served as the mail it rounds to, the first and the last
+// included; one that rounds to no mail of the box opens nothing.
+TEST_F(ForwardJobTest, ANumberIsServedAsTheMailItRoundsTo) {
+  Launch(8);
+  Queue({"bob-0.4", "dan-1", "ann-2.5", "cal-8.4", "amy-8.6"});
+  for (int i = 0; i < 5; ++i) RunMailJob(MailJobs(), c, scratch);
+  EXPECT_EQ(Forwarded("dan"), Lines{"mail 1"});
+  EXPECT_EQ(Forwarded("ann"), Lines{"mail 2"});
+  EXPECT_EQ(Forwarded("cal"), Lines{"mail 8"});
+  EXPECT_TRUE(Forwarded("bob").empty());
+  EXPECT_TRUE(Forwarded("amy").empty());
+  EXPECT_EQ(Said(), (Lines{"dan mail <U>1</U> sent", "ann mail <U>2.5</U> sent",
+                           "cal mail <U>8.4</U> sent"}));
+  EXPECT_TRUE(Pending().empty());
+}
+
 TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
   Launch(3);
   // The mailbox no longer holds what the list says: the window captioned
