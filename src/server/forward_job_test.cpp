@@ -221,11 +221,13 @@ class ListsFindsTest : public ForwardJobTest {
 TEST_F(ListsFindsTest, CollectListsKeepsOnlyNumberedListMails) {
   for (const char* t :
        {"song a", "\xC2\xB7[ quorvex list number 2 ]", "my quorvex list number",
-        "velo-grid list number 1", " quorvex list number 10 "})
+        "velo-grid list number 1", " quorvex list number 10 ",
+        " quorvex list number 0 ", " quorvex list number 9 ",
+        " quorvex list number / ", " quorvex list number : "})
     frm.lstMails.Add(t);
-  EXPECT_EQ(CollectLists(MailJobs().mailbox), 2);
-  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5"}));
-  EXPECT_EQ(frm.lblLists.caption(), "lists: 2");
+  EXPECT_EQ(CollectLists(MailJobs().mailbox), 4);
+  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5", "0 6", "9 7"}));
+  EXPECT_EQ(frm.lblLists.caption(), "lists: 4");
 }
 
 TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
