@@ -4,6 +4,7 @@
 // servers' lists runs whole in the foreign_list_mails scenario.
 #include "server/forward_job.h"
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "client/client_tree.h"
@@ -252,6 +253,30 @@ TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
   EXPECT_EQ(frm.lblMails.caption(), "mails: 123");
   EXPECT_EQ(statuses.front(), "status: making/sending list #1");
   EXPECT_EQ(sim.FindWindowA("_AOL_Modal", "Automatic AOL"), 0u);
+}
+
+// A pause between lists, none after the last: a mailbox of exactly two
+// lists' worth makes two, and a last list of one title still comes.
+TEST_F(ListsFindsTest, AFullOrNearlyEmptyLastListEndsTheLists) {
+  auto pauses = [this] {
+    return std::count(statuses.begin(), statuses.end(),
+                      "status: pausing for 2 seconds");
+  };
+  frm.settings.ListSize = 50;
+  Launch(100);
+  BuildLists(MailJobs(), c);
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_NE(seen.mails[1].body.find("[ 100 ] - mail 100\r\n"),
+            std::string::npos);
+  EXPECT_EQ(pauses(), 1);
+
+  // The two lists are mails 101 and 102 now.
+  frm.settings.ListSize = 101;
+  statuses.clear();
+  BuildLists(MailJobs(), c);
+  ASSERT_EQ(seen.mails.size(), 4u);
+  EXPECT_NE(seen.mails[3].body.find("[ 102 ] - "), std::string::npos);
+  EXPECT_EQ(pauses(), 1);
 }
 
 TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
