@@ -86,6 +86,30 @@ TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
   EXPECT_EQ(form.txtAdd[1].text, "a\r\nb");
 }
 
+// Printable keys from the blank to "~" and the tab are typed, nothing
+// around them; backspace takes one whole character and nothing before the
+// start; the pages are 0 to 2.
+TEST(MessageEditorTest, KeysAndPagesAtTheirEdges) {
+  MessagesForm form;
+  for (int key : {31, 32, 126, 127, int{'\t'}}) txtAdd_KeyPress(form, 0, key);
+  EXPECT_EQ(form.txtAdd[0].text, " ~\t");
+
+  for (const char* text : {"a", "\xC3\xA9"}) {
+    form.txtAdd[1].text = text;
+    SetCaret(form, 1, 0);
+    txtAdd_KeyPress(form, 1, kKeyBackspace);
+    EXPECT_EQ(form.txtAdd[1].text, text);
+    SetCaret(form, 1, 9);
+    txtAdd_KeyPress(form, 1, kKeyBackspace);
+    EXPECT_EQ(form.txtAdd[1].text, "") << text;
+  }
+
+  for (int page : {2, 3, -1}) Tab_Click(form, page);
+  EXPECT_EQ(form.tab, 2);
+  Tab_Click(form, 0);
+  EXPECT_EQ(form.tab, 0);
+}
+
 TEST(MessageEditorTest, ListsDeleteByDoubleAndSingleClick) {
   MessagesForm form;
   form.lstChat.Add("one");
