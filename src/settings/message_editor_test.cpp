@@ -72,6 +72,27 @@ TEST(MessagesTest, OddTotalsDoNotLoadOrStall) {
   EXPECT_EQ(form.lstChat.Items(), std::vector<std::string>{"a"});
 }
 
+// Keys load when their index is a plain decimal below the count: not the
+// count itself, not a neighbour of the digits; up to fifteen digits.
+TEST(MessagesTest, OnlyPlainIndexesBelowTheCountLoad) {
+  MemoryRegistry registry;
+  registry.Save(kApp, "ChatMsgs", "ChatMsgTotal", "2");
+  for (const char* key :
+       {"Chat Msg1", "Chat Msg2", "Chat Msg/", "Chat Msg:", "Chat Msg0"})
+    registry.Save(kApp, "ChatMsgs", key, key);
+  MessagesForm form;
+  LoadMessages(form, registry);
+  EXPECT_EQ(form.lstChat.Items(),
+            (std::vector<std::string>{"Chat Msg0", "Chat Msg1"}));
+
+  registry.Save(kApp, "ChatMsgs", "ChatMsgTotal", "1000000000000000");
+  registry.Save(kApp, "ChatMsgs", "Chat Msg100000000000000", "15 digits");
+  LoadMessages(form, registry);
+  EXPECT_EQ(form.lstChat.Items(),
+            (std::vector<std::string>{"Chat Msg0", "Chat Msg1", "Chat Msg2",
+                                      "15 digits"}));
+}
+
 // Return adding an entry line (and nothing from an empty one) runs whole in
 // tests/scenarios/small_windows.scn.
 TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
