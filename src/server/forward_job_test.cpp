@@ -306,6 +306,34 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   EXPECT_EQ(Said().size(), 2u);
 }
 
+// Without a note after each list the room hears when the lists begin and
+// when the last is sent.
+TEST_F(ListsFindsTest, WithoutNotesTheRoomHearsTheStartAndTheEnd) {
+  frm.settings.ListNotify = false;
+  LaunchWithLists(5, 2);
+  Queue({"bob-list"});
+  RunListJob(MailJobs(), c, scratch);
+  EXPECT_EQ(Forwarded("bob").size(), 2u);
+  EXPECT_EQ(Said(), (Lines{"lists <U>1-2</U> are being processed",
+                           "lists <U>1-2</U> were sent"}));
+  EXPECT_EQ(statuses.back(), "status: scanning chat");
+}
+
+// A find reads the titles at its own pace: a pause between two titles,
+// none before the first or after the last.
+TEST_F(ListsFindsTest, AFindPausesBetweenTitlesOnly) {
+  Launch(3);
+  int count = 0;
+  const double start = host.Elapsed();
+  const std::string lines = FindLines(c, frm.lstMails, "Mail 3", 1.0f, &count);
+  // Two pauses of a second (each ends on the clock's next tick), not one
+  // or three.
+  EXPECT_GT(host.Elapsed() - start, 1.9);
+  EXPECT_LT(host.Elapsed() - start, 2.9);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(lines, "[ 3 ] - mail 3\r\n");
+}
+
 TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
   frm.settings.LAscii = "<";
   frm.settings.MailMethod = false;
