@@ -124,6 +124,13 @@ TEST(MessageEditorTest, KeysAndPagesAtTheirEdges) {
     txtAdd_KeyPress(form, 1, kKeyBackspace);
     EXPECT_EQ(form.txtAdd[1].text, "") << text;
   }
+  // Nor before the start of a text too long for a string's own buffer (a
+  // read before it is one the address sanitizer sees).
+  const std::string longer = "a text longer than sixteen";
+  form.txtAdd[1].text = longer;
+  SetCaret(form, 1, 0);
+  txtAdd_KeyPress(form, 1, kKeyBackspace);
+  EXPECT_EQ(form.txtAdd[1].text, longer);
 
   for (int page : {2, 3, -1}) Tab_Click(form, page);
   EXPECT_EQ(form.tab, 2);
