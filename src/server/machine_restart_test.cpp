@@ -142,16 +142,21 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
             "status: copying quorvex(be patient) 100%");
 }
 
-// An empty program file is copied without a share to show.
-TEST_F(MachineRestartTest, CPURestartCopiesAnEmptyProgram) {
+// An empty program file is copied without a share to show; a program of
+// one byte shows its 100 %.
+TEST_F(MachineRestartTest, CPURestartCopiesTheSmallestPrograms) {
   sim.Launch();
-  TempFolder::Write(machine.HostPath(ProgramPath(machine)), "");
-  CPURestart(Restart(), c);
-  EXPECT_EQ(TempFolder::Read(machine.HostPath(kRestartCopy)), "");
-  EXPECT_EQ(reboots, 1);
-  ASSERT_GE(statuses.size(), 2u);
-  EXPECT_EQ(statuses[statuses.size() - 2],
-            "status: copying quorvex(be patient)");
+  int reboots_before = 0;
+  for (const char* program : {"", "q"}) {
+    TempFolder::Write(machine.HostPath(ProgramPath(machine)), program);
+    CPURestart(Restart(), c);
+    EXPECT_EQ(TempFolder::Read(machine.HostPath(kRestartCopy)), program);
+    EXPECT_EQ(reboots, ++reboots_before);
+    ASSERT_GE(statuses.size(), 2u);
+    EXPECT_EQ(statuses[statuses.size() - 2],
+              std::string("status: copying quorvex(be patient)") +
+                  (*program ? " 100%" : ""));
+  }
 }
 
 TEST_F(MachineRestartTest, SplashDecision) {
