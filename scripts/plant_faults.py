@@ -511,6 +511,9 @@ def main():
                     help="skip faults already in build/faults/results.tsv")
     ap.add_argument("--survivors", action="store_true",
                     help="plant again only the faults that survived last time")
+    ap.add_argument("--unexplained", action="store_true",
+                    help="with --survivors: leave out those explained in "
+                    "scripts/plant-faults-equivalent.txt")
     ap.add_argument("--timeout", type=int, default=120,
                     help="seconds a test program may run (default %(default)s)")
     ap.add_argument("-j", "--jobs", type=int, default=2)
@@ -548,6 +551,11 @@ def main():
     done = load_results() if args.resume or args.survivors else {}
     if args.survivors:
         todo = [f for f in faults if done.get(f.key, ["", ""])[1] == "survived"]
+        if args.unexplained:
+            known = explained_faults()
+            todo = [f for f in todo
+                    if (f.path, line_code(f"{f.path}:{f.line}")[1], f.what)
+                    not in known]
     else:
         if not args.resume and RESULTS.exists():
             RESULTS.unlink()
