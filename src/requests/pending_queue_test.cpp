@@ -102,11 +102,16 @@ TEST_F(PendingQueueTest, CountsFollowChangesMadeThroughTheListBox) {
   EXPECT_EQ(q.StatusOf("b*").count, 3);  // a pattern
   EXPECT_EQ(q.StatusOf("b*").first_position, 2);
   // The first line of any name the pattern matches, the very first one
-  // included, whichever name the walk meets first.
-  q.list().Clear();
-  Queue({"al-1", "amy-2", "ann-3", "ava-4", "abe-5", "bob-6"});
-  EXPECT_EQ(q.StatusOf("a*").first_position, 0);
-  EXPECT_EQ(q.StatusOf("*b*").first_position, 4);
+  // included, whichever name the walk meets first: each of two names in
+  // front, each known before the other.
+  for (const Lines& lines :
+       {Lines{"amy-1", "bob-2"}, Lines{"bob-1", "amy-2"},
+        Lines{"bob-1", "amy-2", "bob-3"}, Lines{"amy-1", "bob-2", "amy-3"}}) {
+    q.list().Clear();
+    Queue(lines);
+    if (lines.size() == 3) q.list().Remove(0);
+    EXPECT_EQ(q.StatusOf("*").first_position, 0) << lines[0];
+  }
 }
 
 // The walk of DropFullMailbox done the slow way on a plain list.
@@ -173,6 +178,13 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
 }
 
 TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
+  Queue({"bob-1", "amy-2"});
+  q.Save(profiles, path);  // a key a line, none past the last
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 1", ""), "amy-2");
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 2", "none"), "none");
+  profiles.Remove(path);
+  q.list().Clear();
+
   PendingQueue().Save(profiles, path);  // an empty queue writes nothing
   EXPECT_FALSE(profiles.Exists(path));
   profiles.WriteString(path, "Quorvex", "TotalPending", "lots");
