@@ -166,6 +166,12 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   EXPECT_EQ(Stored("StatusMethod"), "False");
   EXPECT_EQ(Stored("ScrollMethod"), "<missing>");
   EXPECT_TRUE(shown.empty());
+  Click("mnuScrollMethod", 1, "");
+  EXPECT_TRUE(settings.ScrollMethod);
+  EXPECT_TRUE(menus.Checked("mnuScrollMethod(1)"));
+  Click("mnuMMethod", 2, "");
+  EXPECT_TRUE(settings.MailMethod);
+  EXPECT_EQ(menus.Caption("mnuMailMethod"), "method - [ sendlater ]");
 
   Click("mnuFEnable", 1, "off");
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuFEnable", 2));  // greyed out

@@ -65,6 +65,7 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   Put("MailNotify", "false");
   Put("FindsEnable", "-1");
   Put("ScrollThankyou", "perhaps");  // unreadable: default
+  Put("ListNotify", "0");
   Put("ListSize", "120 titles");
   Put("FindMax", "12.5");
   Put("AOLRestart", "99999");  // too big for its field: default
@@ -80,6 +81,7 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   EXPECT_EQ(Caption("mnuMailNotify"), "notify - [ off ]");
   EXPECT_TRUE(settings.FindsEnable);
   EXPECT_TRUE(settings.ScrollThankyou);
+  EXPECT_FALSE(settings.ListNotify);
   EXPECT_EQ(settings.ListSize, 120);
   EXPECT_EQ(settings.FindMax, 12);
   EXPECT_EQ(Caption("mnuAOLRes"), "aol - [ 1000 ]");
