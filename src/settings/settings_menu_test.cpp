@@ -169,6 +169,7 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   Click("mnuScrollMethod", 1, "");
   EXPECT_TRUE(settings.ScrollMethod);
   EXPECT_TRUE(menus.Checked("mnuScrollMethod(1)"));
+  Click("mnuMMethod", 1, "");
   Click("mnuMMethod", 2, "");
   EXPECT_TRUE(settings.MailMethod);
   EXPECT_EQ(menus.Caption("mnuMailMethod"), "method - [ sendlater ]");
