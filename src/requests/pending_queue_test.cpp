@@ -100,6 +100,18 @@ TEST_F(PendingQueueTest, CountsFollowChangesMadeThroughTheListBox) {
   EXPECT_EQ(q.StatusOf("bob").first_position, 2);
   EXPECT_EQ(q.StatusOf("nobody").first_position, -1);
   EXPECT_EQ(q.StatusOf("b*").count, 3);  // a pattern
+  EXPECT_EQ(q.StatusOf("b*").first_position, 2);
+  // The first line of any name the pattern matches, the very first one
+  // included, whichever name the walk meets first: each of two names in
+  // front, each known before the other.
+  for (const Lines& lines :
+       {Lines{"amy-1", "bob-2"}, Lines{"bob-1", "amy-2"},
+        Lines{"bob-1", "amy-2", "bob-3"}, Lines{"amy-1", "bob-2", "amy-3"}}) {
+    q.list().Clear();
+    Queue(lines);
+    if (lines.size() == 3) q.list().Remove(0);
+    EXPECT_EQ(q.StatusOf("*").first_position, 0) << lines[0];
+  }
 }
 
 // The walk of DropFullMailbox done the slow way on a plain list.
@@ -152,6 +164,9 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
   q.mnuClearSN(prompter, label);
   EXPECT_EQ(q.list().Items(), (Lines{"amy-1", "", "bobs-1"}));
   EXPECT_EQ(label.caption(), "pending: 3");
+  prompter.QueueAnswer("AMY");  // three characters are enough
+  q.mnuClearSN(prompter, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"", "bobs-1"}));
 
   q.mnuClearALL(label);
   EXPECT_EQ(label.caption(), "pending: 0");
@@ -163,6 +178,13 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
 }
 
 TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
+  Queue({"bob-1", "amy-2"});
+  q.Save(profiles, path);  // a key a line, none past the last
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 1", ""), "amy-2");
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 2", "none"), "none");
+  profiles.Remove(path);
+  q.list().Clear();
+
   PendingQueue().Save(profiles, path);  // an empty queue writes nothing
   EXPECT_FALSE(profiles.Exists(path));
   profiles.WriteString(path, "Quorvex", "TotalPending", "lots");
@@ -234,6 +256,10 @@ TEST_F(PendingQueueTest, LoadStopsAtTheCountOrTheLastKeyPresent) {
 
 TEST_F(PendingQueueTest, CountersReadTheStoredTotalAndSaturate) {
   registry.Save(kApp, "Settings", "TotalSent", "not a number");
+  // A list pass that found nobody counts nothing and writes nothing.
+  EXPECT_EQ(q.TakeNextMail(true, label, view, 3).requesters, "");
+  EXPECT_EQ(Total(), "not a number");
+  EXPECT_EQ(lblSent.caption(), "");
   AdvanceServeCounters(view, 2);
   EXPECT_EQ(Total(), "2");
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
@@ -255,6 +281,15 @@ TEST_F(PendingQueueTest, DeadMailTakesEveryMailLineForItsNumberOnly) {
   EXPECT_EQ(gone, (Lines{"bob", "dan", "fay"}));
   EXPECT_EQ(q.list().Items(), (Lines{"amy~12", "", "cal-120", "eve-list"}));
   EXPECT_FALSE(q.TakeFirstMailFor("list"));
+
+  // A walk takes only the lines queued when it began: not the next one.
+  q.list().Clear();
+  Queue({"bob-5"});
+  const std::uint64_t below = q.IdsBelowFuture();
+  Queue({"amy-5"});
+  EXPECT_EQ(q.TakeFirstMailFor("5", below), "bob");
+  EXPECT_FALSE(q.TakeFirstMailFor("5", below));
+  EXPECT_EQ(q.TakeFirstMailFor("5"), "amy");
 }
 
 }  // namespace

@@ -119,6 +119,11 @@ TEST_F(RequestParserTest, WhileTheMailboxIsReadTheCountBeforeHolds) {
   Say("bob", "/srv send 11");
   Say("amy", "/srv send 9-12");
   EXPECT_EQ(Pending(), (Lines{"bob-10", "amy-9", "amy-10"}));
+  // A mailbox that was empty before the start has nothing to ask for
+  // until it is read, whatever the read has found so far.
+  before = 0;
+  Say("cal", "/srv send 1");
+  EXPECT_EQ(Pending().back(), "amy-10");
   // Once read, the list itself counts again.
   before = -1;
   Say("joe", "/srv send 3");
@@ -137,6 +142,13 @@ TEST_F(RequestParserTest, Ranges) {
   EXPECT_EQ(lblPending.caption(), "unrefreshed");
   Say("bob", "/srv send 8-11");  // numbers beyond the mails are skipped
   EXPECT_EQ(Pending(), (Lines{"bob-8", "bob-9", "bob-10"}));
+
+  // The smallest limit: one step from x to y.
+  settings.BlockMax = 1;
+  pending.list().Clear();
+  Say("bob", "/srv send 1-3");
+  Say("bob", "/srv send 5-6");
+  EXPECT_EQ(Pending(), (Lines{"bob-5", "bob-6"}));
 
   // No limit at all: a huge range still ends at the last mail.
   settings.BlockMax = 0;

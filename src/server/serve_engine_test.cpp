@@ -238,6 +238,48 @@ TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
   EXPECT_EQ(aol, 2);
 }
 
+// Each quota counts from 2: 1 is off however many mails went, and 2 acts
+// at the second mail, not the first.
+TEST_F(ServeEngineTest, AQuotaOfOneIsOffAndOfTwoActsAtTheSecondMail) {
+  int aol = 0, cpu = 0;
+  engine.aol_restart = [&] { ++aol; };
+  engine.jobs().cpu_restart = [&] { ++cpu; };
+  auto quotas = [&](int q) {
+    frm.settings.AOLRestart = frm.settings.CPURestart =
+        frm.settings.SentRestart = static_cast<std::int16_t>(q);
+  };
+  auto counts = [&](int n) {
+    frm.counters.AOLCount = frm.counters.CPUCount = frm.counters.SentCount = n;
+  };
+  auto deletes = [&](size_t from) {
+    const auto said = SaidSince(from);
+    return std::count(said.begin(), said.end(),
+                      "quorvex deleted <B><U>sent</B></U>");
+  };
+  quotas(1);
+  StartServing();
+  counts(30000);
+  size_t before = Said().size();
+  Tick();
+  quotas(2);
+  counts(1);
+  Tick();
+  EXPECT_EQ(aol, 0);
+  EXPECT_EQ(cpu, 0);
+  EXPECT_EQ(deletes(before), 0);
+
+  frm.counters.AOLCount = 2;
+  Tick();
+  EXPECT_EQ(aol, 1);
+  frm.counters.SentCount = 2;
+  before = Said().size();
+  Tick();
+  EXPECT_EQ(deletes(before), 1);
+  frm.counters.CPUCount = 2;
+  Tick();
+  EXPECT_EQ(cpu, 1);
+}
+
 TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
   sim.Launch();
   // One entry: only the "you have" and "there is" lines.
@@ -255,6 +297,14 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
               ElementsAre("(bob) you have <U>3</U> pending",
                           "<U>4</U> mails till your next request",
                           "there is <U>9</U> total pending"));
+  // Two entries are several: the distance is said.
+  Queue({"bob-1", "amy-2", "bob-list"});
+  const size_t before_two = Said().size();
+  StatusReply(Replies(), c, "bob");
+  EXPECT_THAT(SaidSince(before_two),
+              ElementsAre("(bob) you have <U>2</U> pending",
+                          "<U>0</U> mails till your next request",
+                          "there is <U>3</U> total pending"));
   EXPECT_THAT(seen.mails, IsEmpty());
 }
 
@@ -296,6 +346,10 @@ TEST_F(ServeEngineTest, SessionMailNeedsAtLeastThreeCharacters) {
               HasSubstr("(srv) has served <B><U>21</B></U> this session!"));
   EXPECT_THAT(m.body, HasSubstr("(srv) has served <B><U>345</B></U> since "
                                 "installation!"));
+  prompter.QueueAnswer("Cal");  // three characters are enough
+  mnuMailSession_Click(Replies(), c);
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_EQ(seen.mails[1].to, "Cal");
 }
 
 }  // namespace
