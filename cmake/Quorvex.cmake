@@ -48,10 +48,52 @@ function(qv_wine_fixture)
   if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
     return()
   endif()
-  add_test(NAME wine.start
-    COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh start)
-  add_test(NAME wine.stop
-    COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh stop)
+  # The prefix of the build's architecture (the toolchain's).
+  set(server env QUORVEX_WINEARCH=${QUORVEX_WINE_ARCH}
+    ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh)
+  add_test(NAME wine.start COMMAND ${server} start)
+  add_test(NAME wine.stop COMMAND ${server} stop)
   set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
   set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
+endfunction()
+
+# qv_windows_resources(TARGET): the program's icon, version and application
+# manifest (src/desktop/resources), the version and the architecture filled
+# in, compiled into TARGET.
+function(qv_windows_resources target)
+  set(QV_RESOURCES ${CMAKE_SOURCE_DIR}/src/desktop/resources)
+  set(QV_MANIFEST ${CMAKE_BINARY_DIR}/resources/quorvex.manifest)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(QV_MANIFEST_ARCH amd64)
+  else()
+    set(QV_MANIFEST_ARCH x86)
+  endif()
+  configure_file(${QV_RESOURCES}/quorvex.manifest.in ${QV_MANIFEST} @ONLY)
+  configure_file(${QV_RESOURCES}/quorvex.rc.in
+    ${CMAKE_BINARY_DIR}/resources/quorvex.rc @ONLY)
+  # windres reads the icon and the manifest itself: rebuild when they change.
+  set_source_files_properties(${CMAKE_BINARY_DIR}/resources/quorvex.rc
+    PROPERTIES OBJECT_DEPENDS "${QV_RESOURCES}/quorvex.ico;${QV_MANIFEST}")
+endfunction()
+
+# qv_oldest_windows(PROGRAM TARGET...): PROGRAM and the libraries of it
+# that include the platform's headers start on the oldest Windows of the
+# build (QUORVEX_WINDOWS_VERSION, set by the toolchain: 5.1 Windows XP, 5.2
+# its 64-bit edition). The headers then declare nothing that Windows lacks,
+# so that a newer call fails to compile, and the program file's header
+# names it, which is what Windows reads before it starts a program. Test
+# programs, never shipped, may use what Wine has. The import-table test
+# (tests/release) checks what the headers cannot: the runtime's imports.
+function(qv_oldest_windows program)
+  string(REPLACE "." ";" parts "${QUORVEX_WINDOWS_VERSION}")
+  list(GET parts 0 major)
+  list(GET parts 1 minor)
+  math(EXPR winnt "${major} * 256 + ${minor}" OUTPUT_FORMAT HEXADECIMAL)
+  foreach(target ${program} ${ARGN})
+    target_compile_definitions(${target} PRIVATE
+      _WIN32_WINNT=${winnt} WINVER=${winnt})
+  endforeach()
+  target_link_options(${program} PRIVATE
+    -Wl,--major-subsystem-version,${major},--minor-subsystem-version,${minor}
+    -Wl,--major-os-version,${major},--minor-os-version,${minor})
 endfunction()

@@ -1,44 +1,69 @@
 #!/usr/bin/env bash
 # Takes the README's screenshots: runs quorvex.exe --simulate under Wine on
-# a virtual display (Xvfb, Wine's X11 driver in a prefix of its own), drives
-# it with quorvex-remote.exe and grabs each window with ImageMagick's
-# `import`. Needs the windows preset built (quorvex.exe, quorvex-remote.exe).
-# Writes docs/*.png.
+# a virtual display (Xvfb, Wine's X11 driver, the icewm window manager for
+# a task bar) in a Wine prefix of its own in a temporary folder, drives it
+# with quorvex-remote.exe and grabs the screen with ImageMagick's `import`.
+# Twice: with the screen at 100 % (96 DPI: every window, the task bar) and
+# at 150 % (144 DPI). Needs the windows preset built (quorvex.exe,
+# quorvex-remote.exe). Writes docs/*.png.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 build=${QUORVEX_WINDOWS_BUILD:-$here/build/windows}
 out=$here/docs
 mkdir -p "$out"
-for tool in Xvfb import wine; do
-  command -v $tool >/dev/null || { echo "screenshots.sh: $tool is missing" >&2; exit 1; }
+for tool in Xvfb icewm import convert wine; do
+  command -v $tool >/dev/null || { echo "screenshots.sh: $tool is missing (scripts/setup.sh)" >&2; exit 1; }
 done
 
-export WINEPREFIX=$here/build/wine-x11 WINEDEBUG=-all WINEARCH=win64
+work=$(mktemp -d)
+export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEARCH=win64
 export WINEDLLOVERRIDES="mscoree,mshtml="
-display=:$((50 + RANDOM % 40))
-Xvfb "$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb=$!
-export DISPLAY=$display
-cleanup() {
+xvfb="" wm=""
+stop_display() {
   wineserver -k 2>/dev/null || true
-  kill "$xvfb" 2>/dev/null || true
+  wineserver -w 2>/dev/null || true
+  [[ -n $wm ]] && kill "$wm" 2>/dev/null || true
+  [[ -n $xvfb ]] && kill "$xvfb" 2>/dev/null || true
+  wm="" xvfb=""
+}
+cleanup() {
+  stop_display
+  rm -rf "$work"
 }
 trap cleanup EXIT
-sleep 1
-if [[ ! -f $WINEPREFIX/.quorvex-ready ]]; then
-  rm -rf "$WINEPREFIX"
-  wine wineboot -u >/dev/null 2>&1 || true
-  wineserver -w
-  touch "$WINEPREFIX/.quorvex-ready"
-fi
-root_dir=$WINEPREFIX/drive_c/quorvex-shots
-rm -rf "$root_dir"
+
+# start_display DPI WIDTHxHEIGHT: a display with a task bar, the prefix's
+# screen set to DPI, and the program serving its simulated room on it.
+start_display() {
+  export DISPLAY=:$((50 + RANDOM % 40))
+  Xvfb "$DISPLAY" -screen 0 "$2x24" -nolisten tcp >/dev/null 2>&1 &
+  xvfb=$!
+  sleep 1
+  # The task bar, without the clock and monitors, so that a shot taken
+  # again shows the same.
+  ICEWM_PRIVCFG=$work/icewm icewm >/dev/null 2>&1 &
+  wm=$!
+  wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD \
+    /d "$1" /f >/dev/null 2>&1
+  # The setting is read as Wine starts.
+  wineserver -k 2>/dev/null || true
+  wineserver -w 2>/dev/null || true
+  rm -rf "$WINEPREFIX/drive_c/quorvex-shots"
+  wine "$build/quorvex.exe" --simulate --speed 3 --root 'C:\quorvex-shots' &
+}
+mkdir -p "$work/icewm"
+printf 'TaskBarShowClock=0\nTaskBarShowCPUStatus=0\nTaskBarShowNetStatus=0\nTaskBarShowMEMStatus=0\nTaskBarShowWorkspaces=0\nTaskBarShowShowDesktopButton=0\nTaskBarShowWindowListMenu=0\n' \
+  >"$work/icewm/preferences"
+
+wine wineboot -u >/dev/null 2>&1 || true
+wineserver -w
 
 remote() { wine "$build/quorvex-remote.exe" "$@"; }
 # grab NAME X Y W H: a part of the screen.
 grab() { import -window root -crop "$4x$5+$2+$3" +repage "$out/$1.png"; }
 
-wine "$build/quorvex.exe" --simulate --speed 3 --root 'C:\quorvex-shots' &
+# 100 %: every window of the program, and the task bar.
+start_display 96 1024x768
 remote show QuorvexSplash
 grab splash 200 160 260 130
 remote show QuorvexMain wait 2
@@ -47,12 +72,20 @@ grab main-idle 80 60 320 280
 # Serving: start, build the lists, let the room's requests come in.
 remote click cmdStart yes "make lists" wait 25
 grab main-serving 80 60 320 280
+# The main window above its task-bar button, which shows the program's
+# icon.
+import -window root "$work/screen.png"
+convert "$work/screen.png" \( -clone 0 -crop 420x300+40+50 +repage \) \
+  \( -clone 0 -crop 420x26+0+742 +repage \) -delete 0 \
+  -background '#000000' -splice 0x6 -append +repage "$out/taskbar.png"
 
 remote menu mnuServeNChat show QuorvexChatroom wait 6 say "hello room" wait 3
 grab serve-and-chat 408 60 320 236
 remote close QuorvexChatroom
 remote menu mnuBanOpts show QuorvexBanning wait 1
 grab banning-options 408 60 300 166
+# The scaling pair: the main window and a small one, at 100 % here.
+grab scale-100 76 56 640 290
 remote close QuorvexBanning
 remote rclick lstBanned show QuorvexRoom wait 1
 grab room-people 408 60 240 220
@@ -71,4 +104,16 @@ grab credits 408 60 260 130
 remote close QuorvexCredits
 remote menu mnuBMax wait 2
 grab input-box 400 52 420 190
+stop_display
+
+# 150 %: the windows and their fonts half as large again, nothing cut.
+start_display 144 1280x960
+remote show QuorvexMain wait 2
+remote click cmdStart yes "make lists" wait 25
+remote menu mnuBanOpts show QuorvexBanning wait 1
+grab scale-150 76 56 950 430
+remote close QuorvexBanning
+remote menu mnuBMax wait 2
+grab input-box-150 560 52 600 260
+stop_display
 echo "screenshots written to $out"

@@ -66,6 +66,8 @@ int main(int argc, char** argv) {
     } else {
       RunScenario(scenario, options, std::cout);
     }
+    // A signal that came while the last of the transcript was written.
+    ThrowIfInterrupted();
   } catch (const RunInterrupted& e) {
     // The run has unwound: its temporary folder is gone.
     EndBySignal(e.signal);

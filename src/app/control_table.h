@@ -37,10 +37,10 @@ struct Control {
   // are 1 to N.
   int min_index = 0;
   int max_index = 0;
-  std::function<void(QuorvexApp&, int index)> press;
+  std::function<void(QuorvexApp&, int index)> press{};
   // The list a select acts on.
-  std::function<ListBox*(QuorvexApp&)> list;
-  std::function<void(QuorvexApp&, const std::string& value)> set;
+  std::function<ListBox*(QuorvexApp&)> list{};
+  std::function<void(QuorvexApp&, const std::string& value)> set{};
 
   bool Presses(int index) const {
     return press && index >= min_index && index <= max_index;

@@ -5,9 +5,9 @@
 namespace quorvex {
 
 RequestContext MakeRequestContext(FrmMain& frm) {
-  return RequestContext{frm.settings,  frm.frmBanning, frm.pending,
-                        frm.lstBanned, frm.lstMails,   frm.ReplyQueue,
-                        frm.lblPending};
+  return RequestContext{
+      frm.settings, frm.frmBanning, frm.pending,    frm.lstBanned,
+      frm.lstMails, frm.ReplyQueue, frm.lblPending, &frm.mails_while_reading};
 }
 
 CounterView MakeCounterView(FrmMain& frm) {
@@ -28,8 +28,9 @@ BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
 }
 
 MailboxLists MakeMailboxLists(FrmMain& frm) {
-  return MailboxLists{frm.lstMails, frm.mail_positions, frm.lstLists,
-                      frm.lblMails, frm.lblLists};
+  return MailboxLists{frm.lstMails, frm.mail_positions,
+                      frm.lstLists, frm.lblMails,
+                      frm.lblLists, &frm.mails_while_reading};
 }
 
 MailJobContext MakeMailJobContext(FrmMain& frm) {

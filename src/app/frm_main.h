@@ -61,6 +61,9 @@ struct FrmMain {
   ListBox MistakeList{"MistakeList"};
   // The list mails found in the mailbox (mail positions, 1-based).
   ListBox lstLists{"lstLists"};
+  // lstMails' count before the start's read of the mailbox, while it is
+  // read again (-1 otherwise): requests said meanwhile are judged by it.
+  int mails_while_reading = -1;
   // Mail numbers that could not be forwarded; never opened again.
   std::vector<std::string> dead_mails;
 

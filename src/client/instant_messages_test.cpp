@@ -26,14 +26,35 @@ TEST_F(InstantMessagesTest, SendsAndSwitchesOffAndOnThroughTheWindow) {
 }
 
 TEST_F(InstantMessagesTest, RunsTheKeywordAgainWhileTheWindowDoesNotCome) {
-  sim.SetSignedOffAtStart();  // the keyword box does nothing signed off
   Launch();
+  sim.SetLatency(5000);  // the window comes long after the run's end
   host.SetEnd(1000);
   EXPECT_THROW(SendIM(c, "Ann", "hi"), RunEnded);
   // Again after 10 s, then ever more slowly, up to one every 40 s: 26 in
   // 1000 s (at 10, 30, 70, 110, ...), never one on every poll.
   EXPECT_GE(Count(win::kWmSetText), 24);
   EXPECT_LE(Count(win::kWmSetText), 28);
+  EXPECT_TRUE(ims.empty());
+}
+
+TEST_F(InstantMessagesTest, ASignedOffClientEndsTheWait) {
+  // Signed off, the window never comes: the send gives up at once instead
+  // of waiting for ever.
+  sim.SetSignedOffAtStart();
+  Launch();
+  host.SetEnd(1000);
+  SendIM(c, "Ann", "hi");
+  EXPECT_LT(host.Elapsed(), 1);
+  EXPECT_TRUE(ims.empty());
+}
+
+TEST_F(InstantMessagesTest, ASignOffWhileWaitingEndsTheWait) {
+  Launch();
+  sim.SetLatency(30);
+  host.SetEnd(1000);
+  host.Schedule(15, [this] { sim.SignOff(); });
+  IMsOff(c);
+  EXPECT_LT(host.Elapsed(), 20);
   EXPECT_TRUE(ims.empty());
 }
 

@@ -140,6 +140,10 @@ void OpenFlashmail(const SessionContext& s) {
 void BustRoom(const SessionContext& s) {
   FrmRoomBuster& buster = s.frmRoomBuster;
   SetStatus(s, "status: busting chatroom");
+  // No room to return to: the client signed off before the server ever
+  // saw its room. A bust of no name ends at once, and the wait for a room
+  // to come would never end.
+  if (s.room_name.empty() && !buster.busting()) return;
   buster.restart = BusterRestart::kBust;
   buster.Form_Load();
   // A bust under way (its tick found the client signed off and ran this

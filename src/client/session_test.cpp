@@ -148,6 +148,20 @@ TEST_F(SessionTest, MailPreferencesWaitForTheControlsOfTheirWindows) {
   EXPECT_EQ(sim.FindWindowA(aol::kModalClass, nullptr), 0u);
 }
 
+TEST_F(SessionTest, WithNoRoomKnownTheRestartEndsOutsideAnyRoom) {
+  // The client signed off before the server ever saw its room: nothing to
+  // bust, and the restart ends instead of waiting for a room for ever.
+  InstallClient();
+  Launch();
+  sim.SignOff();
+  room.clear();
+  host.SetEnd(600);
+  AOLRestart(Session());
+  EXPECT_EQ(Events("signs on"), 1);
+  EXPECT_FALSE(buster.loaded());
+  EXPECT_EQ(sim.current_room(), "");
+}
+
 TEST_F(SessionTest, InstallFolderComesFromWinIniAndBothProgramsAreTried) {
   // No [WAOL]: the programs looked for are those at the root of the drive;
   // both are started when both are there, yet one client runs.

@@ -105,9 +105,19 @@ LRESULT CALLBACK BandProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
 }  // namespace
 
 HFONT UiFont() {
-  static HFONT font = CreateFontW(-11, 0, 0, 0, FW_NORMAL, 0, 0, 0,
+  static HFONT font = CreateFontW(Scaled(-11), 0, 0, 0, FW_NORMAL, 0, 0, 0,
                                   DEFAULT_CHARSET, 0, 0, 0, 0, L"Tahoma");
   return font;
+}
+
+int Scaled(int pixels_at_96_dpi) {
+  static const int dpi = [] {
+    HDC screen = GetDC(nullptr);
+    const int d = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return d > 0 ? d : 96;
+  }();
+  return MulDiv(pixels_at_96_dpi, dpi, 96);
 }
 
 void RegisterBandClass(HINSTANCE instance) {
@@ -122,8 +132,9 @@ void RegisterBandClass(HINSTANCE instance) {
 HWND CreateBand(HWND parent, int id, int x, int y, int w, int h,
                 bool draggable) {
   return CreateWindowExW(
-      0, kBandClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, x, y, w, h,
-      parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+      0, kBandClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, Scaled(x),
+      Scaled(y), Scaled(w), Scaled(h), parent,
+      reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
       reinterpret_cast<HINSTANCE>(GetWindowLongPtrW(parent, GWLP_HINSTANCE)),
       draggable ? reinterpret_cast<void*>(1) : nullptr);
 }

@@ -20,4 +20,9 @@ void SetBand(HWND band, const std::string& colour, const std::string& text);
 // The font every window of the program uses.
 HFONT UiFont();
 
+// Windows are laid out in pixels at 100 % (96 DPI); on a screen set
+// larger (120 DPI, 150 % = 144 DPI) every size and font grows with it, as
+// the program says in its manifest that it scales itself.
+int Scaled(int pixels_at_96_dpi);
+
 }  // namespace quorvex::desktop

@@ -76,8 +76,9 @@ void BanningWindow::OnControl(int id, int code, HWND control) {
       name = id == kIdChkPending   ? "frmBanning.chkPending"
              : id == kIdChkDupReqs ? "frmBanning.chkDupReqs"
                                    : "frmBanning.chkFullBox";
-      value =
-          SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? "1" : "0";
+      value.assign(1, SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED
+                          ? '1'
+                          : '0');
       break;
     default:
       return;

@@ -18,6 +18,7 @@
 #include "desktop/main_window.h"
 #include "desktop/simulation.h"
 #include "server/machine_restart.h"
+#include "win32/tick_count.h"
 #include "win32/win32_host.h"
 #include "win32/win32_machine.h"
 #include "win32/win32_profile_file.h"
@@ -107,8 +108,8 @@ int RunOnClient() {
       std::ofstream(path, std::ios::trunc) << flags << "\n";
       return true;
     });
-  return RunProgram(host, {api, registry, profiles, machine, GetTickCount64()},
-                    nullptr);
+  return RunProgram(
+      host, {api, registry, profiles, machine, win32::TickCount64()}, nullptr);
 }
 
 }  // namespace

@@ -126,22 +126,27 @@ HWND WaitDialog(const std::string& title, double seconds) {
   return WaitWindow(L"#32770", Wide(title).c_str(), seconds);
 }
 
+namespace {
+
+// A callback of the system's own calling convention (a lambda has the
+// C++ one, which differs in a 32-bit program).
+BOOL CALLBACK FindPrompt(HWND child, LPARAM lp) {
+  wchar_t cls[32];
+  GetClassNameW(child, cls, 32);
+  const std::string text = Text(child);
+  // The icon of a message box is a static without text.
+  if (lstrcmpiW(cls, L"Static") == 0 && !text.empty()) {
+    *reinterpret_cast<std::string*>(lp) = text;
+    return FALSE;
+  }
+  return TRUE;
+}
+
+}  // namespace
+
 std::string DialogPrompt(HWND dialog) {
   std::string prompt;
-  EnumChildWindows(
-      dialog,
-      [](HWND child, LPARAM lp) -> BOOL {
-        wchar_t cls[32];
-        GetClassNameW(child, cls, 32);
-        const std::string text = Text(child);
-        // The icon of a message box is a static without text.
-        if (lstrcmpiW(cls, L"Static") == 0 && !text.empty()) {
-          *reinterpret_cast<std::string*>(lp) = text;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&prompt));
+  EnumChildWindows(dialog, FindPrompt, reinterpret_cast<LPARAM>(&prompt));
   return prompt;
 }
 

@@ -16,13 +16,23 @@ Window::~Window() {
 }
 
 void Window::Register(HINSTANCE instance, const wchar_t* class_name) {
-  WNDCLASSW wc{};
+  WNDCLASSEXW wc{};
+  wc.cbSize = sizeof wc;
   wc.lpfnWndProc = Proc;
   wc.hInstance = instance;
   wc.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
   wc.hbrBackground = nullptr;
   wc.lpszClassName = class_name;
-  RegisterClassW(&wc);
+  // The program's icon (resource 1), for the task bar and Alt+Tab, each
+  // at the size the system draws it.
+  auto icon = [instance](int cx, int cy) {
+    return static_cast<HICON>(LoadImageW(
+        instance, MAKEINTRESOURCEW(1), IMAGE_ICON, GetSystemMetrics(cx),
+        GetSystemMetrics(cy), LR_DEFAULTCOLOR | LR_SHARED));
+  };
+  wc.hIcon = icon(SM_CXICON, SM_CYICON);
+  wc.hIconSm = icon(SM_CXSMICON, SM_CYSMICON);
+  RegisterClassExW(&wc);
 }
 
 void Window::Destroy() {
@@ -33,17 +43,19 @@ void Window::CreateTopLevel(const wchar_t* class_name,
                             const std::string& caption, int x, int y, int w,
                             int h) {
   subs_.Clear();
+  // The place is on the screen, in its pixels; the size grows with it.
   CreateWindowExW(WS_EX_TOPMOST, class_name, Wide(caption).c_str(),
                   WS_POPUP | WS_CLIPCHILDREN | WS_MINIMIZEBOX | WS_SYSMENU, x,
-                  y, w, h, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+                  y, Scaled(w), Scaled(h), nullptr, nullptr,
+                  GetModuleHandleW(nullptr), this);
 }
 
 HWND Window::Child(const wchar_t* class_name, const std::string& text,
                    DWORD style, int x, int y, int w, int h, int id,
                    DWORD ex_style) {
   HWND c = CreateWindowExW(ex_style, class_name, Wide(text).c_str(),
-                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, x,
-                           y, w, h, hwnd_,
+                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style,
+                           Scaled(x), Scaled(y), Scaled(w), Scaled(h), hwnd_,
                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                            GetModuleHandleW(nullptr), nullptr);
   SendMessageW(c, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
@@ -167,7 +179,9 @@ void AddToolTip(HWND owner, HWND control, const std::string& tip) {
   }
   std::wstring text = Wide(tip);
   TOOLINFOW ti{};
-  ti.cbSize = sizeof(ti);
+  // The size the common controls of every Windows take (those of XP and
+  // later without a manifest asking for version 6 refuse a larger one).
+  ti.cbSize = TTTOOLINFOW_V2_SIZE;
   ti.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
   ti.hwnd = owner;
   ti.uId = reinterpret_cast<UINT_PTR>(control);

@@ -30,7 +30,7 @@ struct TextBox {
     return observers.Add(std::move(o));
   }
   void Unsubscribe(int id) { observers.Remove(id); }
-  Observers<const TextBox&> observers;
+  Observers<const TextBox&> observers{};
 };
 
 struct CheckBox {
@@ -45,7 +45,7 @@ struct CheckBox {
     return observers.Add(std::move(o));
   }
   void Unsubscribe(int id) { observers.Remove(id); }
-  Observers<const CheckBox&> observers;
+  Observers<const CheckBox&> observers{};
 };
 
 struct ComboBox {
@@ -61,7 +61,7 @@ struct ComboBox {
     return observers.Add(std::move(o));
   }
   void Unsubscribe(int id) { observers.Remove(id); }
-  Observers<const ComboBox&> observers;
+  Observers<const ComboBox&> observers{};
 };
 
 }  // namespace quorvex

@@ -28,26 +28,32 @@ std::string ProfileQuote(const std::string& value) {
   return value;
 }
 
+bool MemoryRegistry::FoldedLess::operator()(const std::string& a,
+                                            const std::string& b) const {
+  return LCase(a) < LCase(b);
+}
+
 std::optional<std::string> MemoryRegistry::Get(const std::string& app,
                                                const std::string& section,
                                                const std::string& key) const {
-  auto a = FindFolded(store_, app);
+  auto a = store_.find(app);
   if (a == store_.end()) return std::nullopt;
-  auto s = FindFolded(a->second, section);
+  auto s = a->second.find(section);
   if (s == a->second.end()) return std::nullopt;
-  auto k = FindFolded(s->second, key);
+  auto k = s->second.find(key);
   if (k == s->second.end()) return std::nullopt;
   return k->second;
 }
 
 void MemoryRegistry::Save(const std::string& app, const std::string& section,
                           const std::string& key, const std::string& value) {
-  auto a = FindFolded(store_, app);
-  if (a == store_.end()) a = store_.emplace(app, Sections{}).first;
-  auto s = FindFolded(a->second, section);
+  auto a = store_.find(app);
+  if (a == store_.end())
+    a = store_.emplace(app, Folded<Folded<std::string>>{}).first;
+  auto s = a->second.find(section);
   if (s == a->second.end())
-    s = a->second.emplace(section, std::map<std::string, std::string>{}).first;
-  auto k = FindFolded(s->second, key);
+    s = a->second.emplace(section, Folded<std::string>{}).first;
+  auto k = s->second.find(key);
   if (k == s->second.end()) {
     s->second.emplace(key, value);
   } else {
@@ -58,22 +64,26 @@ void MemoryRegistry::Save(const std::string& app, const std::string& section,
 void MemoryRegistry::DeleteKey(const std::string& app,
                                const std::string& section,
                                const std::string& key) {
-  auto a = FindFolded(store_, app);
+  auto a = store_.find(app);
   if (a == store_.end()) return;
-  auto s = FindFolded(a->second, section);
+  auto s = a->second.find(section);
   if (s == a->second.end()) return;
-  auto k = FindFolded(s->second, key);
+  auto k = s->second.find(key);
   if (k != s->second.end()) s->second.erase(k);
 }
 
 void MemoryRegistry::DeleteApp(const std::string& app) {
-  auto a = FindFolded(store_, app);
+  auto a = store_.find(app);
   if (a != store_.end()) store_.erase(a);
 }
 
 Registry::Sections MemoryRegistry::Dump(const std::string& app) const {
-  auto a = FindFolded(store_, app);
-  return a == store_.end() ? Sections{} : a->second;
+  Sections out;
+  auto a = store_.find(app);
+  if (a == store_.end()) return out;
+  for (const auto& [section, keys] : a->second)
+    out[section].insert(keys.begin(), keys.end());
+  return out;
 }
 
 std::string MemoryProfileFile::GetString(

@@ -21,8 +21,15 @@ class MemoryRegistry : public Registry {
   void DeleteApp(const std::string& app) override;
   Sections Dump(const std::string& app) const override;
 
+  // Names in the order of their folded forms, so that one look-up finds a
+  // name whatever its case.
+  struct FoldedLess {
+    bool operator()(const std::string& a, const std::string& b) const;
+  };
+  template <typename T>
+  using Folded = std::map<std::string, T, FoldedLess>;
   // The whole store: app -> section -> key -> value, names as first written.
-  using Store = std::map<std::string, Sections>;
+  using Store = Folded<Folded<Folded<std::string>>>;
   const Store& store() const { return store_; }
   void Replace(Store store) { store_ = std::move(store); }
 

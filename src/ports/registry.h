@@ -6,8 +6,17 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorvex {
+
+// One change of a batch (Registry::Write): a value saved, or, without a
+// value, a key deleted.
+struct RegistryChange {
+  std::string section;
+  std::string key;
+  std::optional<std::string> value;
+};
 
 class Registry {
  public:
@@ -25,6 +34,19 @@ class Registry {
   // Removes the application's whole key, every section in it.
   virtual void DeleteApp(const std::string& app) = 0;
   virtual Sections Dump(const std::string& app) const = 0;
+
+  // Makes the changes in order, as Save and DeleteKey would one by one;
+  // a store kept in one file writes it once for them all.
+  virtual void Write(const std::string& app,
+                     const std::vector<RegistryChange>& changes) {
+    for (const RegistryChange& c : changes) {
+      if (c.value) {
+        Save(app, c.section, c.key, *c.value);
+      } else {
+        DeleteKey(app, c.section, c.key);
+      }
+    }
+  }
 
   // GetSetting(app, section, key, default).
   std::string GetSetting(const std::string& app, const std::string& section,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ports/memory_registry.h"
+#include "requests/room_view.h"
 #include "settings/settings.h"
 
 namespace quorvex {
@@ -28,6 +29,32 @@ TEST(BanningOptionsTest, BadStoredValuesLoadAsDefaults) {
   EXPECT_EQ(form.chkDupReqs.value, 0);
   form.cmbMails.text = "many";  // typed by hand
   EXPECT_EQ(form.Mails(), 500);
+}
+
+TEST(BanningOptionsTest, StoredValuesAtTheEdgesOfTheirRanges) {
+  // A combo holds a 16-bit integer, a check box 0, 1 or 2; one past
+  // either end loads as the default (500 mails, full box checked).
+  const std::pair<const char*, const char*> mails[] = {{"32767", "32767"},
+                                                       {"32768", "500"},
+                                                       {"-32768", "-32768"},
+                                                       {"-32769", "500"},
+                                                       {"32767.4", "32767"}};
+  for (const auto& [stored, loaded] : mails) {
+    MemoryRegistry registry;
+    BanningForm form;
+    registry.Save(kApp, "Banning", "Mails", stored);
+    LoadBanning(registry, form);
+    EXPECT_EQ(form.cmbMails.text, loaded) << stored;
+  }
+  const std::pair<const char*, int> checks[] = {
+      {"-1", 1}, {"0", 0}, {"2", 2}, {"3", 1}};
+  for (const auto& [stored, loaded] : checks) {
+    MemoryRegistry registry;
+    BanningForm form;
+    registry.Save(kApp, "Banning", "FullBox", stored);
+    LoadBanning(registry, form);
+    EXPECT_EQ(form.chkFullBox.value, loaded) << stored;
+  }
 }
 
 class AddMistakeTest : public ::testing::Test {
@@ -84,6 +111,30 @@ TEST_F(AddMistakeTest, LimitsOfOneZeroAndOddTexts) {
     for (int i = 0; i < 3; ++i) AddMistake(ctx, "bob");
     EXPECT_EQ(said.back(), last) << limit;
   }
+}
+
+// The room people window: the first name of the room is handled like any.
+TEST(RoomFormTest, LeavesOutTheBannedAndBansTheSelectedPerson) {
+  RoomForm room;
+  ListBox lstBanned{"lstBanned"};
+  Label lblBanned{"lblBanned", "banned: 2"};
+  PendingQueue pending;
+  Label lblPending{"lblPending", "pending: 0"};
+  lstBanned.Add("AMY");
+  lstBanned.Add("cal");
+  room.Load({"amy", "bob", "cal", "dan"}, lstBanned);
+  EXPECT_EQ(room.lstRoom.Items(), (Lines{"bob", "dan"}));
+
+  pending.Append("bob-1");
+  room.DoubleClick(lstBanned, lblBanned, pending, lblPending);  // no one
+  EXPECT_EQ(lstBanned.Count(), 2);
+  room.lstRoom.Select(0);
+  room.DoubleClick(lstBanned, lblBanned, pending, lblPending);
+  EXPECT_EQ(lstBanned.Items(), (Lines{"AMY", "cal", "bob"}));
+  EXPECT_EQ(lblBanned.caption(), "banned: 3");
+  EXPECT_EQ(room.lstRoom.Items(), Lines{"dan"});
+  EXPECT_EQ(lblPending.caption(), "pending: 0");
+  EXPECT_TRUE(pending.list().Empty());
 }
 
 }  // namespace

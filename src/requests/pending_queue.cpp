@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/text_util.h"
+#include "ports/profile_section.h"
 #include "requests/pending_line.h"
 #include "requests/reply_order.h"
 
@@ -25,10 +26,6 @@ std::string_view After(std::string_view line, size_t at) {
 bool HasPatternCharacter(std::string_view s) {
   return s.find_first_of("*?#[") != std::string_view::npos;
 }
-
-// A hand-edited file could ask for any number of lines; a million is far
-// beyond any real queue and keeps a start from running out of memory.
-constexpr double kLastIndexLoaded = 1000000 - 1;
 
 }  // namespace
 
@@ -223,7 +220,7 @@ TakenGroup PendingQueue::TakeNextFind(Label& lblPending) {
 }
 
 void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
-  ReplyQueue.Add(ReplyOrder::Make(sn, "mailbox"));
+  QueueReply(ReplyQueue, sn, "mailbox");
   auto it = by_dash_name_.find(sn);
   if (it == by_dash_name_.end()) return;
 
@@ -255,11 +252,17 @@ void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
   RemoveIds(drop);
 }
 
+std::uint64_t PendingQueue::IdsBelowFuture() const {
+  return lstPending_.Empty() ? 0
+                             : lstPending_.IdAt(lstPending_.Count() - 1) + 1;
+}
+
 std::optional<std::string> PendingQueue::TakeFirstMailFor(
-    const std::string& number) {
+    const std::string& number, std::uint64_t below) {
   auto it = mail_by_wanted_.find(number);
   if (it == mail_by_wanted_.end() || it->second.empty()) return std::nullopt;
   const std::uint64_t id = it->second.front();
+  if (id >= below) return std::nullopt;
   std::string sn(
       PendingLine::Requester(lstPending_.Item(lstPending_.IndexOfId(id)), '-'));
   lstPending_.RemoveId(id);
@@ -329,31 +332,13 @@ void PendingQueue::Load(const PendingFile& file, Label& lblPending) {
   if (!file.exists()) return;
   // One read of the whole file: a profile read per key could mean a
   // pass over the file per line.
-  ProfileFile::Sections sections = file.profiles.Dump(file.path);
-  const std::map<std::string, std::string>* keys = nullptr;
-  for (const auto& [name, values] : sections) {
-    if (EqualsIgnoreCase(name, "Quorvex")) {
-      keys = &values;
-      break;
-    }
-  }
-  std::unordered_map<std::string, const std::string*> folded;
-  if (keys) {
-    for (const auto& [key, value] : *keys) folded.emplace(LCase(key), &value);
-  }
-  auto value_of = [&](const std::string& key) -> std::string {
-    auto it = folded.find(LCase(key));
-    return it == folded.end() ? std::string() : *it->second;
-  };
-
-  std::string total = value_of("TotalPending");
+  const ProfileSection section(file.profiles.Dump(file.path), "Quorvex");
+  const std::string total = section.Get("TotalPending");
   if (IsNumeric(total)) {
-    lblPending.Set("pending: " + total);
-    // "For i = 0 To total - 1" with a whole-number counter: the bound is
-    // rounded the runtime's way.
-    double last = std::min(RoundHalfEven(Val(total) - 1), kLastIndexLoaded);
-    for (std::int64_t i = 0; i <= last; ++i)
-      lstPending_.Add(value_of("Pending " + std::to_string(i)));
+    std::vector<std::string> lines = section.Numbered("Pending ", total);
+    // The lines loaded, which a damaged count may overstate.
+    lblPending.Set("pending: " + std::to_string(lines.size()));
+    for (std::string& line : lines) lstPending_.Add(std::move(line));
   }
   file.remove();
 }

@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -94,7 +95,13 @@ class PendingQueue {
 
   // A mail the client will not forward: removes the first mail line that
   // wants `number` and gives its requester; nothing when none is left.
-  std::optional<std::string> TakeFirstMailFor(const std::string& number);
+  // Only lines whose id is below `below` (those already queued when a
+  // walk began) are taken.
+  std::optional<std::string> TakeFirstMailFor(
+      const std::string& number,
+      std::uint64_t below = std::numeric_limits<std::uint64_t>::max());
+  // An id above every line queued so far.
+  std::uint64_t IdsBelowFuture() const;
 
   // Removes every line that contains "-" and whose text before the first
   // "-" is `sn` (a ban earned by mistakes). Returns how many went.

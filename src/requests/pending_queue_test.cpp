@@ -100,6 +100,18 @@ TEST_F(PendingQueueTest, CountsFollowChangesMadeThroughTheListBox) {
   EXPECT_EQ(q.StatusOf("bob").first_position, 2);
   EXPECT_EQ(q.StatusOf("nobody").first_position, -1);
   EXPECT_EQ(q.StatusOf("b*").count, 3);  // a pattern
+  EXPECT_EQ(q.StatusOf("b*").first_position, 2);
+  // The first line of any name the pattern matches, the very first one
+  // included, whichever name the walk meets first: each of two names in
+  // front, each known before the other.
+  for (const Lines& lines :
+       {Lines{"amy-1", "bob-2"}, Lines{"bob-1", "amy-2"},
+        Lines{"bob-1", "amy-2", "bob-3"}, Lines{"amy-1", "bob-2", "amy-3"}}) {
+    q.list().Clear();
+    Queue(lines);
+    if (lines.size() == 3) q.list().Remove(0);
+    EXPECT_EQ(q.StatusOf("*").first_position, 0) << lines[0];
+  }
 }
 
 // The walk of DropFullMailbox done the slow way on a plain list.
@@ -152,6 +164,9 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
   q.mnuClearSN(prompter, label);
   EXPECT_EQ(q.list().Items(), (Lines{"amy-1", "", "bobs-1"}));
   EXPECT_EQ(label.caption(), "pending: 3");
+  prompter.QueueAnswer("AMY");  // three characters are enough
+  q.mnuClearSN(prompter, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"", "bobs-1"}));
 
   q.mnuClearALL(label);
   EXPECT_EQ(label.caption(), "pending: 0");
@@ -163,6 +178,13 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
 }
 
 TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
+  Queue({"bob-1", "amy-2"});
+  q.Save(profiles, path);  // a key a line, none past the last
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 1", ""), "amy-2");
+  EXPECT_EQ(profiles.GetString(path, "Quorvex", "Pending 2", "none"), "none");
+  profiles.Remove(path);
+  q.list().Clear();
+
   PendingQueue().Save(profiles, path);  // an empty queue writes nothing
   EXPECT_FALSE(profiles.Exists(path));
   profiles.WriteString(path, "Quorvex", "TotalPending", "lots");
@@ -182,16 +204,62 @@ TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
   EXPECT_EQ(Mail(), "(bob)");
   EXPECT_EQ(Mail(), "");
 
-  // A count far beyond any queue stays bounded.
+  // A damaged count loads the lines that are there: nothing is added
+  // behind the last key present, and the label counts what was loaded.
+  q.list().Clear();
+  profiles.WriteString(path, "Quorvex", "TotalPending", "2000000000");
+  profiles.WriteString(path, "Quorvex", "Pending 0", "bob-3");
+  q.Load(file, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"bob-3"}));
+  EXPECT_EQ(label.caption(), "pending: 1");
+  q.Append("amy-4");  // a later request is served
+  EXPECT_EQ(Mail(), "(bob)");
+  EXPECT_EQ(Mail(), "(amy)");
+}
+
+TEST_F(PendingQueueTest, LoadStopsAtTheCountOrTheLastKeyPresent) {
+  // Keys 0 to 4 present; the count and the keys decide, whichever ends
+  // first; a fraction rounds the loop's bound half to even.
+  const std::vector<std::pair<std::string, size_t>> cases = {
+      {"0", 0}, {"1", 1}, {"4", 4}, {"5", 5}, {"6", 5}, {"2.5", 3}, {"-3", 0}};
+  for (const auto& [total, want] : cases) {
+    q.list().Clear();
+    profiles.WriteString(path, "Quorvex", "TotalPending", total);
+    for (int i = 0; i < 5; ++i)
+      profiles.WriteString(path, "Quorvex", "Pending " + std::to_string(i),
+                           "p-" + std::to_string(i));
+    q.Load(file, label);
+    EXPECT_EQ(q.list().Count(), want) << total;
+    EXPECT_EQ(label.caption(), "pending: " + std::to_string(want)) << total;
+  }
+  // Only keys written as the save writes them count; a gap within the
+  // count is a blank line up to the last present key.
+  q.list().Clear();
+  profiles.WriteString(path, "Quorvex", "TotalPending", "10");
+  profiles.WriteString(path, "Quorvex", "Pending 1", "a-1");
+  profiles.WriteString(path, "Quorvex", "Pending 3", "b-1");
+  profiles.WriteString(path, "Quorvex", "Pending 07", "c-1");
+  profiles.WriteString(path, "Quorvex", "Pending 10", "d-1");
+  q.Load(file, label);
+  EXPECT_EQ(q.list().Items(), (Lines{"", "a-1", "", "b-1"}));
+
+  // However far the keys go, a million lines at the most.
   q.list().Clear();
   profiles.WriteString(path, "Quorvex", "TotalPending", "1e12");
+  profiles.WriteString(path, "Quorvex", "Pending 999999", "last-1");
+  profiles.WriteString(path, "Quorvex", "Pending 1000000", "beyond-1");
   q.Load(file, label);
   EXPECT_EQ(q.Count(), 1000000);
-  EXPECT_EQ(label.caption(), "pending: 1e12");
+  EXPECT_EQ(q.list().Item(999999), "last-1");
+  EXPECT_EQ(label.caption(), "pending: 1000000");
 }
 
 TEST_F(PendingQueueTest, CountersReadTheStoredTotalAndSaturate) {
   registry.Save(kApp, "Settings", "TotalSent", "not a number");
+  // A list pass that found nobody counts nothing and writes nothing.
+  EXPECT_EQ(q.TakeNextMail(true, label, view, 3).requesters, "");
+  EXPECT_EQ(Total(), "not a number");
+  EXPECT_EQ(lblSent.caption(), "");
   AdvanceServeCounters(view, 2);
   EXPECT_EQ(Total(), "2");
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
@@ -213,6 +281,15 @@ TEST_F(PendingQueueTest, DeadMailTakesEveryMailLineForItsNumberOnly) {
   EXPECT_EQ(gone, (Lines{"bob", "dan", "fay"}));
   EXPECT_EQ(q.list().Items(), (Lines{"amy~12", "", "cal-120", "eve-list"}));
   EXPECT_FALSE(q.TakeFirstMailFor("list"));
+
+  // A walk takes only the lines queued when it began: not the next one.
+  q.list().Clear();
+  Queue({"bob-5"});
+  const std::uint64_t below = q.IdsBelowFuture();
+  Queue({"amy-5"});
+  EXPECT_EQ(q.TakeFirstMailFor("5", below), "bob");
+  EXPECT_FALSE(q.TakeFirstMailFor("5", below));
+  EXPECT_EQ(q.TakeFirstMailFor("5"), "amy");
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "model/list_box.h"
+
 namespace quorvex {
 
 struct ReplyOrder {
@@ -29,5 +31,19 @@ struct ReplyOrder {
     return true;
   }
 };
+
+// Queues a person's order unless the very same order (that person, that
+// kind) is already in the queue, the one being answered included: each
+// person is still told of a duplicate, a full list, a full mailbox, thanks
+// and status, but one person holds at most one order of each kind, so
+// that repeating a request cannot make the reply phase, and every serving
+// tick behind it, as long as the person likes. True when queued.
+inline bool QueueReply(ListBox& ReplyQueue, std::string_view sn,
+                       std::string_view kind) {
+  std::string order = ReplyOrder::Make(sn, kind);
+  if (ReplyQueue.Contains(order)) return false;
+  ReplyQueue.Add(std::move(order));
+  return true;
+}
 
 }  // namespace quorvex

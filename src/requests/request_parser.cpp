@@ -39,6 +39,12 @@ void ForEachInRange(double x, double y, double last,
   }
 }
 
+int RequestableMails(const RequestContext& ctx) {
+  if (ctx.mails_while_reading && *ctx.mails_while_reading >= 0)
+    return *ctx.mails_while_reading;
+  return ctx.lstMails.Count();
+}
+
 bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
                     std::string_view separator, std::string_view item) {
   std::string entry = sn;
@@ -46,7 +52,7 @@ bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
   entry += item;
   if (!ctx.pending.Has(entry)) return false;
   if (ctx.frmBanning.chkDupReqs.value == 1)
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "duplication"));
+    QueueReply(ctx.ReplyQueue, sn, "duplication");
   return true;
 }
 
@@ -64,13 +70,13 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   // The span is y - x, one less than the mails asked for.
   if (ctx.frmBanning.chkPending.value == 1 &&
       y - x + pending > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
+    QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
   if (!(y > x)) return End::kRefresh;
   if (ctx.settings.BlockMax > 0 && y - x > ctx.settings.BlockMax)
     return End::kSilent;
-  ForEachInRange(x, y, ctx.lstMails.Count(), [&](double i) {
+  ForEachInRange(x, y, RequestableMails(ctx), [&](double i) {
     std::string number = NumberText(i);
     if (!CheckDuplicate(ctx, sn, "-", number))
       ctx.pending.Append(PendingLine::Mail(sn, number));
@@ -84,9 +90,9 @@ End WordRequest(RequestContext& ctx, const std::string& sn,
     if (CheckDuplicate(ctx, sn, "-", "list")) return End::kSilent;
     ctx.pending.Append(PendingLine::List(sn));
   } else if (StartsWith(rest, "than") && ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
+    QueueReply(ctx.ReplyQueue, sn, "thankyou");
   } else if (rest == "status" && ctx.settings.ScrollStatus) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "status"));
+    QueueReply(ctx.ReplyQueue, sn, "status");
   }
   return End::kRefresh;
 }
@@ -99,10 +105,10 @@ End SingleRequest(RequestContext& ctx, const std::string& sn,
   double n = Val(Trim(rest));
   if (ctx.frmBanning.chkPending.value == 1 &&
       pending + 1 > ctx.frmBanning.Mails()) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "pending"));
+    QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
-  if (n > 0 && n <= ctx.lstMails.Count()) {
+  if (n > 0 && n <= RequestableMails(ctx)) {
     std::string number = NumberText(n);
     if (!CheckDuplicate(ctx, sn, "-", number))
       ctx.pending.Append(PendingLine::Mail(sn, number));
@@ -163,7 +169,7 @@ void HandleChatLine(RequestContext& ctx, std::string_view speaker,
     end = SendRequest(ctx, sn, msg, send_key.size());
   } else if (StartsWith(after_slash, thank_key) &&
              ctx.settings.ScrollThankyou) {
-    ctx.ReplyQueue.Add(ReplyOrder::Make(sn, "thankyou"));
+    QueueReply(ctx.ReplyQueue, sn, "thankyou");
   } else if (StartsWith(after_slash, find_key) && ctx.settings.FindsEnable) {
     end = FindRequest(ctx, sn, msg, find_key.size());
   }

@@ -22,7 +22,14 @@ struct RequestContext {
   const ListBox& lstMails;  // its count is the highest mail number
   ListBox& ReplyQueue;
   Label& lblPending;
+  // While a start reads the mailbox again, lstMails is emptied and filled
+  // title by title; requests are judged against the count it had before
+  // (>= 0 then), never against a half-read list. Unset or -1: no read.
+  const int* mails_while_reading = nullptr;
 };
+
+// The highest mail number a request may ask for now.
+int RequestableMails(const RequestContext& ctx);
 
 // One chat event (speaker, text). Any bytes are accepted.
 void HandleChatLine(RequestContext& ctx, std::string_view speaker,

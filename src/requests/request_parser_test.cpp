@@ -77,8 +77,58 @@ TEST_F(RequestParserTest, DuplicatesAndPendingLimit) {
   Mark();
   Say("bob", "/srv send list");
   EXPECT_EQ(lblPending.caption(), "unrefreshed");
-  EXPECT_EQ(ReplyQueue.Items().back(), "bob-duplication");
+  // bob's duplication order still waits: he is told once.
+  EXPECT_EQ(ReplyQueue.Items(), (Lines{"bob-duplication", "bob-pending"}));
   EXPECT_EQ(pending.PendingCount("bob"), 6);
+}
+
+TEST_F(RequestParserTest, RepeatsWaitOncePerPersonAndKind) {
+  banning.cmbMails.text = "2";
+  Say("bob", "/srv send 1");
+  Say("amy", "/srv send 1");
+  // Hundreds of repeats: each person keeps one order of each kind.
+  for (int i = 0; i < 300; ++i) {
+    for (const char* who : {"bob", "amy"}) {
+      Say(who, "/srv send 1");
+      Say(who, "/srv thanks");
+      Say(who, "/srv send status");
+    }
+    Say("bob", "/srv send 2-4");  // 4 - 2 + 1 > 2
+  }
+  EXPECT_EQ(
+      ReplyQueue.Items(),
+      (Lines{"bob-duplication", "bob-thankyou", "bob-status", "amy-duplication",
+             "amy-thankyou", "amy-status", "bob-pending"}));
+  EXPECT_EQ(Pending(), (Lines{"bob-1", "amy-1"}));
+  // Once an order is answered and gone, the next repeat is told again.
+  ReplyQueue.Remove(0);
+  Say("amy", "/srv send 1");
+  Say("bob", "/srv send 1");
+  EXPECT_EQ(ReplyQueue.Items().back(), "bob-duplication");
+  EXPECT_EQ(ReplyQueue.Count(), 7);
+}
+
+TEST_F(RequestParserTest, WhileTheMailboxIsReadTheCountBeforeHolds) {
+  // The start emptied lstMails and has read two titles of ten so far.
+  int before = 10;
+  ctx.mails_while_reading = &before;
+  lstMails.Clear();
+  lstMails.Add("mail 1");
+  lstMails.Add("mail 2");
+  Say("bob", "/srv send 10");
+  Say("bob", "/srv send 11");
+  Say("amy", "/srv send 9-12");
+  EXPECT_EQ(Pending(), (Lines{"bob-10", "amy-9", "amy-10"}));
+  // A mailbox that was empty before the start has nothing to ask for
+  // until it is read, whatever the read has found so far.
+  before = 0;
+  Say("cal", "/srv send 1");
+  EXPECT_EQ(Pending().back(), "amy-10");
+  // Once read, the list itself counts again.
+  before = -1;
+  Say("joe", "/srv send 3");
+  Say("joe", "/srv send 2");
+  EXPECT_EQ(Pending().back(), "joe-2");
 }
 
 TEST_F(RequestParserTest, Ranges) {
@@ -92,6 +142,13 @@ TEST_F(RequestParserTest, Ranges) {
   EXPECT_EQ(lblPending.caption(), "unrefreshed");
   Say("bob", "/srv send 8-11");  // numbers beyond the mails are skipped
   EXPECT_EQ(Pending(), (Lines{"bob-8", "bob-9", "bob-10"}));
+
+  // The smallest limit: one step from x to y.
+  settings.BlockMax = 1;
+  pending.list().Clear();
+  Say("bob", "/srv send 1-3");
+  Say("bob", "/srv send 5-6");
+  EXPECT_EQ(Pending(), (Lines{"bob-5", "bob-6"}));
 
   // No limit at all: a huge range still ends at the last mail.
   settings.BlockMax = 0;
@@ -117,8 +174,15 @@ TEST_F(RequestParserTest, WordsAndFinds) {
                           "/srv thank you", "/srv thanks"})
       Say("bob", l);
   }
-  EXPECT_EQ(ReplyQueue.Items(), (Lines{"bob-status", "bob-thankyou",
-                                       "bob-thankyou", "bob-thankyou"}));
+  // Each spelling queues the order; the repeats fold into the one waiting.
+  EXPECT_EQ(ReplyQueue.Items(), (Lines{"bob-status", "bob-thankyou"}));
+  ReplyQueue.Clear();
+  settings.ScrollThankyou = settings.ScrollStatus = true;
+  for (const char* l : {"/srv send thanks a lot", "/srv thank you"}) {
+    Say("bob", l);
+    EXPECT_EQ(ReplyQueue.Items(), (Lines{"bob-thankyou"})) << l;
+    ReplyQueue.Clear();
+  }
   settings.FindMin = 3;
   settings.FindMax = 6;
   Mark();

@@ -35,7 +35,12 @@ void AnnounceDeadMail(const MailJobContext& m, const ClientContext& c,
 void DropDeadRequests(const MailJobContext& m, const ClientContext& c,
                       const std::string& number) {
   // One at a time: each notice pauses, and new lines may come meanwhile.
-  while (std::optional<std::string> sn = m.pending.TakeFirstMailFor(number)) {
+  // Only those queued when the walk began: people who keep asking for the
+  // mail would otherwise keep this walk, and the tick, going for ever;
+  // later ones are told by the next ticks, one each.
+  const std::uint64_t queued = m.pending.IdsBelowFuture();
+  while (std::optional<std::string> sn =
+             m.pending.TakeFirstMailFor(number, queued)) {
     m.pending.RefreshLabel(m.lblPending);
     AnnounceDeadMail(m, c, *sn, number);
   }

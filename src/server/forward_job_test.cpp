@@ -4,6 +4,7 @@
 // servers' lists runs whole in the foreign_list_mails scenario.
 #include "server/forward_job.h"
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "client/client_tree.h"
@@ -89,6 +90,22 @@ TEST_F(ForwardJobTest, AMailWindowWhoseIconsComeLaterIsForwardedAtOnce) {
   EXPECT_LT(host.Elapsed() - began, kAskAgainSeconds);
 }
 
+// A number is served as the mail it rounds to, the first and the last
+// included; one that rounds to no mail of the box opens nothing.
+TEST_F(ForwardJobTest, ANumberIsServedAsTheMailItRoundsTo) {
+  Launch(8);
+  Queue({"bob-0.4", "dan-1", "ann-2.5", "cal-8.4", "amy-8.6"});
+  for (int i = 0; i < 5; ++i) RunMailJob(MailJobs(), c, scratch);
+  EXPECT_EQ(Forwarded("dan"), Lines{"mail 1"});
+  EXPECT_EQ(Forwarded("ann"), Lines{"mail 2"});
+  EXPECT_EQ(Forwarded("cal"), Lines{"mail 8"});
+  EXPECT_TRUE(Forwarded("bob").empty());
+  EXPECT_TRUE(Forwarded("amy").empty());
+  EXPECT_EQ(Said(), (Lines{"dan mail <U>1</U> sent", "ann mail <U>2.5</U> sent",
+                           "cal mail <U>8.4</U> sent"}));
+  EXPECT_TRUE(Pending().empty());
+}
+
 TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
   Launch(3);
   // The mailbox no longer holds what the list says: the window captioned
@@ -137,6 +154,24 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
     EXPECT_FALSE(scratch.error);
     EXPECT_EQ(FindForwardWindow(sim), 0u);
   }
+}
+
+TEST_F(ForwardJobTest, ADeadMailsWalkEndsThoughPeopleKeepAskingForIt) {
+  sim.SetDeadMail(4);
+  Launch(6);
+  Queue({"bob-4"});
+  // pat asks for mail 4 again whenever it is not pending, for two minutes.
+  std::function<void()> ask = [&] {
+    if (!frm.pending.Has("pat-4")) frm.pending.Append("pat-4");
+    if (host.Elapsed() < 120) host.Schedule(0.25, ask);
+  };
+  host.Schedule(0.25, ask);
+  RunMailJob(MailJobs(), c, scratch);
+  // The step ends after telling those queued when the walk began; pat's
+  // later request waits for the next tick.
+  EXPECT_LT(host.Elapsed(), 60);
+  EXPECT_LE(Said().size(), 3u);
+  EXPECT_EQ(Pending(), Lines{"pat-4"});
 }
 
 TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
@@ -202,11 +237,13 @@ class ListsFindsTest : public ForwardJobTest {
 TEST_F(ListsFindsTest, CollectListsKeepsOnlyNumberedListMails) {
   for (const char* t :
        {"song a", "\xC2\xB7[ quorvex list number 2 ]", "my quorvex list number",
-        "velo-grid list number 1", " quorvex list number 10 "})
+        "velo-grid list number 1", " quorvex list number 10 ",
+        " quorvex list number 0 ", " quorvex list number 9 ",
+        " quorvex list number / ", " quorvex list number : "})
     frm.lstMails.Add(t);
-  EXPECT_EQ(CollectLists(MailJobs().mailbox), 2);
-  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5"}));
-  EXPECT_EQ(frm.lblLists.caption(), "lists: 2");
+  EXPECT_EQ(CollectLists(MailJobs().mailbox), 4);
+  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5", "0 6", "9 7"}));
+  EXPECT_EQ(frm.lblLists.caption(), "lists: 4");
 }
 
 TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
@@ -231,6 +268,30 @@ TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
   EXPECT_EQ(frm.lblMails.caption(), "mails: 123");
   EXPECT_EQ(statuses.front(), "status: making/sending list #1");
   EXPECT_EQ(sim.FindWindowA("_AOL_Modal", "Automatic AOL"), 0u);
+}
+
+// A pause between lists, none after the last: a mailbox of exactly two
+// lists' worth makes two, and a last list of one title still comes.
+TEST_F(ListsFindsTest, AFullOrNearlyEmptyLastListEndsTheLists) {
+  auto pauses = [this] {
+    return std::count(statuses.begin(), statuses.end(),
+                      "status: pausing for 2 seconds");
+  };
+  frm.settings.ListSize = 50;
+  Launch(100);
+  BuildLists(MailJobs(), c);
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_NE(seen.mails[1].body.find("[ 100 ] - mail 100\r\n"),
+            std::string::npos);
+  EXPECT_EQ(pauses(), 1);
+
+  // The two lists are mails 101 and 102 now.
+  frm.settings.ListSize = 101;
+  statuses.clear();
+  BuildLists(MailJobs(), c);
+  ASSERT_EQ(seen.mails.size(), 4u);
+  EXPECT_NE(seen.mails[3].body.find("[ 102 ] - "), std::string::npos);
+  EXPECT_EQ(pauses(), 1);
 }
 
 TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
@@ -258,6 +319,34 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   RunListJob(MailJobs(), c, scratch);
   EXPECT_EQ(seen.mails.size(), 2u);
   EXPECT_EQ(Said().size(), 2u);
+}
+
+// Without a note after each list the room hears when the lists begin and
+// when the last is sent.
+TEST_F(ListsFindsTest, WithoutNotesTheRoomHearsTheStartAndTheEnd) {
+  frm.settings.ListNotify = false;
+  LaunchWithLists(5, 2);
+  Queue({"bob-list"});
+  RunListJob(MailJobs(), c, scratch);
+  EXPECT_EQ(Forwarded("bob").size(), 2u);
+  EXPECT_EQ(Said(), (Lines{"lists <U>1-2</U> are being processed",
+                           "lists <U>1-2</U> were sent"}));
+  EXPECT_EQ(statuses.back(), "status: scanning chat");
+}
+
+// A find reads the titles at its own pace: a pause between two titles,
+// none before the first or after the last.
+TEST_F(ListsFindsTest, AFindPausesBetweenTitlesOnly) {
+  Launch(3);
+  int count = 0;
+  const double start = host.Elapsed();
+  const std::string lines = FindLines(c, frm.lstMails, "Mail 3", 1.0f, &count);
+  // Two pauses of a second (each ends on the clock's next tick), not one
+  // or three.
+  EXPECT_GT(host.Elapsed() - start, 1.9);
+  EXPECT_LT(host.Elapsed() - start, 2.9);
+  EXPECT_EQ(count, 1);
+  EXPECT_EQ(lines, "[ 3 ] - mail 3\r\n");
 }
 
 TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "model/text_util.h"
+#include "ports/profile_section.h"
 #include "server/serve_engine.h"
 #include "server/server_common.h"
 #include "settings/messages.h"
@@ -19,42 +18,11 @@ namespace quorvex {
 
 namespace {
 
-// A hand-edited file could ask for any number of lines; a million is far
-// beyond any real queue and keeps a start from running out of memory.
-constexpr double kLastIndexLoaded = 1000000 - 1;
 // WM_CLOSE is posted again after this many polls of 0.4 seconds.
 constexpr std::int64_t kClosePolls = 100;
 
 std::string StatePath(const Machine& machine) {
   return machine.HostPath(kRestartStateFile);
-}
-
-// The state file's keys, read once (a profile read per key would pass
-// over the file once per line).
-class StateReader {
- public:
-  StateReader(const ProfileFile& profiles, const std::string& path) {
-    for (const auto& [section, keys] : profiles.Dump(path)) {
-      if (!EqualsIgnoreCase(section, kRestartSection)) continue;
-      for (const auto& [key, value] : keys) values_.emplace(LCase(key), value);
-    }
-  }
-  std::string Get(const std::string& key) const {
-    auto it = values_.find(LCase(key));
-    return it == values_.end() ? std::string() : it->second;
-  }
-
- private:
-  std::unordered_map<std::string, std::string> values_;
-};
-
-// "For i = 0 To total - 1": appends "<prefix>0"... to `list`.
-template <typename AddFn>
-void LoadNumbered(const StateReader& state, const std::string& total,
-                  const std::string& prefix, AddFn add) {
-  double last = std::min(RoundHalfEven(Val(total) - 1), kLastIndexLoaded);
-  for (std::int64_t i = 0; i <= last; ++i)
-    add(state.Get(prefix + std::to_string(i)));
 }
 
 }  // namespace
@@ -83,7 +51,10 @@ void SaveRestartState(const RestartContext& r) {
 }
 
 void LoadRestartState(const RestartContext& r) {
-  StateReader state(r.profiles, StatePath(r.machine));
+  // The state file's keys, read once (a profile read per key would pass
+  // over the file once per line).
+  const ProfileSection state(r.profiles.Dump(StatePath(r.machine)),
+                             kRestartSection);
   r.room_name = state.Get("ChatName");
 
   double sent = RoundHalfEven(Val(state.Get("TotalSent")));
@@ -91,17 +62,18 @@ void LoadRestartState(const RestartContext& r) {
       SaturatingAdd(0, static_cast<std::int64_t>(std::clamp(sent, -3e9, 3e9)));
   r.lblSession.Set("session: " + std::to_string(r.counters.session));
 
+  // Each label shows the lines loaded, which a damaged count may overstate.
   const std::string pending = state.Get("TotalPending");
   if (IsNumeric(pending) && Val(pending) >= 0) {
-    r.lblPending.Set("pending: " + pending);
-    LoadNumbered(state, pending, "Pending ",
-                 [&r](std::string line) { r.pending.Append(std::move(line)); });
+    std::vector<std::string> lines = state.Numbered("Pending ", pending);
+    r.lblPending.Set("pending: " + std::to_string(lines.size()));
+    for (std::string& line : lines) r.pending.Append(std::move(line));
   }
   const std::string banned = state.Get("TotalBanned");
   if (IsNumeric(banned) && Val(banned) > 0) {
-    r.lblBanned.Set("banned: " + banned);
-    LoadNumbered(state, banned, "Banned ",
-                 [&r](std::string name) { r.lstBanned.Add(std::move(name)); });
+    std::vector<std::string> names = state.Numbered("Banned ", banned);
+    r.lblBanned.Set("banned: " + std::to_string(names.size()));
+    for (std::string& name : names) r.lstBanned.Add(std::move(name));
   }
 }
 
@@ -139,8 +111,8 @@ void CPURestart(const RestartContext& r, const ClientContext& c) {
 
 StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
                            Host& host) {
-  const std::string stored = profiles.GetString(
-      StatePath(machine), kRestartSection, "QuorvexDirectory", "");
+  const std::string stored = CutProfileValue(profiles.GetString(
+      StatePath(machine), kRestartSection, "QuorvexDirectory", ""));
   const bool state = machine.FileExists(kRestartStateFile);
   if (LCase(machine.ExeName()) == "z" && state) {
     machine.RunProgram(stored);

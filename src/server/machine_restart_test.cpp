@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "ports/profile_section.h"
 #include "server/serve_engine.h"
 #include "testing/server_test_fixture.h"
 
@@ -68,7 +69,48 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
   frm.pending.Append("ann-1");
   SaveRestartState(Restart());
   EXPECT_EQ(State("TotalPending"), "1");
+  EXPECT_EQ(State("Pending 1"), "amy-list");
   EXPECT_EQ(State("Pending 2"), "joe~cats & dogs");
+  EXPECT_EQ(State("Banned 2"), "<missing>");
+}
+
+// A saved count of 0 sets the pending label but leaves the banned one, as
+// it always did; a count below 0 loads nothing, and one name is a list.
+TEST_F(MachineRestartTest, CountsOfZeroAndOneLoad) {
+  frm.lblPending.Set("stale");
+  frm.lblBanned.Set("stale");
+  PutState("TotalPending", "-1");
+  PutState("TotalBanned", "0");
+  PutState("Pending 0", "bob-3");
+  PutState("Banned 0", "pest");
+  LoadRestartState(Restart());
+  EXPECT_EQ(frm.lblPending.caption(), "stale");
+  EXPECT_EQ(frm.lblBanned.caption(), "stale");
+  PutState("TotalPending", "0");
+  LoadRestartState(Restart());
+  EXPECT_EQ(frm.lblPending.caption(), "pending: 0");
+  EXPECT_TRUE(frm.lstPending().Empty());
+  EXPECT_TRUE(frm.lstBanned.Empty());
+
+  PutState("TotalBanned", "1");
+  LoadRestartState(Restart());
+  EXPECT_THAT(frm.lstBanned.Items(), ElementsAre("pest"));
+  EXPECT_EQ(frm.lblBanned.caption(), "banned: 1");
+}
+
+TEST_F(MachineRestartTest, DamagedStateLoadsWhatIsThere) {
+  PutState("ChatName", "Lobby" + std::string(100000, 'x'));
+  PutState("TotalPending", "2000000000");
+  PutState("TotalBanned", "2000000000");
+  PutState("Pending 0", "bob-3");
+  PutState("Banned 1", "pest");
+  LoadRestartState(Restart());
+  EXPECT_EQ(frm.room_name.size(), kProfileValueChars);
+  EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-3"));
+  EXPECT_EQ(frm.lblPending.caption(), "pending: 1");
+  // A gap is a blank name, as it always was; nothing behind the last.
+  EXPECT_THAT(frm.lstBanned.Items(), ElementsAre("", "pest"));
+  EXPECT_EQ(frm.lblBanned.caption(), "banned: 2");
 }
 
 TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
@@ -98,6 +140,23 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
   ASSERT_GE(statuses.size(), 2u);
   EXPECT_EQ(statuses[statuses.size() - 2],
             "status: copying quorvex(be patient) 100%");
+}
+
+// An empty program file is copied without a share to show; a program of
+// one byte shows its 100 %.
+TEST_F(MachineRestartTest, CPURestartCopiesTheSmallestPrograms) {
+  sim.Launch();
+  int reboots_before = 0;
+  for (const char* program : {"", "q"}) {
+    TempFolder::Write(machine.HostPath(ProgramPath(machine)), program);
+    CPURestart(Restart(), c);
+    EXPECT_EQ(TempFolder::Read(machine.HostPath(kRestartCopy)), program);
+    EXPECT_EQ(reboots, ++reboots_before);
+    ASSERT_GE(statuses.size(), 2u);
+    EXPECT_EQ(statuses[statuses.size() - 2],
+              std::string("status: copying quorvex(be patient)") +
+                  (*program ? " 100%" : ""));
+  }
 }
 
 TEST_F(MachineRestartTest, SplashDecision) {

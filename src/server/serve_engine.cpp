@@ -1,5 +1,6 @@
 #include "server/serve_engine.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "client/client_tree.h"
@@ -23,6 +24,12 @@ constexpr float kAfterReply = 0.45f;
 // an overflow error after nine hours without a list or an advertisement.
 // They stay at the largest value instead.
 constexpr int kSecondsMax = 32767;
+
+// The orders one tick answers, first in line first. Each costs a second
+// or more in the room, so a room of people each holding an order (one of
+// each kind at most) would otherwise hold every mail back by as many
+// seconds as there are orders; one a tick lets a forward follow each.
+constexpr int kRepliesPerTick = 1;
 
 int NextSecond(int seconds) {
   return seconds >= kSecondsMax ? kSecondsMax : seconds + 1;
@@ -152,6 +159,8 @@ void ServeEngine::Resume() {
 void ServeEngine::PauseServer() {
   ctx_.status.Draw("status: pausing server");
   Announce({"quorvex mail server <B><U>paused</B></U>"});
+  // Unpaused while that was said: the resume has turned the timers on.
+  if (!ctx_.ServerPaused) return;
   SetTimers(false);
   ctx_.status.Draw("status: paused");
 }
@@ -160,6 +169,10 @@ void ServeEngine::Stop() {
   ctx_.status.Draw("status: stopping server");
   Announce({"quorvex mail server <B><U>off</B></U>"});
   Say(c_, ctx_.ended, "please stop requesting");
+  // Started again while the farewell was said: that start has turned the
+  // timers on and prepared the client, and the stop must not undo it
+  // (the server would stay on with its timers off, serving nobody).
+  if (ctx_.ServerOn) return;
   SetTimers(false);
   if (ctx_.ended) return;
   if (ctx_.settings.MailResize) ForgetMailWindowSizes(c_);
@@ -185,8 +198,9 @@ void ServeEngine::Timer1_Timer() {
 }
 
 void ServeEngine::ReplyPhase() {
-  // Replies queued while this phase runs wait for the next tick.
-  const int n = ctx_.ReplyQueue.Count();
+  // Replies queued while this phase runs wait for the next tick, and so do
+  // those beyond this tick's share.
+  const int n = std::min(ctx_.ReplyQueue.Count(), kRepliesPerTick);
   for (int i = 0; i < n && !ctx_.ended; ++i) {
     if (ctx_.ReplyQueue.Empty()) break;
     const std::string entry = ctx_.ReplyQueue.Item(0);

@@ -1,5 +1,6 @@
 #include "server/serve_engine.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,31 @@ TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   EXPECT_TRUE(sim.ims_on());
 }
 
+TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
+  StartServing();
+  engine.cmdStart_Click();  // stop: the next tick says goodbye
+  // Started again while the goodbye is said: the server is on and ticks.
+  host.Schedule(0.3, [&] { engine.cmdStart_Click(); });
+  Run(20);
+  EXPECT_TRUE(frm.ServerOn);
+  EXPECT_EQ(frm.cmdStart.caption(), "&stop");
+  EXPECT_TRUE(TimersOn());
+  EXPECT_FALSE(sim.ims_on());
+  const size_t before = log.size();
+  Run(5);
+  EXPECT_GT(log.size(), before);  // the jobs of later ticks
+}
+
+TEST_F(ServeEngineTest, AResumeDuringThePauseKeepsServing) {
+  StartServing();
+  engine.cmdPause_Click();  // the next tick pauses
+  host.Schedule(0.3, [&] { engine.cmdPause_Click(); });
+  Run(20);
+  EXPECT_FALSE(frm.ServerPaused);
+  EXPECT_EQ(frm.cmdPause.caption(), "&pause");
+  EXPECT_TRUE(TimersOn());
+}
+
 TEST_F(ServeEngineTest, TickOrderAndIntervals) {
   frm.settings.BotScroll = 2;
   frm.settings.ListAdvertise = 3;
@@ -137,14 +163,17 @@ TEST_F(ServeEngineTest, SecondClockSweepsAndCounts) {
   EXPECT_EQ(frm.ScrollSeconds, 32767);
 }
 
-TEST_F(ServeEngineTest, ReplyPhaseAnswersWhatWasQueuedWhenItBegan) {
+TEST_F(ServeEngineTest, ReplyPhaseAnswersTheFirstOrderEachTick) {
   StartServing();
   frm.frmBanning.cmbMistakes.text = "3";
   for (const char* entry : {"nodash", "bob-pending", "amy-duplication",
                             "send-hi - all", "joe-mailbox", "ann-whatever"})
     frm.ReplyQueue.Add(entry);
+  // One order a tick, in order, each tick's jobs after it; an order
+  // without a dash goes without a line, and orders queued meanwhile wait
+  // behind the others.
   host.Schedule(0.1, [&] { frm.ReplyQueue.Add("late-pending"); });
-  Tick();
+  for (int tick = 0; tick < 6; ++tick) Tick();
   EXPECT_THAT(SaidSince(said_at_start),
               ElementsAre("(bob) you have to many pending",
                           "(amy) you made a duplication error", "hi - all",
@@ -152,13 +181,19 @@ TEST_F(ServeEngineTest, ReplyPhaseAnswersWhatWasQueuedWhenItBegan) {
                           "(joe) you now have <U>2</U> mistakes left"));
   EXPECT_THAT(frm.ReplyQueue.Items(), ElementsAre("late-pending"));
   EXPECT_THAT(frm.MistakeList.Items(), ElementsAre("joe-1"));
+  EXPECT_EQ(std::count(log.begin(), log.end(), std::string("mail")), 6);
+  Tick();
+  EXPECT_EQ(SaidSince(said_at_start).back(), "(late) you have to many pending");
+  EXPECT_TRUE(frm.ReplyQueue.Empty());
 
-  // An empty entry ends the phase and stays.
+  // An empty entry ends the phase and stays, holding up what follows.
   frm.ReplyQueue.Add("");
+  frm.ReplyQueue.Add("zed-pending");
   const size_t before = Said().size();
   Tick();
-  EXPECT_EQ(Said().size(), before + 1);
-  EXPECT_EQ(frm.ReplyQueue.Count(), 1);
+  Tick();
+  EXPECT_EQ(Said().size(), before);
+  EXPECT_EQ(frm.ReplyQueue.Count(), 2);
 }
 
 TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
@@ -203,6 +238,48 @@ TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
   EXPECT_EQ(aol, 2);
 }
 
+// Each quota counts from 2: 1 is off however many mails went, and 2 acts
+// at the second mail, not the first.
+TEST_F(ServeEngineTest, AQuotaOfOneIsOffAndOfTwoActsAtTheSecondMail) {
+  int aol = 0, cpu = 0;
+  engine.aol_restart = [&] { ++aol; };
+  engine.jobs().cpu_restart = [&] { ++cpu; };
+  auto quotas = [&](int q) {
+    frm.settings.AOLRestart = frm.settings.CPURestart =
+        frm.settings.SentRestart = static_cast<std::int16_t>(q);
+  };
+  auto counts = [&](int n) {
+    frm.counters.AOLCount = frm.counters.CPUCount = frm.counters.SentCount = n;
+  };
+  auto deletes = [&](size_t from) {
+    const auto said = SaidSince(from);
+    return std::count(said.begin(), said.end(),
+                      "quorvex deleted <B><U>sent</B></U>");
+  };
+  quotas(1);
+  StartServing();
+  counts(30000);
+  size_t before = Said().size();
+  Tick();
+  quotas(2);
+  counts(1);
+  Tick();
+  EXPECT_EQ(aol, 0);
+  EXPECT_EQ(cpu, 0);
+  EXPECT_EQ(deletes(before), 0);
+
+  frm.counters.AOLCount = 2;
+  Tick();
+  EXPECT_EQ(aol, 1);
+  frm.counters.SentCount = 2;
+  before = Said().size();
+  Tick();
+  EXPECT_EQ(deletes(before), 1);
+  frm.counters.CPUCount = 2;
+  Tick();
+  EXPECT_EQ(cpu, 1);
+}
+
 TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
   sim.Launch();
   // One entry: only the "you have" and "there is" lines.
@@ -220,6 +297,14 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
               ElementsAre("(bob) you have <U>3</U> pending",
                           "<U>4</U> mails till your next request",
                           "there is <U>9</U> total pending"));
+  // Two entries are several: the distance is said.
+  Queue({"bob-1", "amy-2", "bob-list"});
+  const size_t before_two = Said().size();
+  StatusReply(Replies(), c, "bob");
+  EXPECT_THAT(SaidSince(before_two),
+              ElementsAre("(bob) you have <U>2</U> pending",
+                          "<U>0</U> mails till your next request",
+                          "there is <U>3</U> total pending"));
   EXPECT_THAT(seen.mails, IsEmpty());
 }
 
@@ -261,6 +346,10 @@ TEST_F(ServeEngineTest, SessionMailNeedsAtLeastThreeCharacters) {
               HasSubstr("(srv) has served <B><U>21</B></U> this session!"));
   EXPECT_THAT(m.body, HasSubstr("(srv) has served <B><U>345</B></U> since "
                                 "installation!"));
+  prompter.QueueAnswer("Cal");  // three characters are enough
+  mnuMailSession_Click(Replies(), c);
+  ASSERT_EQ(seen.mails.size(), 2u);
+  EXPECT_EQ(seen.mails[1].to, "Cal");
 }
 
 }  // namespace

@@ -12,6 +12,14 @@ void Say(const ClientContext& c, bool ended, const std::string& text) {
 
 void ReadMailbox(const MailboxLists& mailbox, const ClientContext& c,
                  StatusStrip& status) {
+  // Also when the read is cut short by the program's end.
+  struct Reading {
+    int* count;
+    ~Reading() {
+      if (count) *count = -1;
+    }
+  } reading{mailbox.mails_while_reading};
+  if (reading.count) *reading.count = mailbox.lstMails.Count();
   mailbox.lstMails.Clear();
   mailbox.mail_positions.clear();
   mailbox.lstLists.Clear();

@@ -31,10 +31,14 @@ struct MailboxLists {
   ListBox& lstLists;
   Label& lblMails;
   Label& lblLists;
+  // Set to lstMails' count while a read is under way (-1 otherwise): what
+  // requests said meanwhile are judged against. May be unset.
+  int* mails_while_reading = nullptr;
 };
 
 // Empties the lists and reads the mailbox's titles anew (the status strip
-// shows the reading); lblMails and lblLists are left to the caller.
+// shows the reading); lblMails and lblLists are left to the caller. Until
+// the list is whole again, requests are judged against the count it had.
 void ReadMailbox(const MailboxLists& mailbox, const ClientContext& c,
                  StatusStrip& status);
 

@@ -46,6 +46,7 @@ TEST(RandomNumberTest, RepeatableInRangeAndSeeded) {
     differ += RandomNumber(1000, i, 1) != RandomNumber(1000, i, 2);
   EXPECT_GT(differ, 40);  // the seed matters
   EXPECT_EQ(RandomNumber(0, 1.0, 1), 0);
+  EXPECT_EQ(RandomNumber(1, 1.0, 1), 1);  // one to pick from: that one
   EXPECT_GE(RandomNumber(2147483647, 0.5, 9), 1);
 }
 

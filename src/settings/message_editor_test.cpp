@@ -72,6 +72,27 @@ TEST(MessagesTest, OddTotalsDoNotLoadOrStall) {
   EXPECT_EQ(form.lstChat.Items(), std::vector<std::string>{"a"});
 }
 
+// Keys load when their index is a plain decimal below the count: not the
+// count itself, not a neighbour of the digits; up to fifteen digits.
+TEST(MessagesTest, OnlyPlainIndexesBelowTheCountLoad) {
+  MemoryRegistry registry;
+  registry.Save(kApp, "ChatMsgs", "ChatMsgTotal", "2");
+  for (const char* key :
+       {"Chat Msg1", "Chat Msg2", "Chat Msg/", "Chat Msg:", "Chat Msg0"})
+    registry.Save(kApp, "ChatMsgs", key, key);
+  MessagesForm form;
+  LoadMessages(form, registry);
+  EXPECT_EQ(form.lstChat.Items(),
+            (std::vector<std::string>{"Chat Msg0", "Chat Msg1"}));
+
+  registry.Save(kApp, "ChatMsgs", "ChatMsgTotal", "1000000000000000");
+  registry.Save(kApp, "ChatMsgs", "Chat Msg100000000000000", "15 digits");
+  LoadMessages(form, registry);
+  EXPECT_EQ(form.lstChat.Items(),
+            (std::vector<std::string>{"Chat Msg0", "Chat Msg1", "Chat Msg2",
+                                      "15 digits"}));
+}
+
 // Return adding an entry line (and nothing from an empty one) runs whole in
 // tests/scenarios/small_windows.scn.
 TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
@@ -84,6 +105,37 @@ TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
   Type(form, 1, "bc");
   txtAdd_KeyPress(form, 1, kKeyBackspace);
   EXPECT_EQ(form.txtAdd[1].text, "a\r\nb");
+}
+
+// Printable keys from the blank to "~" and the tab are typed, nothing
+// around them; backspace takes one whole character and nothing before the
+// start; the pages are 0 to 2.
+TEST(MessageEditorTest, KeysAndPagesAtTheirEdges) {
+  MessagesForm form;
+  for (int key : {31, 32, 126, 127, int{'\t'}}) txtAdd_KeyPress(form, 0, key);
+  EXPECT_EQ(form.txtAdd[0].text, " ~\t");
+
+  for (const char* text : {"a", "\xC3\xA9"}) {
+    form.txtAdd[1].text = text;
+    SetCaret(form, 1, 0);
+    txtAdd_KeyPress(form, 1, kKeyBackspace);
+    EXPECT_EQ(form.txtAdd[1].text, text);
+    SetCaret(form, 1, 9);
+    txtAdd_KeyPress(form, 1, kKeyBackspace);
+    EXPECT_EQ(form.txtAdd[1].text, "") << text;
+  }
+  // Nor before the start of a text too long for a string's own buffer (a
+  // read before it is one the address sanitizer sees).
+  const std::string longer = "a text longer than sixteen";
+  form.txtAdd[1].text = longer;
+  SetCaret(form, 1, 0);
+  txtAdd_KeyPress(form, 1, kKeyBackspace);
+  EXPECT_EQ(form.txtAdd[1].text, longer);
+
+  for (int page : {2, 3, -1}) Tab_Click(form, page);
+  EXPECT_EQ(form.tab, 2);
+  Tab_Click(form, 0);
+  EXPECT_EQ(form.tab, 0);
 }
 
 TEST(MessageEditorTest, ListsDeleteByDoubleAndSingleClick) {

@@ -77,17 +77,19 @@ void LoadList(ListBox& box, const Registry& registry,
   }
 }
 
-void SaveList(const ListBox& box, Registry& registry,
-              const NumberedList& list) {
+// The old numbered keys deleted, then the count and the items: the
+// changes of one list, in the order they are made.
+void SaveList(const ListBox& box, const Registry& registry,
+              const NumberedList& list, std::vector<RegistryChange>* changes) {
   std::int64_t old_total = ReadTotal(registry, list);
   if (old_total != -1)
     for (const auto& [index, key] : NumberedKeys(registry, list, old_total))
-      registry.DeleteKey(kApp, list.section, key);
-  registry.Save(kApp, list.section, list.total_key,
-                std::to_string(box.Count()));
+      changes->push_back({list.section, key, std::nullopt});
+  changes->push_back(
+      {list.section, list.total_key, std::to_string(box.Count())});
   for (int i = 0; i < box.Count(); ++i)
-    registry.Save(kApp, list.section, list.prefix + std::to_string(i),
-                  box.Item(i));
+    changes->push_back(
+        {list.section, list.prefix + std::to_string(i), box.Item(i)});
 }
 
 }  // namespace
@@ -100,9 +102,13 @@ void LoadMessages(MessagesForm& form, const Registry& registry) {
 }
 
 void SaveMessages(const MessagesForm& form, Registry& registry) {
-  SaveList(form.lstChat, registry, kChat);
-  SaveList(form.lstThankyou, registry, kThankYou);
-  registry.Save(kApp, kMailMsgsSection, "Mail Msg", form.mail_text().text);
+  // One write of the settings for all of them: a save per key rewrote
+  // the whole settings file once per message.
+  std::vector<RegistryChange> changes;
+  SaveList(form.lstChat, registry, kChat, &changes);
+  SaveList(form.lstThankyou, registry, kThankYou, &changes);
+  changes.push_back({kMailMsgsSection, "Mail Msg", form.mail_text().text});
+  registry.Write(kApp, changes);
 }
 
 }  // namespace quorvex

@@ -57,7 +57,7 @@ struct SettingRow {
   double low = 0;  // accepted answers (numbers)
   double high = kNoLimit;
   // After an edit this value shows as `special_text` ("off", "N L").
-  std::optional<std::int16_t> special_value;
+  std::optional<std::int16_t> special_value{};
   const char* special_text = nullptr;
   // The default is the screen name signed on, not the record's.
   bool defaults_to_screen_name = false;

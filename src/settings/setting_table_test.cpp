@@ -35,7 +35,9 @@ TEST(SettingTableTest, EveryEntryIsInTheMenuAndDispatchedOnce) {
   for (const SettingRow& row : SettingRows()) {
     EXPECT_TRUE(keys.insert(row.key).second) << row.key;
     if (!row.entry) continue;
-    if (row.caption) EXPECT_TRUE(menus.Has(ShownIn(row))) << row.key;
+    if (row.caption) {
+      EXPECT_TRUE(menus.Has(ShownIn(row))) << row.key;
+    }
     const std::string first =
         row.items > 0 ? MenuModel::ItemName(row.entry, 1) : row.entry;
     EXPECT_TRUE(menus.Has(first)) << row.key;

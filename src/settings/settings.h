@@ -42,6 +42,8 @@ struct Settings {
 };
 
 inline constexpr const char* kApp = "Quorvex";
-inline constexpr const char* kVersion = "0.1.0";
+// The project's version (CMakeLists.txt), which the Windows resources and
+// the release's file names also read.
+inline constexpr const char* kVersion = QUORVEX_VERSION;
 
 }  // namespace quorvex

@@ -87,6 +87,26 @@ TEST_F(SettingsMenuTest, NumberEntriesCheckRangeThenRoundHalfEven) {
   }
 }
 
+// The ends of a range are in it: whole numbers, a custom speed and a
+// custom scroll interval at the top of their ranges, a list size at both.
+TEST_F(SettingsMenuTest, RangesTakeTheirEnds) {
+  Click("mnuMPList", 0, "500");
+  EXPECT_EQ(settings.ListSize, 500);
+  Click("mnuMPList", 0, "50");
+  EXPECT_EQ(settings.ListSize, 50);
+  Click("mnuFMax", 0, "30");
+  EXPECT_EQ(settings.FindMax, 30);
+  Click("mnuMSpeed", 5, "1");
+  EXPECT_EQ(settings.MailSpeed, 1.0f);
+  Click("mnuBScroll", 8, "300");
+  EXPECT_EQ(settings.BotScroll, 300);
+  // The list's custom interval is the exception: it must be above 1.
+  Click("mnuLSend", 6, "1");
+  EXPECT_EQ(settings.ListAdvertise, 30);
+  Click("mnuLSend", 6, "1.5");
+  EXPECT_EQ(settings.ListAdvertise, 2);
+}
+
 TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
   struct Step {
     const char* menu;
@@ -97,6 +117,8 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
     const char* checked;  // nullptr: not looked at
   };
   const Step steps[] = {
+      {"mnuBScroll", 3, "", "mnuBotScroll", "scroll - [ 10 ]", "mnuBScroll(3)"},
+      {"mnuBScroll", 6, "", "mnuBotScroll", "scroll - [ 60 ]", "mnuBScroll(6)"},
       {"mnuBScroll", 5, "", "mnuBotScroll", "scroll - [ 45 ]", "mnuBScroll(5)"},
       {"mnuLSend", 6, "17", "mnuLSend(6)", "custom - [ 17 ]", nullptr},
       {"mnuLSend", 1, "", "mnuListSend", "send - [ 10]", nullptr},
@@ -108,6 +130,8 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
        "mnuMSpeed(5)"},
       {"mnuMSpeed", 5, "1.5", "mnuMailSpeed", "speed - [ 0.25 ]", nullptr},
       {"mnuFSpeed(2)", 0, "", "mnuFindSpeed", "speed - [ 0.3567 ]", nullptr},
+      {"mnuMSpeed", 1, "", "mnuMailSpeed", "speed - [ 0.1345 ]",
+       "mnuMSpeed(1)"},
       {"mnuMSpeed", 3, "", "mnuMSpeed(5)", "custom", nullptr},
       {"mnuMMethod", 1, "", "mnuMailMethod", "method - [ regular ]",
        "mnuMMethod(1)"},
@@ -115,7 +139,9 @@ TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
   for (const Step& s : steps) {
     Click(s.menu, s.index, s.answer);
     EXPECT_EQ(menus.Caption(s.item), s.caption) << s.menu << " " << s.index;
-    if (s.checked) EXPECT_TRUE(menus.Checked(s.checked)) << s.checked;
+    if (s.checked) {
+      EXPECT_TRUE(menus.Checked(s.checked)) << s.checked;
+    }
   }
   // "if no pending" loses its mark to another preset, but stays on.
   EXPECT_FALSE(menus.Checked("mnuLSend(9)"));
@@ -142,6 +168,13 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   EXPECT_EQ(Stored("StatusMethod"), "False");
   EXPECT_EQ(Stored("ScrollMethod"), "<missing>");
   EXPECT_TRUE(shown.empty());
+  Click("mnuScrollMethod", 1, "");
+  EXPECT_TRUE(settings.ScrollMethod);
+  EXPECT_TRUE(menus.Checked("mnuScrollMethod(1)"));
+  Click("mnuMMethod", 1, "");
+  Click("mnuMMethod", 2, "");
+  EXPECT_TRUE(settings.MailMethod);
+  EXPECT_EQ(menus.Caption("mnuMailMethod"), "method - [ sendlater ]");
 
   Click("mnuFEnable", 1, "off");
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuFEnable", 2));  // greyed out
@@ -151,8 +184,13 @@ TEST_F(SettingsMenuTest, ScrollMethodRangeFindsAndDispatch) {
   shown.clear();
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed", 4));  // separator
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuLSend", 10));
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed", 0));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMessages"));
   EXPECT_FALSE(ClickSettingsMenu(ctx, "frmMessages.mnuHandle"));
+  // An item in the name: one or two digits.
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed()"));
+  EXPECT_FALSE(ClickSettingsMenu(ctx, "mnuMSpeed(001)"));
+  EXPECT_TRUE(ClickSettingsMenu(ctx, "mnuMSpeed(02)"));
   EXPECT_TRUE(shown.empty());
 }
 

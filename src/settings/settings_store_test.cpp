@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "ports/memory_registry.h"
 #include "settings/menu_tree.h"
 
@@ -63,6 +65,7 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   Put("MailNotify", "false");
   Put("FindsEnable", "-1");
   Put("ScrollThankyou", "perhaps");  // unreadable: default
+  Put("ListNotify", "0");
   Put("ListSize", "120 titles");
   Put("FindMax", "12.5");
   Put("AOLRestart", "99999");  // too big for its field: default
@@ -78,6 +81,7 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   EXPECT_EQ(Caption("mnuMailNotify"), "notify - [ off ]");
   EXPECT_TRUE(settings.FindsEnable);
   EXPECT_TRUE(settings.ScrollThankyou);
+  EXPECT_FALSE(settings.ListNotify);
   EXPECT_EQ(settings.ListSize, 120);
   EXPECT_EQ(settings.FindMax, 12);
   EXPECT_EQ(Caption("mnuAOLRes"), "aol - [ 1000 ]");
@@ -94,6 +98,34 @@ TEST_F(SettingsStoreTest, StoredValuesLoadLenientlyAndPickPresets) {
   EXPECT_TRUE(Checked("mnuMMethod(1)"));
   EXPECT_TRUE(settings.ScrollMethod);
   EXPECT_TRUE(Checked("mnuScrollMethod(1)"));
+}
+
+// A stored number at the very end of its type loads; one past it loads as
+// the default.
+TEST_F(SettingsStoreTest, NumbersAtTheEndsOfTheirTypes) {
+  Put("Loaded", "5");
+  Put("ListSize", "32767");
+  Put("FindMin", "-32768");
+  Put("FindMax", "32768");
+  Put("BlockMax", "-32769");
+  Put("TotalSent", "2147483647");
+  Put("MailSpeed", "3.4028234663852886e38");  // the largest single
+  Put("ListSpeed", "3.4028236e38");
+  Load();
+  EXPECT_EQ(settings.ListSize, 32767);
+  EXPECT_EQ(settings.FindMin, -32768);
+  EXPECT_EQ(settings.FindMax, 20);
+  EXPECT_EQ(settings.BlockMax, 100);
+  EXPECT_EQ(lblSent.caption(), "sent: 2147483647");
+  EXPECT_EQ(settings.MailSpeed, std::numeric_limits<float>::max());
+  EXPECT_EQ(settings.ListSpeed, Settings().ListSpeed);
+
+  Put("TotalSent", "-2147483648");
+  Load();
+  EXPECT_EQ(lblSent.caption(), "sent: -2147483648");
+  Put("TotalSent", "2147483648");
+  Load();
+  EXPECT_EQ(lblSent.caption(), "sent: 0");
 }
 
 TEST_F(SettingsStoreTest, SaveWritesEveryStoredKey) {

@@ -52,6 +52,16 @@ void FaultyRegistry::DeleteApp(const std::string& app) {
   inner_.DeleteApp(app);
 }
 
+void FaultyRegistry::Write(const std::string& app,
+                           const std::vector<RegistryChange>& changes) {
+  if (changes.empty()) return;
+  if (dice_.Roll(dice_.chances().registry_write, "registry-write",
+                 changes.front().section + "\\" + changes.front().key +
+                     " and " + std::to_string(changes.size() - 1) + " more"))
+    return;
+  inner_.Write(app, changes);
+}
+
 void FaultyProfileFile::WriteString(const std::string& file,
                                     const std::string& section,
                                     const std::string& key,

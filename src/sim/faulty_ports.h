@@ -68,6 +68,9 @@ class FaultyRegistry : public Registry {
   Sections Dump(const std::string& app) const override {
     return inner_.Dump(app);
   }
+  // A batch fails as a whole, as one write of the settings file.
+  void Write(const std::string& app,
+             const std::vector<RegistryChange>& changes) override;
 
  private:
   Registry& inner_;

@@ -45,17 +45,23 @@ TEST(FaultyPortsTest, WritesFailOnlyByTheirChanceAndAreReported) {
   r.Save("Quorvex", "Settings", "TotalSent", "50");
   r.DeleteKey("Quorvex", "Settings", "TotalSent");
   r.DeleteApp("Quorvex");
+  // A batch fails as a whole: none of its changes is made.
+  r.Write("Quorvex", {{"Settings", "TotalSent", std::nullopt},
+                      {"Settings", "Handle", "x"}});
+  r.Write("Quorvex", {});  // nothing to write: no fault
   p.WriteStrings("q.ini", "Quorvex", {{"TotalPending", "50"}});
   p.WriteStrings("q.ini", "Quorvex", {});  // nothing to write: no fault
   // Nothing changed; reads pass through.
   EXPECT_EQ(r.Get("Quorvex", "Settings", "TotalSent"), "49");
   EXPECT_EQ(p.GetString("q.ini", "Quorvex", "TotalPending", ""), "49");
-  EXPECT_EQ(heard.faults,
-            (std::vector<std::string>{
-                "registry-write Settings\\TotalSent",
-                "registry-write delete Settings\\TotalSent",
-                "registry-write delete Quorvex", "profile-write q.ini"}));
-  EXPECT_EQ(always.injected(), 4);
+  EXPECT_EQ(heard.faults, (std::vector<std::string>{
+                              "registry-write Settings\\TotalSent",
+                              "registry-write delete Settings\\TotalSent",
+                              "registry-write delete Quorvex",
+                              "registry-write Settings\\TotalSent and 1 more",
+                              "profile-write q.ini"}));
+  EXPECT_EQ(always.injected(), 5);
+  EXPECT_EQ(r.Get("Quorvex", "Settings", "Handle"), std::nullopt);
 
   // Chances between: about that share of the writes fail.
   FaultDice some({.registry_write = 0.25}, 7, nullptr);

@@ -130,6 +130,22 @@ void FileRegistry::DeleteApp(const std::string& app) {
   Persist();
 }
 
+void FileRegistry::Write(const std::string& app,
+                         const std::vector<RegistryChange>& changes) {
+  bool changed = false;
+  for (const RegistryChange& c : changes) {
+    const std::optional<std::string> now = memory_.Get(app, c.section, c.key);
+    if (now == c.value) continue;
+    changed = true;
+    if (c.value) {
+      memory_.Save(app, c.section, c.key, *c.value);
+    } else {
+      memory_.DeleteKey(app, c.section, c.key);
+    }
+  }
+  if (changed) Persist();
+}
+
 Registry::Sections FileRegistry::Dump(const std::string& app) const {
   return memory_.Dump(app);
 }

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ports/memory_registry.h"
 #include "ports/registry.h"
@@ -41,6 +42,9 @@ class FileRegistry : public Registry {
                  const std::string& key) override;
   void DeleteApp(const std::string& app) override;
   Sections Dump(const std::string& app) const override;
+  // One rewrite of the file for every change.
+  void Write(const std::string& app,
+             const std::vector<RegistryChange>& changes) override;
 
   const std::filesystem::path& path() const { return path_; }
 

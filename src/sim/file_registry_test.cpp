@@ -64,6 +64,27 @@ TYPED_TEST(RegistryTest, NamesMatchIgnoringCaseAndKeepTheirFirstSpelling) {
             (Registry::Sections{{"settings", {{"Loaded", "5"}}}}));
 }
 
+// A batch makes its changes in order, as Save and DeleteKey one by one.
+TYPED_TEST(RegistryTest, ABatchActsInOrder) {
+  auto reg = this->Make();
+  reg->Save("Quorvex", "ChatMsgs", "Chat Msg0", "old");
+  reg->Save("Quorvex", "ChatMsgs", "Chat Msg5", "stale");
+  reg->Write("Quorvex", {{"chatmsgs", "chat msg0", std::nullopt},
+                         {"ChatMsgs", "Chat Msg5", std::nullopt},
+                         {"ChatMsgs", "ChatMsgTotal", "1"},
+                         {"ChatMsgs", "Chat Msg0", "new"},
+                         {"Mail", "Mail Msg", "first"},
+                         {"MAIL", "mail msg", "second"}});
+  EXPECT_EQ(reg->Dump("quorvex"),
+            (Registry::Sections{
+                {"ChatMsgs", {{"Chat Msg0", "new"}, {"ChatMsgTotal", "1"}}},
+                {"Mail", {{"Mail Msg", "second"}}}}));
+  if constexpr (std::is_same_v<TypeParam, FileRegistry>) {
+    FileRegistry again(this->folder_ / "registry.json");
+    EXPECT_EQ(again.Dump("Quorvex"), reg->Dump("Quorvex"));
+  }
+}
+
 TEST_F(FileRegistryTest, SettingsOutliveTheInstanceOrAWriteThrows) {
   const fs::path file = folder_ / "config" / "quorvex" / "registry.json";
   {

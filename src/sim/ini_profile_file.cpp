@@ -180,44 +180,99 @@ void IniProfileFile::WriteString(const std::string& file,
 void IniProfileFile::WriteStrings(
     const std::string& file, const std::string& section,
     const std::vector<std::pair<std::string, std::string>>& values) {
-  if (values.empty()) return;
+  std::vector<ProfileEntry> entries;
+  entries.reserve(values.size());
+  for (const auto& [key, value] : values)
+    entries.push_back({section, key, value});
+  WriteEntries(file, entries);
+}
+
+void IniProfileFile::WriteEntries(const std::string& file,
+                                  const std::vector<ProfileEntry>& entries) {
+  if (entries.empty()) return;
   std::string contents;
   bool existed = false;
   std::vector<IniLine> lines;
   if (!ReadForWrite(file, &contents, &existed, &lines, &last_error_)) return;
-  const std::string section_name(TrimBlanks(OneLine(section)));
-  std::size_t s = FindSection(lines, section_name);
-  if (s == kNone) {
-    lines.push_back(Classify("[" + section_name + "]"));
-    s = lines.size() - 1;
-  }
-  // The section's keys by folded name (the first of a name is the one a
-  // write changes), and where new keys go.
-  std::map<std::string, std::size_t> existing;
-  std::size_t end = SectionEnd(lines, s);
-  std::size_t at = s + 1;
-  for (std::size_t i = s + 1; i < end; ++i) {
-    if (lines[i].kind == IniLine::Kind::kKey)
-      existing.emplace(LCase(lines[i].name), i);
-    if (!TrimBlanks(lines[i].text).empty()) at = i + 1;
-  }
-  std::vector<IniLine> added;
-  std::map<std::string, std::size_t> added_at;
-  for (const auto& [key, value] : values) {
-    const std::string key_name(TrimBlanks(OneLine(key)));
+
+  // The first section of each name (the one a write changes).
+  std::map<std::string, std::size_t> header_of;
+  for (std::size_t i = 0; i < lines.size(); ++i)
+    if (lines[i].kind == IniLine::Kind::kSection)
+      header_of.emplace(LCase(lines[i].name), i);
+
+  // Each section written to: its keys by folded name (the first of a
+  // name), where new keys go (after its last line that is not blank), and
+  // the keys added. A section not in the file goes at its end.
+  struct Block {
+    std::string header;  // a new section's header line; empty otherwise
+    std::size_t at = 0;  // the line new keys go before
+    std::map<std::string, std::size_t> keys;
+    std::vector<IniLine> added;
+    std::map<std::string, std::size_t> added_at;
+  };
+  std::vector<Block> blocks;
+  std::map<std::string, std::size_t> block_of;
+  for (const ProfileEntry& e : entries) {
+    const std::string section_name(TrimBlanks(OneLine(e.section)));
+    const std::string folded_section = LCase(section_name);
+    auto b = block_of.find(folded_section);
+    if (b == block_of.end()) {
+      Block block;
+      if (auto h = header_of.find(folded_section); h != header_of.end()) {
+        const std::size_t end = SectionEnd(lines, h->second);
+        block.at = h->second + 1;
+        for (std::size_t i = h->second + 1; i < end; ++i) {
+          if (lines[i].kind == IniLine::Kind::kKey)
+            block.keys.emplace(LCase(lines[i].name), i);
+          if (!TrimBlanks(lines[i].text).empty()) block.at = i + 1;
+        }
+      } else {
+        block.header = "[" + section_name + "]";
+      }
+      b = block_of.emplace(folded_section, blocks.size()).first;
+      blocks.push_back(std::move(block));
+    }
+    Block& block = blocks[b->second];
+    const std::string key_name(TrimBlanks(OneLine(e.key)));
     const std::string folded = LCase(key_name);
-    if (auto e = existing.find(folded); e != existing.end()) {
-      lines[e->second] = Classify(lines[e->second].name + "=" + OneLine(value));
-    } else if (auto a = added_at.find(folded); a != added_at.end()) {
-      added[a->second] = Classify(added[a->second].name + "=" + OneLine(value));
+    if (auto k = block.keys.find(folded); k != block.keys.end()) {
+      lines[k->second] =
+          Classify(lines[k->second].name + "=" + OneLine(e.value));
+    } else if (auto a = block.added_at.find(folded);
+               a != block.added_at.end()) {
+      block.added[a->second] =
+          Classify(block.added[a->second].name + "=" + OneLine(e.value));
     } else {
-      added_at.emplace(folded, added.size());
-      added.push_back(Classify(key_name + "=" + OneLine(value)));
+      block.added_at.emplace(folded, block.added.size());
+      block.added.push_back(Classify(key_name + "=" + OneLine(e.value)));
     }
   }
-  lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), added.begin(),
-               added.end());
-  std::string updated = JoinLines(lines);
+
+  // The file again: each existing section's new keys in their place, then
+  // the new sections.
+  std::multimap<std::size_t, const Block*> added_before;
+  for (const Block& block : blocks)
+    if (block.header.empty() && !block.added.empty())
+      added_before.emplace(block.at, &block);
+  std::vector<IniLine> out;
+  out.reserve(lines.size() + entries.size() + blocks.size());
+  auto add_keys_before = [&](std::size_t i) {
+    auto [from, to] = added_before.equal_range(i);
+    for (auto it = from; it != to; ++it)
+      out.insert(out.end(), it->second->added.begin(), it->second->added.end());
+  };
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    add_keys_before(i);
+    out.push_back(std::move(lines[i]));
+  }
+  add_keys_before(lines.size());
+  for (const Block& block : blocks) {
+    if (block.header.empty()) continue;
+    out.push_back(Classify(block.header));
+    out.insert(out.end(), block.added.begin(), block.added.end());
+  }
+  std::string updated = JoinLines(out);
   if (existed && updated == contents) return;
   ReplaceFileContents(file, updated, &last_error_);
 }

@@ -18,10 +18,18 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ports/profile_file.h"
 
 namespace quorvex {
+
+// One key of a write of many: section, key and value.
+struct ProfileEntry {
+  std::string section;
+  std::string key;
+  std::string value;
+};
 
 class IniProfileFile : public ProfileFile {
  public:
@@ -37,6 +45,11 @@ class IniProfileFile : public ProfileFile {
                    const std::string& key,
                    const std::optional<std::string>& value) override;
   Sections Dump(const std::string& file) const override;
+
+  // Writes every entry as WriteString would one after the other, in one
+  // rewrite of the file, in time linear in the file and the entries.
+  void WriteEntries(const std::string& file,
+                    const std::vector<ProfileEntry>& entries);
 
   // Why the last WriteString failed ("" after one that succeeded).
   const std::string& last_error() const { return last_error_; }

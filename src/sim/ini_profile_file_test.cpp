@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <vector>
 
 #include "testing/temp_folder.h"
 
@@ -139,6 +141,47 @@ TEST_F(IniProfileFileTest, AFileThatCannotBeReplacedIsLeftAlone) {
   EXPECT_NE(ini_.last_error(), "");
   EXPECT_TRUE(fs::is_directory(file_));
   EXPECT_EQ(ini_.GetString(file_, "Quorvex", "TotalPending", "d"), "d");
+}
+
+}  // namespace
+}  // namespace quorvex
+
+namespace quorvex {
+namespace {
+
+// Many keys in one rewrite give the file that writing them one by one
+// gives: sections old and new, names in other cases, keys written twice,
+// blank and comment lines in the way.
+TEST(IniProfileFileEntriesTest, OneRewriteMatchesWritesOneByOne) {
+  const TempFolder folder{"qv_ini_entries_"};
+  const std::string one = (folder / "one.ini").string();
+  const std::string all = (folder / "all.ini").string();
+  const std::vector<std::string> starts = {
+      "",
+      "[A]\r\nk1=old\r\n\r\n; note\r\n\r\n[b]\r\nK2 = "
+      "x\r\n[a]\r\nk1=second\r\n",
+      "loose line\r\n[C]\r\n[A]\r\n\r\n"};
+  std::mt19937 rng(5);
+  const std::vector<std::string> sections = {"A", "a", "B", "C", "new", "NEW"};
+  const std::vector<std::string> keys = {"k1", "K1", "k2", "k3", " k4 "};
+  for (const std::string& start : starts) {
+    for (int round = 0; round < 10; ++round) {
+      TempFolder::Write(one, start);
+      TempFolder::Write(all, start);
+      IniProfileFile ini;
+      std::vector<ProfileEntry> entries;
+      const int n = static_cast<int>(rng() % 12);
+      for (int i = 0; i < n; ++i) {
+        ProfileEntry e{sections[rng() % sections.size()],
+                       keys[rng() % keys.size()], "v" + std::to_string(i)};
+        ini.WriteString(one, e.section, e.key, e.value);
+        entries.push_back(e);
+      }
+      ini.WriteEntries(all, entries);
+      ASSERT_EQ(TempFolder::Read(all), TempFolder::Read(one))
+          << "start " << start << ", round " << round;
+    }
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What of the simulated client outlives its process, as JSON: a client
 // whose program is started again (by the machine, or after a crash) comes
 // back to the same world, mailbox and pending faults.
+#include "sim/recipients.h"
 #include "sim/sim_client.h"
 #include "sim/sim_knobs.h"
 
@@ -96,8 +97,11 @@ void SimClient::RestoreState(const json& j) {
     for (const json& r : j["world"].value("rooms", json::array())) {
       SimRoom& room = world_.Room(Text(r, "name"));
       room.people.clear();
-      for (const json& name : r.value("people", json::array()))
+      room.keys.clear();
+      for (const json& name : r.value("people", json::array())) {
         room.people.push_back(name.get<std::string>());
+        room.keys.insert(ScreenNameKey(room.people.back()));
+      }
       room.capacity = r.value("capacity", 0);
       room.refusals = r.value("refusals", 0);
     }

@@ -47,7 +47,7 @@ SimRoom& SimWorld::Room(std::string_view name) {
   auto it = room_index_.find(key);
   if (it != room_index_.end()) return rooms_[it->second];
   room_index_.emplace(key, rooms_.size());
-  rooms_.push_back(SimRoom{std::string(name), {}, 0, 0});
+  rooms_.push_back(SimRoom{std::string(name), {}, {}, 0, 0});
   return rooms_.back();
 }
 
@@ -76,7 +76,9 @@ bool SimWorld::TryEnterRoom(std::string_view room) {
 bool SimWorld::Join(std::string_view room, std::string_view person) {
   if (InRoom(room, person)) return false;
   AddPerson(person);
-  Room(room).people.emplace_back(person);
+  SimRoom& r = Room(room);
+  r.people.emplace_back(person);
+  r.keys.insert(ScreenNameKey(person));
   return true;
 }
 
@@ -89,16 +91,14 @@ bool SimWorld::Leave(std::string_view room, std::string_view person) {
       [&](const std::string& p) { return ScreenNameKey(p) == key; });
   if (it == r->people.end()) return false;
   r->people.erase(it);
+  r->keys.erase(key);
   return true;
 }
 
 bool SimWorld::InRoom(std::string_view room, std::string_view person) const {
   auto it = room_index_.find(ScreenNameKey(room));
   if (it == room_index_.end()) return false;
-  std::string key = ScreenNameKey(person);
-  for (const std::string& p : rooms_[it->second].people)
-    if (ScreenNameKey(p) == key) return true;
-  return false;
+  return rooms_[it->second].keys.count(ScreenNameKey(person)) > 0;
 }
 
 }  // namespace quorvex

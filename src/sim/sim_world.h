@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace quorvex {
@@ -29,8 +30,10 @@ struct SimPerson {
 struct SimRoom {
   std::string name;                 // as first written
   std::vector<std::string> people;  // in order of arrival; not the user
-  int capacity = 0;                 // 0: no limit
-  int refusals = 0;                 // entries still refused as full
+  // Their ScreenNameKey, to tell at once whether someone is in.
+  std::unordered_set<std::string> keys;
+  int capacity = 0;  // 0: no limit
+  int refusals = 0;  // entries still refused as full
 };
 
 class SimWorld {

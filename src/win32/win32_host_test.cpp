@@ -29,15 +29,19 @@ TEST(Win32HostTest, TheClockFollowsTheDayAndWaitsEndWhenSomethingFallsDue) {
   EXPECT_EQ(ran.back(), "later");
 }
 
+std::vector<UINT> got;
+// The system's calling convention (a lambda has the C++ one, which
+// differs in a 32-bit program).
+LRESULT CALLBACK RecordApp(HWND h, UINT m, WPARAM w, LPARAM l) {
+  if (m == WM_APP) got.push_back(m);
+  return ::DefWindowProcW(h, m, w, l);
+}
+
 TEST(Win32HostTest, DoEventsDispatchesMessagesAndTimersNeverReEnter) {
   Win32Host host;
-  static std::vector<UINT> got;
   got.clear();
   WNDCLASSW wc{};
-  wc.lpfnWndProc = [](HWND h, UINT m, WPARAM w, LPARAM l) -> LRESULT {
-    if (m == WM_APP) got.push_back(m);
-    return ::DefWindowProcW(h, m, w, l);
-  };
+  wc.lpfnWndProc = RecordApp;
   wc.hInstance = ::GetModuleHandleW(nullptr);
   wc.lpszClassName = L"QvHostTest";
   ::RegisterClassW(&wc);

@@ -57,6 +57,26 @@ std::optional<std::string> ReadText(HKEY key, const std::wstring& name) {
   return WideToUtf8(v);
 }
 
+// Deletes a key with every key and value under it, deepest first (the
+// system deletes only keys without subkeys). False when one stays.
+bool DeleteTree(HKEY parent, const std::wstring& name) {
+  HKEY key = nullptr;
+  if (::RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WRITE, &key) !=
+      ERROR_SUCCESS)
+    return false;
+  for (;;) {
+    // Always the first subkey: the one before is gone.
+    wchar_t child[256];
+    DWORD len = 256;
+    if (::RegEnumKeyExW(key, 0, child, &len, nullptr, nullptr, nullptr,
+                        nullptr) != ERROR_SUCCESS ||
+        !DeleteTree(key, std::wstring(child, len)))
+      break;
+  }
+  ::RegCloseKey(key);
+  return ::RegDeleteKeyW(parent, name.c_str()) == ERROR_SUCCESS;
+}
+
 }  // namespace
 
 Win32Registry::Win32Registry(std::string root) : root_(std::move(root)) {}
@@ -87,8 +107,7 @@ void Win32Registry::DeleteKey(const std::string& app,
 }
 
 void Win32Registry::DeleteApp(const std::string& app) {
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, KeyPath(root_, app).c_str());
-  ::RegDeleteKeyW(HKEY_CURRENT_USER, KeyPath(root_, app).c_str());
+  DeleteTree(HKEY_CURRENT_USER, KeyPath(root_, app));
 }
 
 Registry::Sections Win32Registry::Dump(const std::string& app) const {

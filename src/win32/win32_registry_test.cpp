@@ -44,9 +44,29 @@ TEST_F(Win32RegistryTest, KeepsTextsWhereTheClassicRuntimeKeepsThem) {
   EXPECT_EQ(dump.at("Settings").size(), 1u);
   EXPECT_EQ(dump.at("Banning").at("Warn"), "True");
 
+  // Deleting the application takes keys at any depth with it, also where
+  // the system deletes only keys without subkeys.
+  ASSERT_EQ(::RegCreateKeyExA(HKEY_CURRENT_USER,
+                              "Software\\VB and VBA Program Settings\\"
+                              "QuorvexTest\\Banning\\Deeper\\Deepest",
+                              0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr),
+            ERROR_SUCCESS);
+  ::RegSetValueExA(key, "x", 0, REG_SZ, reinterpret_cast<const BYTE*>(old),
+                   sizeof old);
+  ::RegCloseKey(key);
   reg.DeleteApp("QuorvexTest");
   EXPECT_TRUE(reg.Dump("QuorvexTest").empty());
   EXPECT_EQ(reg.Get("QuorvexTest", "Banning", "Warn"), std::nullopt);
+  EXPECT_NE(::RegOpenKeyExA(HKEY_CURRENT_USER,
+                            "Software\\VB and VBA Program Settings\\"
+                            "QuorvexTest",
+                            0, KEY_READ, &key),
+            ERROR_SUCCESS);
+  // The other applications' keys beside it stay.
+  reg.Save("QuorvexTest2", "Settings", "x", "1");
+  reg.DeleteApp("QuorvexTest");
+  EXPECT_EQ(reg.Get("QuorvexTest2", "Settings", "x"), "1");
+  reg.DeleteApp("QuorvexTest2");
 }
 
 }  // namespace

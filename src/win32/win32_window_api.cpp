@@ -48,14 +48,23 @@ Hwnd Win32WindowApi::FindWindowA(const char* class_name, const char* caption) {
 
 namespace {
 
+// A text in capitals, letter by letter and whatever the user's language
+// (no Turkish dotted I), as the system compares names ignoring case.
+std::wstring Upper(const std::wstring& s) {
+  std::wstring upper(s.size(), L'\0');
+  if (!s.empty())
+    ::LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, s.data(),
+                   static_cast<int>(s.size()), upper.data(),
+                   static_cast<int>(upper.size()));
+  return upper;
+}
+
 // Whether `hwnd` has this class and caption (either may be absent), both
 // compared ignoring case, as FindWindowEx compares them.
 bool Matches(HWND hwnd, const char* class_name, const char* caption) {
   auto same = [](const std::wstring& a, const char* utf8) {
     const std::wstring b = Utf8ToWide(utf8);
-    return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()),
-                                  b.c_str(), static_cast<int>(b.size()),
-                                  TRUE) == CSTR_EQUAL;
+    return a.size() == b.size() && Upper(a) == Upper(b);
   };
   if (class_name) {
     wchar_t cls[257];

@@ -41,6 +41,48 @@ double StandInProcess::WallSeconds() {
   return static_cast<double>(c.QuadPart) / static_cast<double>(f.QuadPart);
 }
 
+// The watchdog thread: a callback of the system's calling convention (a
+// lambda has the C++ one, which differs in a 32-bit program).
+DWORD WINAPI StandInProcess::Watchdog(void* self) {
+  auto* p = static_cast<StandInProcess*>(self);
+  if (::WaitForSingleObject(p->done_, p->limit_ms_) != WAIT_TIMEOUT) return 0;
+  std::fprintf(stderr,
+               "[watchdog] the test is still running after %lu s: "
+               "failed\n",
+               static_cast<unsigned long>(p->limit_ms_ / 1000));
+  // Where it stands: the client as it sees itself, the last things
+  // it did, and the platform's boxes and menus as this process sees
+  // them.
+  ::EnterCriticalSection(&p->note_lock_);
+  const std::string note = p->note_;
+  ::LeaveCriticalSection(&p->note_lock_);
+  if (!note.empty()) std::fprintf(stderr, "[watchdog] %s\n", note.c_str());
+  json state = p->State();
+  json heard = state["heard"];
+  state.erase("heard");
+  state.erase("mailboxes");
+  std::fprintf(
+      stderr, "[watchdog] the client: %s\n",
+      state.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
+  const std::size_t n = heard.size();
+  for (std::size_t i = n > 10 ? n - 10 : 0; i < n; ++i)
+    std::fprintf(stderr, "[watchdog] heard: %s\n",
+                 heard[i].get<std::string>().c_str());
+  for (HWND h = ::FindWindowA(nullptr, nullptr); h;
+       h = ::GetWindow(h, GW_HWNDNEXT)) {
+    char cls[64] = "";
+    ::GetClassNameA(h, cls, sizeof cls);
+    if (std::string(cls) == "#32770" || std::string(cls) == "#32768")
+      std::fprintf(stderr, "[watchdog] %s %s visible=%d\n", cls,
+                   ::GetWindow(h, GW_CHILD) ? "with controls" : "empty",
+                   ::IsWindowVisible(h) ? 1 : 0);
+  }
+  std::fflush(stderr);
+  p->Kill();
+  ::TerminateProcess(::GetCurrentProcess(), 1);
+  return 0;
+}
+
 StandInProcess::StandInProcess(const std::string& args, double limit_seconds)
     : limit_ms_(static_cast<DWORD>(limit_seconds * 1000)) {
   Launch("--launch " + args);
@@ -102,50 +144,7 @@ void StandInProcess::StartWatchdog() {
   // The client's waits have no limit of their own; a test that would hang
   // fails here instead.
   done_ = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  watchdog_ = ::CreateThread(
-      nullptr, 0,
-      [](void* self) -> DWORD {
-        auto* p = static_cast<StandInProcess*>(self);
-        if (::WaitForSingleObject(p->done_, p->limit_ms_) != WAIT_TIMEOUT)
-          return 0;
-        std::fprintf(stderr,
-                     "[watchdog] the test is still running after %lu s: "
-                     "failed\n",
-                     static_cast<unsigned long>(p->limit_ms_ / 1000));
-        // Where it stands: the client as it sees itself, the last things
-        // it did, and the platform's boxes and menus as this process sees
-        // them.
-        ::EnterCriticalSection(&p->note_lock_);
-        const std::string note = p->note_;
-        ::LeaveCriticalSection(&p->note_lock_);
-        if (!note.empty())
-          std::fprintf(stderr, "[watchdog] %s\n", note.c_str());
-        json state = p->State();
-        json heard = state["heard"];
-        state.erase("heard");
-        state.erase("mailboxes");
-        std::fprintf(
-            stderr, "[watchdog] the client: %s\n",
-            state.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
-        const std::size_t n = heard.size();
-        for (std::size_t i = n > 10 ? n - 10 : 0; i < n; ++i)
-          std::fprintf(stderr, "[watchdog] heard: %s\n",
-                       heard[i].get<std::string>().c_str());
-        for (HWND h = ::FindWindowA(nullptr, nullptr); h;
-             h = ::GetWindow(h, GW_HWNDNEXT)) {
-          char cls[64] = "";
-          ::GetClassNameA(h, cls, sizeof cls);
-          if (std::string(cls) == "#32770" || std::string(cls) == "#32768")
-            std::fprintf(stderr, "[watchdog] %s %s visible=%d\n", cls,
-                         ::GetWindow(h, GW_CHILD) ? "with controls" : "empty",
-                         ::IsWindowVisible(h) ? 1 : 0);
-        }
-        std::fflush(stderr);
-        p->Kill();
-        ::TerminateProcess(::GetCurrentProcess(), 1);
-        return 0;
-      },
-      this, 0, nullptr);
+  watchdog_ = ::CreateThread(nullptr, 0, Watchdog, this, 0, nullptr);
 }
 
 StandInProcess::~StandInProcess() {

@@ -63,6 +63,7 @@ class StandInProcess {
   void Launch(const std::string& args);
   HWND Control();
   void StartWatchdog();
+  static DWORD WINAPI Watchdog(void* self);
 
   HANDLE done_ = nullptr;  // set when the test ends within its limit
   HANDLE watchdog_ = nullptr;

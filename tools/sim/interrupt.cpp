@@ -21,6 +21,8 @@ void ThrowIfInterrupted() {
   if (g_signal != 0) throw RunInterrupted(g_signal);
 }
 
+void ClearInterrupt() { g_signal = 0; }
+
 void EndBySignal(int signal) {
   std::signal(signal, SIG_DFL);
   std::raise(signal);

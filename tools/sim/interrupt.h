@@ -17,6 +17,8 @@ struct RunInterrupted : std::runtime_error {
 void InstallInterruptHandlers();
 // Throws RunInterrupted when a signal has come.
 void ThrowIfInterrupted();
+// Forgets a signal noted (for tests that send one).
+void ClearInterrupt();
 // Ends the process by `signal` with its default action.
 [[noreturn]] void EndBySignal(int signal);
 

@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "sim/interrupt.h"
+
 namespace quorvex::sim {
 
 using nlohmann::ordered_json;
@@ -48,6 +50,8 @@ void WatchForm(Form& form, Transcript& t, bool open_events) {
   });
 }
 
+ordered_json Text(const std::string& value) { return value; }
+
 }  // namespace
 
 std::string ProfilePath(const Machine& machine, const std::string& file) {
@@ -92,23 +96,17 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
     if (e.checked) checked.push_back(name);
     if (!e.enabled) disabled.push_back(name);
   }
-  ordered_json reg = ordered_json::object();
-  for (const auto& [section, keys] : registry.Dump(kApp)) {
-    ordered_json s = ordered_json::object();
-    for (const auto& [k, v] : keys) s[k] = v;
-    reg[section] = s;
-  }
+  auto keys_of = [](const auto& keys) {
+    ThrowIfInterrupted();
+    return ObjectOf(keys, Text);
+  };
+  ordered_json reg = ObjectOf(registry.Dump(kApp), keys_of);
   ordered_json files = ordered_json::object();
   for (const char* f : kProfileFiles) {
+    ThrowIfInterrupted();
     std::string path = ProfilePath(machine, f);
     if (!machine.FileExists(path)) continue;
-    ordered_json sections = ordered_json::object();
-    for (const auto& [section, keys] : profiles.Dump(machine.HostPath(path))) {
-      ordered_json s = ordered_json::object();
-      for (const auto& [k, v] : keys) s[k] = v;
-      sections[section] = s;
-    }
-    files[f] = sections;
+    files[f] = ObjectOf(profiles.Dump(machine.HostPath(path)), keys_of);
   }
   ordered_json state{{"lists", lists},
                      {"ReplyQueue", frm.ReplyQueue.Items()},

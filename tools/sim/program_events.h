@@ -18,6 +18,17 @@ namespace quorvex::sim {
 // "RestartSettings.INI", "Win.INI"), by their Windows paths.
 std::string ProfilePath(const Machine& machine, const std::string& file);
 
+// An object from a map's unique keys in one pass: ordered_json's
+// operator[] looks each new key up from the first, which made the dump of
+// a big section quadratic.
+template <typename Map, typename ToJson>
+nlohmann::ordered_json ObjectOf(const Map& map, ToJson to_json) {
+  nlohmann::ordered_json::object_t object;
+  object.reserve(map.size());
+  for (const auto& [key, value] : map) object.push_back({key, to_json(value)});
+  return object;
+}
+
 // Writes the program's labels, status strip, lists, collections and small
 // windows' opening and closing as they change. Call before the main
 // window loads.

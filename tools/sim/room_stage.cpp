@@ -1,14 +1,19 @@
 #include "sim/room_stage.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "settings/settings.h"
 
 namespace quorvex::sim {
 
 void StageRegistry(const Scenario& sc, Registry& registry) {
+  // One write for all the lines.
+  std::vector<RegistryChange> changes;
+  changes.reserve(sc.registry.size());
   for (const SetupValue& v : sc.registry)
-    registry.Save(kApp, v.section, v.key, v.value);
+    changes.push_back({v.section, v.key, v.value});
+  registry.Write(kApp, changes);
 }
 
 void StageClient(const Scenario& sc, SimClient& client) {

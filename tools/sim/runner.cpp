@@ -3,10 +3,12 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <random>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "app/program.h"
 #include "app/quorvex_app.h"
@@ -74,14 +76,14 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
   ordered_json state = ProgramFinalState(app, registry, profiles, machine);
-  ordered_json mailboxes = ordered_json::object();
-  for (const auto& [sn, mails] : client.Mailboxes()) {
-    ordered_json box = ordered_json::array();
-    for (const ReceivedMail& m : mails)
-      box.push_back(
-          {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
-    mailboxes[sn] = box;
-  }
+  ordered_json mailboxes =
+      ObjectOf(client.Mailboxes(), [](const std::vector<ReceivedMail>& mails) {
+        ordered_json box = ordered_json::array();
+        for (const ReceivedMail& m : mails)
+          box.push_back(
+              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+        return box;
+      });
   state["mailboxes"] = mailboxes;
   // Mail the client holds to send later; shown only when there is some.
   ordered_json waiting = ordered_json::array();
@@ -98,6 +100,11 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
 
 // Thrown from a timed "start" line to start the ended program again.
 struct UserStartsProgram {};
+
+// Thrown from the press that ends the program (lblExit), once its exit is
+// done: whatever tick or wait it was pressed in ends there, as the desktop
+// program's process ends where it stands; nothing more is typed or sent.
+struct ProgramExited {};
 
 // The installed program's file: enough bytes for the restart copy to show
 // its progress.
@@ -183,12 +190,22 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   FaultyMachine app_machine(machine, dice);
 
   // Set-up: stored values first, then the client as it stands at time 0.
+  // A signal ends the run between the steps as it does once time runs.
+  ThrowIfInterrupted();
   StageRegistry(sc, registry);
+  // Each profile file written once, its lines in order.
+  std::map<std::string, std::vector<ProfileEntry>> ini_lines;
   for (const SetupValue& v : sc.ini)
-    profiles.WriteString(machine.HostPath(ProfilePath(machine, v.file)),
-                         v.section, v.key, v.value);
+    ini_lines[v.file].push_back({v.section, v.key, v.value});
+  for (const auto& [file, entries] : ini_lines) {
+    ThrowIfInterrupted();
+    profiles.WriteEntries(machine.HostPath(ProfilePath(machine, file)),
+                          entries);
+  }
   InstallClient(machine, profiles, sc);
+  ThrowIfInterrupted();
   StageClient(sc, client);
+  ThrowIfInterrupted();
   client.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&client.knobs(), name, value);
@@ -281,7 +298,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       } else if (line.verb == "answer") {
         prompter.QueueAnswer(line.text);
       } else if (line.verb == "press") {
-        program.app().Press(line.name, line.index);
+        QuorvexApp& app = program.app();
+        const bool running = !app.ended();
+        app.Press(line.name, line.index);
+        if (running && app.ended()) throw ProgramExited{};
       } else if (line.verb == "select") {
         if (line.text.empty())
           program.app().Select(line.name, line.index);
@@ -301,10 +321,25 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   try {
     // Time 0 is the main window's load: the splash's second is not run,
     // nor when the user starts the program again.
+    // The room goes on after the program has exited, until the user
+    // starts it again or the run ends.
+    auto run_on = [&host, &sc] {
+      for (;;) {
+        try {
+          host.RunUntil(sc.run_until);
+          return;
+        } catch (const ProgramExited&) {
+        }
+      }
+    };
     for (bool again = true; again;) {
       again = false;
       try {
-        program.Run(false, [&host, &sc] { host.RunUntil(sc.run_until); });
+        try {
+          program.Run(false, run_on);
+        } catch (const ProgramExited&) {
+          run_on();  // it exited while it was starting
+        }
       } catch (const UserStartsProgram&) {
         again = true;
       }
@@ -315,6 +350,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   ordered_json final_state =
       FinalState(program.app(), registry, profiles, machine, client);
   if (options.on_final) options.on_final(final_state);
+  ThrowIfInterrupted();
   transcript.Write("final", final_state);
   return transcript.events();
 }

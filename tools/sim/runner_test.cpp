@@ -1,12 +1,17 @@
 #include "sim/runner.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "sim/demo.h"
+#include "sim/interrupt.h"
 #include "sim/scenario.h"
 
 namespace quorvex::sim {
@@ -165,3 +170,48 @@ TEST(RunnerTest, DemoServesEveryKindOfRequest) {
 
 }  // namespace
 }  // namespace quorvex::sim
+
+// POSIX signals and environment.
+#if !defined(_WIN32)
+namespace quorvex::sim {
+namespace {
+
+// A signal noted during the set-up ends the run there: nothing runs,
+// nothing is written, and the temporary folder goes.
+TEST(RunnerInterruptTest, ASignalDuringTheSetUpEndsTheRunThere) {
+  const std::filesystem::path tmp =
+      std::filesystem::temp_directory_path() /
+      ("qv_interrupt_" + std::to_string(::getpid()));
+  std::filesystem::create_directories(tmp);
+  const char* old_tmpdir = std::getenv("TMPDIR");
+  const std::string saved = old_tmpdir ? old_tmpdir : "";
+  ::setenv("TMPDIR", tmp.c_str(), 1);
+  Scenario sc = ParseScenario(
+      "test.scn", "registry Settings Handle = srv\nmails 3\nrun 60\n",
+      Controls());
+  InstallInterruptHandlers();
+  std::raise(SIGTERM);
+  std::ostringstream out;
+  int signal = 0;
+  try {
+    RunScenario(sc, {}, out);
+  } catch (const RunInterrupted& e) {
+    signal = e.signal;
+  }
+  ClearInterrupt();
+  std::signal(SIGTERM, SIG_DFL);
+  std::signal(SIGINT, SIG_DFL);
+  if (old_tmpdir) {
+    ::setenv("TMPDIR", saved.c_str(), 1);
+  } else {
+    ::unsetenv("TMPDIR");
+  }
+  EXPECT_EQ(signal, SIGTERM);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_TRUE(std::filesystem::is_empty(tmp));
+  std::filesystem::remove_all(tmp);
+}
+
+}  // namespace
+}  // namespace quorvex::sim
+#endif

@@ -27,11 +27,11 @@ struct SetupValue {
 struct TimedLine {
   int line = 0;  // line number in the file
   double at = 0;
-  std::string verb;  // say, press, select, set, answer, signoff, kill, join,
-                     // leave, start
-  std::string name;  // speaker, control, list, person
-  std::string text;  // said text, answer, value; select: the item's text
-  int index = 0;     // press: preset item (0 none); select: item
+  std::string verb;    // say, press, select, set, answer, signoff, kill,
+                       // join, leave, start
+  std::string name{};  // speaker, control, list, person
+  std::string text{};  // said text, answer, value; select: the item's text
+  int index = 0;       // press: preset item (0 none); select: item
 };
 
 struct Scenario {

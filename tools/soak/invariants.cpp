@@ -7,6 +7,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <tuple>
 
 #include "model/text_util.h"
 
@@ -62,7 +63,50 @@ bool SignedOffAt(const std::vector<double>& off, const std::vector<double>& on,
   return true;
 }
 
+bool StartsWithName(const std::string& name, const char* prefix) {
+  return LCase(name).rfind(prefix, 0) == 0;
+}
+
+// "/srv send N": N; 0 for any other line.
+int SendNumber(const std::string& text) {
+  static const std::regex kSend("/srv send ([0-9]+)");
+  std::smatch m;
+  if (!std::regex_match(text, m, kSend) || m[1].length() > 6) return 0;
+  return std::stoi(m[1]);
+}
+
+// The registry value a scenario stores, or "".
+std::string Stored(const sim::Scenario& sc, const char* section,
+                   const char* key) {
+  std::string out;
+  for (const sim::SetupValue& v : sc.registry)
+    if (LCase(v.section) == LCase(section) && LCase(v.key) == LCase(key))
+      out = v.value;
+  return out;
+}
+
+// Whether a damaged file of the scenario stores `key` with an empty value.
+bool StoredEmpty(const sim::Scenario& sc, const std::string& key) {
+  for (const sim::SetupValue& v : sc.ini)
+    if (LCase(v.section) == "quorvex" && LCase(v.key) == LCase(key) &&
+        v.value.find_first_not_of(" \t") == std::string::npos)
+      return true;
+  return false;
+}
+
 }  // namespace
+
+double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
+                  int sent_restart) {
+  // What one forward costs at most: the client opens three windows and
+  // sends, and the job pauses (whole seconds) around them. A tick answers
+  // one reply (a mail too, with replies by mail) and forwards one group;
+  // ahead of the request stand at most one group per flooder. The sent-mail
+  // check may come once more.
+  const double forward = 4 * latency_seconds + 3;
+  const double tick = forward * (replies_by_mail ? 2 : 1.5);
+  return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
+}
 
 std::vector<std::string> CheckRun(const sim::Scenario& sc,
                                   const std::string& transcript,
@@ -112,6 +156,36 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   std::set<double> start_times(starts.begin(), starts.end()), started;
   std::map<std::pair<std::string, int>, int> live;  // in the list now
   bool queue_file_fault = false, registry_fault = false;
+  // The asker's accepted requests (mail, time) and the mails handed to the
+  // client for it; requests accepted at each time, by entry; what was
+  // restored at the start and the labels then.
+  std::vector<std::pair<int, double>> asker_asks;
+  std::map<int, std::vector<double>> asker_handed;
+  std::map<std::string, std::vector<double>> added_at;
+  std::vector<std::string> restored_pending, restored_banned;
+  std::string label_pending_at_start, label_banned_at_start;
+  // lstMails as the start reads it again: each emptying, with the count
+  // before it and the count it came back to.
+  struct Read {
+    double at;
+    int before, after;
+  };
+  std::vector<Read> reads;
+  int mail_titles = 0;
+  // When the server went serving (on and not paused) or stopped, as the
+  // captions of cmdStart and cmdPause say; a program that ends or starts
+  // anew is not serving.
+  std::vector<std::pair<double, bool>> serving_at;
+  bool on = false, paused = false;
+  auto serving_now = [&](double t) {
+    serving_at.emplace_back(t, on && !paused);
+  };
+  // The program's exits and starts again, as the timeline has them.
+  std::vector<std::pair<double, bool>> ends_and_starts;
+  for (double x : exits) ends_and_starts.emplace_back(x, false);
+  for (double x : starts) ends_and_starts.emplace_back(x, true);
+  std::sort(ends_and_starts.begin(), ends_and_starts.end());
+  std::size_t next_end_or_start = 0;
   Json final_state;
   double last_t = 0;
   std::istringstream in(transcript);
@@ -125,6 +199,13 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     const std::string ev = e.value("ev", "");
     const double t = e.value("t", 0.0);
     last_t = t;
+    for (; next_end_or_start < ends_and_starts.size() &&
+           ends_and_starts[next_end_or_start].first <= t;
+         ++next_end_or_start) {
+      on = false;
+      if (ends_and_starts[next_end_or_start].second) paused = false;
+      serving_now(ends_and_starts[next_end_or_start].first);
+    }
     if (ev == "final") {
       final_state = e;
     } else if (ev == "mail") {
@@ -137,12 +218,27 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         for (const std::string& sn : Recipients(to)) {
           handed[{sn, n}].push_back(t);
           if (later) handed_later[{sn, n}].push_back(t);
+          if (sn == "asker") asker_handed[n].push_back(t);
         }
       }
     } else if (ev == "client") {
       const std::string what = e.value("what", "");
       if (what == "signs off") client_off.push_back(t);
       if (what == "signs on") client_on.push_back(t);
+    } else if (ev == "label" && (e.value("name", "") == "cmdStart" ||
+                                 e.value("name", "") == "cmdPause")) {
+      const std::string caption = e.value("text", "");
+      if (e.value("name", "") == "cmdStart") on = caption == "&stop";
+      if (e.value("name", "") == "cmdPause") paused = caption == "&unpause";
+      serving_now(t);
+    } else if (ev == "machine" && e.value("what", "") == "reboots") {
+      on = paused = false;
+      serving_now(t);
+    } else if (ev == "label" && t == 0) {
+      if (e.value("name", "") == "lblPending")
+        label_pending_at_start = e.value("text", "");
+      if (e.value("name", "") == "lblBanned")
+        label_banned_at_start = e.value("text", "");
     } else if (ev == "status") {
       if (e.value("text", "") == "status: deleting sent")
         sent_deleted.push_back(t);
@@ -160,6 +256,18 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       const std::string item = e.value("item", "");
       if (name == "lstBanned" && op == "add")
         banned_at[NoSpaces(item)].push_back(t);
+      if (name == "lstMails") {
+        if (op == "clear") {
+          if (!reads.empty()) reads.back().after = mail_titles;
+          reads.push_back({t, mail_titles, 0});
+          mail_titles = 0;
+        }
+        mail_titles += op == "add" ? 1 : op == "remove" ? -1 : 0;
+      }
+      if (t == 0 && op == "add" && name == "lstPending")
+        restored_pending.push_back(item);
+      if (t == 0 && op == "add" && name == "lstBanned")
+        restored_banned.push_back(item);
       if (name == "ReplyQueue" && op == "add") {
         const auto dash = item.rfind('-');
         if (dash != std::string::npos) asked.insert(item.substr(0, dash));
@@ -186,12 +294,15 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       if (op == "remove") --live[entry];
       if (op == "add" && !start_times.count(t)) {
         ++accepted[entry];
+        added_at[item].push_back(t);
+        if (entry.first == "asker") asker_asks.emplace_back(entry.second, t);
       } else if (op == "remove") {
         last_taken[entry] = t;
         removed_at[entry].push_back(t);
       }
     }
   }
+  if (!reads.empty()) reads.back().after = mail_titles;
   if (final_state.is_null()) {
     bad.push_back("no final state: the run did not end normally");
     return bad;
@@ -341,15 +452,16 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       for (double h : handed.at(entry))
         for (double o : signoffs)
           if (o >= h && o - h <= 1.0) lost_by_client = true;
-    // The client signed off during the forward, before it took the mail:
+    // The client signed off during a forward, before it took the mail:
     // the step ends there and the group is lost, as the program intends.
-    if (last_taken.count(entry)) {
-      const double taken = last_taken.at(entry);
-      bool handed_since = false;
-      if (handed.count(entry))
-        for (double h : handed.at(entry))
-          if (h >= taken) handed_since = true;
-      if (!handed_since) {
+    // Any of the entry's takes (one asked twice may lose the first).
+    if (removed_at.count(entry)) {
+      for (double taken : removed_at.at(entry)) {
+        bool handed_since = false;
+        if (handed.count(entry))
+          for (double h : handed.at(entry))
+            if (h >= taken && h - taken <= kForwardSeconds) handed_since = true;
+        if (handed_since) continue;
         for (double o : signoffs)
           if (o >= taken && o - taken <= kForwardSeconds) lost_by_client = true;
         // Or it was already off when the group was taken (it signed off
@@ -358,10 +470,26 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       }
     }
     if (!ending && lost_by_client) ending = "lost with a sign-off";
-    if (!ending && last_taken.count(entry) &&
-        stopped_within(last_taken[entry], 60)) {
-      ending = "in flight at a stop";
-      fig->in_flight += asked_n - got - left;
+    // The user started the server again while the last tick of a stop
+    // was forwarding it: the start clears away the client's mail windows,
+    // the forward's among them.
+    if (!ending && last_taken.count(entry)) {
+      const double taken = last_taken.at(entry);
+      bool handed_since = false;
+      if (handed.count(entry))
+        for (double h : handed.at(entry))
+          if (h >= taken) handed_since = true;
+      for (const Read& r : reads)
+        if (!handed_since && r.at > taken && r.at - taken <= kForwardSeconds)
+          ending = "cut short by a start";
+    }
+    // Taken shortly before the program stopped (any of its takes: an exit
+    // ends the forward under way there; a mail handed over moments before
+    // may still be on its way through a slow client).
+    if (!ending && removed_at.count(entry)) {
+      for (double taken : removed_at.at(entry))
+        if (stopped_within(taken, 60)) ending = "in flight at a stop";
+      if (ending) fig->in_flight += asked_n - got - left;
     }
     if (ending) {
       fig->excused += asked_n - got - left;
@@ -371,6 +499,117 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     bad.push_back(who + ": asked " + std::to_string(asked_n) +
                   " times, delivered " + std::to_string(got) + ", pending " +
                   std::to_string(still) + ", and no reason why");
+  }
+
+  // A list restored at the start ends with a line the file holds, and its
+  // label counts the lines restored.
+  fig->restored_lines +=
+      static_cast<int>(restored_pending.size() + restored_banned.size());
+  for (const auto& [lines, label, prefix, what] :
+       {std::tuple{&restored_pending, &label_pending_at_start, "Pending ",
+                   "pending: "},
+        std::tuple{&restored_banned, &label_banned_at_start, "Banned ",
+                   "banned: "}}) {
+    if (!lines->empty() && lines->back().empty() &&
+        !StoredEmpty(sc, prefix + std::to_string(lines->size() - 1)))
+      bad.push_back(std::string("the restored ") + prefix +
+                    "list ends in an empty line (line " +
+                    std::to_string(lines->size()) +
+                    "): the file's count stops serving");
+    if (!label->empty() && *label != what + std::to_string(lines->size()))
+      bad.push_back("restored " + std::to_string(lines->size()) +
+                    " lines, but the label reads " + *label);
+  }
+
+  // Requests said while a start read the mailbox: each accepted that asks
+  // for a mail both in the list before the read and in the list after.
+  for (const sim::TimedLine& l : sc.timeline) {
+    if (l.verb != "say" || !StartsWithName(l.name, "early")) continue;
+    const int n = SendNumber(l.text);
+    const Read* read = nullptr;
+    for (const Read& r : reads)
+      if (r.at <= l.at && l.at - r.at < 10) read = &r;
+    if (n <= 0 || !read || n > std::min(read->before, read->after)) continue;
+    // Not heard: the client signed off shortly before or right after (the
+    // room is read four times a second), or the program ended first.
+    bool off = SignedOffAt(client_off, client_on, l.at);
+    for (double o : signoffs)
+      if (o <= l.at + 1 && l.at - o < 180) off = true;
+    for (double x : exits)
+      if (x >= l.at && x <= l.at + 1) off = true;
+    if (off) continue;
+    ++fig->early_requests;
+    bool taken = false;
+    const auto it = added_at.find(LCase(l.name) + "-" + std::to_string(n));
+    if (it != added_at.end())
+      for (double a : it->second)
+        if (a >= l.at && a - l.at <= 2) taken = true;
+    if (!taken)
+      bad.push_back(LCase(l.name) + "-" + std::to_string(n) +
+                    ": asked for while a start read the mailbox, refused");
+  }
+
+  // The asker's mails, beside the flooders.
+  if (sc.lost_clicks <= 0) {
+    const bool by_mail =
+        LCase(Stored(sc, "Settings", "ScrollMethod")) == "false";
+    const int sent_restart =
+        std::atoi(Stored(sc, "Settings", "SentRestart").c_str());
+    std::map<int, std::size_t> used;  // handed mails matched so far
+    for (const auto& [n, t] : asker_asks) {
+      // Who floods beside it, and whether anything else that may hold the
+      // mail back happens from two minutes before to the bound: the user
+      // acting (but for the stretch's own clear and a change of speed), a
+      // sign-off (three minutes), anyone else asking after the clear.
+      std::set<std::string> flooders;
+      for (const sim::TimedLine& l : sc.timeline)
+        if (l.verb == "say" && StartsWithName(l.name, "flooder") &&
+            std::abs(l.at - t) < 5)
+          flooders.insert(LCase(l.name));
+      const double bound =
+          FloodBound(sc.latency_ms / 1000.0, static_cast<int>(flooders.size()),
+                     by_mail, sent_restart);
+      // The mail handed for it, if any.
+      std::vector<double>& got = asker_handed[n];
+      std::size_t& k = used[n];
+      while (k < got.size() && got[k] < t) ++k;
+      const bool handed = k < got.size();
+      const double wait = handed ? got[k] - t : last_t - t;
+      if (handed) ++k;
+      // Until then (or the bound): serving, and nothing else happening.
+      const double until = t + std::min(wait, bound);
+      bool quiet = true;
+      for (const sim::TimedLine& l : sc.timeline) {
+        if (l.at > until) break;
+        // Before the request, what may still be under way: a client
+        // restart after a sign-off (a start under way is not serving yet).
+        if (l.at <= t) {
+          if (l.verb == "signoff" && l.at >= t - 180) quiet = false;
+          continue;
+        }
+        if (l.verb == "join" || l.verb == "leave") continue;
+        if (l.verb == "press" && l.name == "mnuMSpeed") continue;
+        if (l.verb == "say" && (StartsWithName(l.name, "flooder") ||
+                                StartsWithName(l.name, "asker")))
+          continue;
+        quiet = false;
+      }
+      bool serving = false;
+      for (const auto& [when, yes] : serving_at) {
+        if (when > until) break;
+        if (when <= t) serving = yes;
+        if (when > t && !yes) quiet = false;
+      }
+      if (!serving || !quiet || stopped_within(t, bound)) continue;
+      ++fig->flood_asks;
+      fig->flood_wait_max = std::max(fig->flood_wait_max, wait);
+      if (wait > bound)
+        bad.push_back(
+            "asker-" + std::to_string(n) + ": held back by flooders, waited " +
+            std::to_string(static_cast<int>(wait)) + " s for its mail beside " +
+            std::to_string(flooders.size()) + " flooders (bound " +
+            std::to_string(static_cast<int>(bound)) + " s)");
+    }
   }
 
   // The total shown is the total stored.

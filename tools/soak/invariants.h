@@ -10,7 +10,18 @@
 //    of the queue's file, or in flight when the program stopped;
 //  - no mail reaches anyone who did not ask for something;
 //  - the total counter shown equals the one stored, unless a write of the
-//    settings failed.
+//    settings failed;
+//  - someone who does not flood is not held back by those who do: each
+//    mail "asker" asks for in a flood stretch (see soak_room.h) reaches
+//    the client within FloodBound seconds, unless the user or the client
+//    did something meanwhile that may hold it up (an action, a sign-off,
+//    a room that loses clicks) or the run ended first;
+//  - no count in a file stops serving: a queue or banned list restored at
+//    the start does not end in an empty line, and its label counts the
+//    lines restored;
+//  - a request said while a start reads the mailbox again is judged as a
+//    moment before: each of "early" + n's requests is accepted, unless the
+//    client had signed off shortly before.
 #pragma once
 
 #include <map>
@@ -32,7 +43,18 @@ struct RunFigures {
   int in_flight = 0;        // of those: taken when the program stopped
   std::map<std::string, int> endings;  // those ended another way, by name
   std::map<std::string, int> faults;   // injected, by kind
+  int flood_asks = 0;         // the asker's requests checked against the bound
+  double flood_wait_max = 0;  // the longest of their waits, in seconds
+  int early_requests = 0;     // requests said during a start, checked
+  int restored_lines = 0;     // queue and banned lines restored from files
 };
+
+// The longest a request of someone who does not flood may wait for its
+// mail to reach the client, in a room with this client latency, with
+// `flooders` people flooding, replies by mail or by chat, and the sent-mail
+// check after every `sent_restart` mails (0: never).
+double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
+                  int sent_restart);
 
 // The violations found (empty: the run is clean).
 std::vector<std::string> CheckRun(const sim::Scenario& scenario,

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -242,6 +243,106 @@ TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
          "\n";
   EXPECT_TRUE(Check({}, "[]", "sent: 7", "6").empty());
   EXPECT_EQ(figures.faults.at("registry-write"), 1);
+}
+
+TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
+  // Serving from 1 s; two flooders talk all along; the asker asks at 10.
+  const double bound = FloodBound(0.05, 2, false, 0);
+  EXPECT_GT(bound, 20);
+  EXPECT_LT(bound, 40);
+  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  for (int t = 5; t < 200; ++t)
+    for (const char* f : {"flooder1", "flooder2"})
+      sc.timeline.push_back({.line = t,
+                             .at = t + 0.1,
+                             .verb = "say",
+                             .name = f,
+                             .text = "/srv send 1"});
+  sc.run_until = 400;
+  auto asker = [this](double asked, double handed) {
+    Add(asked, "asker-2");
+    if (handed > 0)
+      Line(
+          handed,
+          R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+  };
+  asker(10, 10 + bound - 1);    // within
+  asker(100, 100 + bound + 1);  // late
+  asker(200, 0);                // never
+  auto bad = Check({{"asker", 2}, {"asker", 2}}, R"(["asker-2"])");
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("held back by flooders"), std::string::npos);
+  EXPECT_EQ(figures.flood_asks, 3);
+
+  // The user acting meanwhile, or a sign-off shortly before, excuses it.
+  sc.timeline.push_back(
+      {.line = 900, .at = 110, .verb = "press", .name = "cmdPause"});
+  sc.timeline.push_back({.line = 901, .at = 150, .verb = "signoff"});
+  std::sort(sc.timeline.begin(), sc.timeline.end(),
+            [](const auto& a, const auto& b) { return a.at < b.at; });
+  text.clear();
+  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  asker(10, 10 + bound - 1);
+  asker(100, 100 + bound + 1);
+  asker(200, 0);
+  bad = Check({{"asker", 2}, {"asker", 2}}, R"(["asker-2"])");
+  EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
+  EXPECT_EQ(figures.flood_asks, 1);
+}
+
+TEST_F(InvariantsTest, ARestoredListEndsWithWhatTheFileHolds) {
+  Line(0, R"("ev":"label","name":"lblPending","text":"pending: 3")");
+  Add(0, "bob-1");
+  Add(0, "");
+  Add(0, "");  // behind the last entry: the count's doing
+  Line(0, R"("ev":"label","name":"lblBanned","text":"banned: 9")");
+  Line(0, R"("ev":"list","name":"lstBanned","op":"add","item":"zed")");
+  auto bad = Check({}, R"(["bob-1","",""])");
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("ends in an empty line"), std::string::npos);
+  EXPECT_NE(bad[1].find("label reads banned: 9"), std::string::npos);
+  EXPECT_EQ(figures.restored_lines, 4);
+  // An empty value the file does store is the file's.
+  sc.ini.push_back({"Quorvex.INI", "Quorvex", "Pending 2", ""});
+  text.clear();
+  Add(0, "bob-1");
+  Add(0, "");
+  Add(0, "");
+  EXPECT_TRUE(Check({{"bob", 1}}).empty());
+}
+
+TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
+  // Three titles before the start's read and after it.
+  for (const char* title : {"a", "b", "c"})
+    Line(0,
+         std::string(R"("ev":"list","name":"lstMails","op":"add","item":")") +
+             title + "\"");
+  Line(5, R"("ev":"list","name":"lstMails","op":"clear")");
+  for (const char* title : {"a", "b", "c"})
+    Line(6,
+         std::string(R"("ev":"list","name":"lstMails","op":"add","item":")") +
+             title + "\"");
+  for (const auto& [who, at] : std::vector<std::pair<std::string, double>>{
+           {"early1", 5.2}, {"early2", 5.4}, {"early3", 5.6}})
+    sc.timeline.push_back({.line = 1,
+                           .at = at,
+                           .verb = "say",
+                           .name = who,
+                           .text = "/srv send 3"});
+  sc.timeline.push_back({.line = 2,
+                         .at = 5.3,
+                         .verb = "say",
+                         .name = "early4",
+                         .text = "/srv send 4"});
+  Add(5.25, "early1-3");  // taken
+  Add(5.5, "early2-3");   // taken
+  // early3's is refused; early4 asks for a mail beyond the list.
+  const auto bad = Check({}, R"(["early1-3","early2-3"])");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "early3-3: asked for while a start read the mailbox, "
+            "refused");
+  EXPECT_EQ(figures.early_requests, 3);
 }
 
 }  // namespace

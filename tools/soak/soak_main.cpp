@@ -3,6 +3,7 @@
 // normally and that every accepted request is accounted for. A failing
 // run prints its seed and writes the scenario that reproduces it.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -37,6 +38,12 @@ int main(int argc, char** argv) {
   cli.add_option("--max-seconds", room.max_seconds,
                  "the longest busy stretch of a run, in virtual seconds");
   cli.add_flag("!--stop", keep_going, "stop at the first failing run");
+  std::vector<std::string> without;
+  cli.add_option("--without", without,
+                 "draws to leave out (repeatable): floods (flood stretches), "
+                 "files (damaged queue and restart files), early (requests "
+                 "during a start)")
+      ->check(CLI::IsMember({"floods", "files", "early"}));
   bool print = false;
   cli.add_flag("--print", print,
                "print the scenario of the first seed and run nothing");
@@ -47,6 +54,11 @@ int main(int argc, char** argv) {
       return 2;
     }
     room.faults.erase(kind);
+  }
+  for (const std::string& draw : without) {
+    if (draw == "floods") room.flood_stretches = false;
+    if (draw == "files") room.damaged_files = false;
+    if (draw == "early") room.start_requests = false;
   }
   room.min_seconds = std::min(room.min_seconds, room.max_seconds);
   if (print) {
@@ -62,7 +74,9 @@ int main(int argc, char** argv) {
   const auto wall0 = std::chrono::steady_clock::now();
   int failed = 0;
   std::int64_t accepted = 0, delivered = 0, excused = 0, still_pending = 0,
-               waiting = 0, deleted_waiting = 0, banned = 0;
+               waiting = 0, deleted_waiting = 0, banned = 0, flood_asks = 0,
+               early_requests = 0, restored_lines = 0;
+  double flood_wait_max = 0;
   std::map<std::string, int> faults, endings;
   // The client's faults, drawn into the rooms rather than logged as they
   // strike: rooms that lose clicks, sign-offs, full mailboxes, dead mails
@@ -104,6 +118,10 @@ int main(int argc, char** argv) {
     still_pending += fig.still_pending;
     waiting += fig.waiting, deleted_waiting += fig.deleted_waiting;
     banned += fig.banned;
+    flood_asks += fig.flood_asks;
+    flood_wait_max = std::max(flood_wait_max, fig.flood_wait_max);
+    early_requests += fig.early_requests;
+    restored_lines += fig.restored_lines;
     for (const auto& [kind, n] : fig.faults) faults[kind] += n;
     for (const auto& [why, n] : fig.endings) endings[why] += n;
     if ((i + 1) % 50 == 0)
@@ -148,6 +166,12 @@ int main(int argc, char** argv) {
     std::cout << sep << why << " " << n;
     sep = ", ";
   }
+  std::cout << "\n  beside flooders: " << flood_asks
+            << " mails asked for and checked against the bound, the longest "
+               "wait "
+            << flood_wait_max << " s; " << early_requests
+            << " requests said during a start; " << restored_lines
+            << " lines restored from damaged files";
   std::cout << "\n  faults injected: " << injected;
   for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
   std::cout << "\n  client faults drawn:";

@@ -1,6 +1,8 @@
 #include "soak_room.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <random>
 #include <set>
 #include <sstream>
@@ -131,6 +133,119 @@ std::string AddClientDeaths(std::uint64_t seed, const RoomOptions& o,
   return out;
 }
 
+std::string At(double t) {
+  char at[32];
+  std::snprintf(at, sizeof at, "at %.3f ", t);
+  return at;
+}
+
+// A count as a damaged file may hold it, for `entries` keys stored.
+std::string DamagedCount(Dice& d, int entries) {
+  switch (d.Int(0, 7)) {
+    case 0:
+      return "2000000000";
+    case 1:
+      return "1e12";
+    case 2:
+      return std::to_string(entries + d.Int(1, 50));
+    case 3:
+      return std::to_string(entries);
+    case 4:
+      return "-" + std::to_string(d.Int(1, 9));
+    case 5:
+      return std::to_string(entries) + ".5";
+    case 6:
+      return "lots";
+    default:
+      return std::to_string(std::max(0, entries - 1));
+  }
+}
+
+// Numbered keys PREFIX0... of a damaged file: `values` in order, one key
+// sometimes missing between present ones (a real gap).
+void NumberedKeys(Dice& d, std::ostringstream& s, const std::string& head,
+                  const std::string& prefix,
+                  const std::vector<std::string>& values) {
+  const int gap = values.size() >= 2 && d.Chance(0.3)
+                      ? d.Int(0, static_cast<int>(values.size()) - 2)
+                      : -1;
+  for (std::size_t i = 0; i < values.size(); ++i)
+    if (static_cast<int>(i) != gap)
+      s << head << prefix << i << " = " << values[i] << "\n";
+}
+
+// Entries of a damaged queue: the room's people asking for mails, now and
+// then a find with a long text.
+std::vector<std::string> DamagedEntries(Dice& d,
+                                        const std::vector<std::string>& people,
+                                        int mails) {
+  // Distinct, as the program saves them: the parser never queues a mail
+  // twice for one person.
+  std::vector<std::string> out;
+  std::set<std::string> seen;
+  const int n = d.Int(1, 6);
+  for (int i = 0; i < n; ++i) {
+    std::string sn = d.Pick(people);
+    for (char& c : sn) c = static_cast<char>(std::tolower(c));
+    std::string entry = d.Chance(0.15)
+                            ? sn + "~" + std::string(d.Int(1100, 3000), 'q')
+                            : sn + "-" + std::to_string(d.Int(1, mails));
+    if (seen.insert(entry).second) out.push_back(std::move(entry));
+  }
+  return out;
+}
+
+// A flood stretch from `t`, after a clear: "flooder" + n repeat a
+// duplicate, thanks or status every second; "asker" asks for mails no
+// flooder wants now and then; nothing else happens. Returns the time after
+// it and a quiet minute.
+double FloodStretch(Dice& d, std::ostringstream& s, double t, int mails,
+                    const std::set<int>& dead) {
+  s << At(t) << "press mnuClearALL\n";
+  const int flooders = d.Int(1, 4);
+  const int seconds = d.Int(60, 180);
+  const int shared = d.Int(1, mails);
+  std::set<int> wanted;
+  std::vector<std::vector<std::string>> lines(flooders);
+  for (int f = 0; f < flooders; ++f) {
+    const int mode = d.Int(0, 4);
+    const int own = d.Int(1, mails);
+    if (mode <= 1) wanted.insert(mode == 0 ? own : shared);
+    if (mode == 0) lines[f] = {"/srv send " + std::to_string(own)};
+    if (mode == 1) lines[f] = {"/srv send " + std::to_string(shared)};
+    if (mode == 2) lines[f] = {"/srv thanks"};
+    if (mode == 3) lines[f] = {"/srv send status"};
+    if (mode == 4)
+      lines[f] = {"/srv send " + std::to_string(shared), "/srv thanks",
+                  "/srv send status"};
+    if (mode == 4) wanted.insert(shared);
+  }
+  std::vector<int> asks;
+  for (int n = 1; n <= mails; ++n)
+    if (!wanted.count(n) && !dead.count(n)) asks.push_back(n);
+  std::vector<std::pair<double, std::string>> timed;
+  const double t0 = t + 1;
+  for (int k = 0; k < seconds; ++k)
+    for (int f = 0; f < flooders; ++f)
+      for (std::size_t l = 0; l < lines[f].size(); ++l)
+        timed.emplace_back(
+            t0 + k + f * 0.07 + l * 0.02,
+            "flooder" + std::to_string(f + 1) + ": " + lines[f][l]);
+  int asked_n = 0;
+  for (double a = t0 + d.Int(2, 8); !asks.empty() && a < t0 + seconds;
+       a += d.Int(15, 40))
+    timed.emplace_back(
+        a + 0.5,
+        "asker: /srv send " + std::to_string(asks[asked_n++ % asks.size()]));
+  std::stable_sort(
+      timed.begin(), timed.end(),
+      [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (const auto& [when, line] : timed)
+    s << At(when) << "say " << line << "\n";
+  // A quiet minute after it.
+  return t0 + seconds + 60;
+}
+
 }  // namespace
 
 std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
@@ -158,16 +273,61 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   s << "mails " << mails << " song\n";
   if (on("full-mailbox") && d.Chance(0.3))
     s << "full-mailbox " << d.Pick(people) << "\n";
-  if (on("dead-mail") && d.Chance(0.3))
-    s << "dead-mail " << d.Int(1, mails) << "\n";
+  std::set<int> dead;
+  if (on("dead-mail") && d.Chance(0.3)) {
+    dead.insert(d.Int(1, mails));
+    s << "dead-mail " << *dead.begin() << "\n";
+  }
   if (on("slow") && d.Chance(0.3)) s << "latency " << d.Int(100, 3000) << "\n";
   for (const char* kind :
        {"lost-click", "registry-write", "profile-write", "disk-full", "vanish"})
     if (on(kind) && d.Chance(0.25))
       s << "fault " << kind << " " << d.Int(1, 20) << "\n";
 
-  // The user starts serving at once (lists built when none are found).
-  s << "at 0.5 answer yes\nat 1 press cmdStart\n";
+  // A damaged queue file, or a damaged restart state: the run then starts
+  // with a resume, which starts serving by itself once the client is back.
+  bool resumes = false;
+  if (o.damaged_files && d.Chance(0.2)) {
+    resumes = d.Chance(0.3);
+    const std::string head = std::string("ini ") +
+                             (resumes ? "RestartSettings.INI" : "Quorvex.INI") +
+                             " Quorvex ";
+    const std::vector<std::string> entries = DamagedEntries(d, people, mails);
+    if (resumes) {
+      s << head << "ChatName = Lobby"
+        << (d.Chance(0.1) ? std::string(d.Int(1100, 100000), 'x') : "") << "\n";
+      s << head << "TotalSent = " << d.Int(0, 30) << "\n";
+      std::vector<std::string> banned = {"spammer"};
+      if (d.Chance(0.5)) banned.push_back(std::string(d.Int(1100, 5000), 'z'));
+      s << head
+        << "TotalBanned = " << DamagedCount(d, static_cast<int>(banned.size()))
+        << "\n";
+      NumberedKeys(d, s, head, "Banned ", banned);
+    }
+    s << head
+      << "TotalPending = " << DamagedCount(d, static_cast<int>(entries.size()))
+      << "\n";
+    NumberedKeys(d, s, head, "Pending ", entries);
+  }
+
+  // The user starts serving at once (lists built when none are found); a
+  // resume starts by itself, and the room waits until it has.
+  s << "at 0.5 answer yes\n";
+  if (!resumes) s << "at 1 press cmdStart\n";
+  // Someone asks for a mail while a start reads the mailbox again.
+  int early = 0;
+  auto early_requests = [&](double from) {
+    double when = from;
+    for (int i = d.Int(1, 2); i > 0; --i) {
+      when += d.Int(50, 1500) / 1000.0;
+      s << At(when) << "say early" << ++early << ": /srv send "
+        << d.Int(1, mails) << "\n";
+    }
+    return when;
+  };
+  double first = 2;  // the room's own lines begin after these
+  if (!resumes && o.start_requests && d.Chance(0.5))
+    first = std::max(first, early_requests(1));
   bool running = true, serving = true, paused = false;
   // Who asked for mail since the last ban from the room window, and who is
   // banned: a ban picks one of the former most of the time.
@@ -178,13 +338,19 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
         std::find(asking.begin(), asking.end(), p) == asking.end())
       asking.push_back(p);
   };
-  double t = 2;
-  while (t < end) {
+  // One room in five has a flood stretch, once it is serving.
+  double stretch_at =
+      o.flood_stretches && d.Chance(0.2) ? d.Int(5, std::max(5, end - 20)) : -1;
+  double t = resumes ? 120 : first;
+  while (t < end + (resumes ? 120 : 0)) {
     t += d.Int(1, 2000) / 1000.0;
     char at[32];
     std::snprintf(at, sizeof at, "at %.3f ", t);
     const double what = d.Int(0, 199) / 2.0;
-    if (!running) {
+    if (stretch_at >= 0 && t >= stretch_at && running && serving && !paused) {
+      stretch_at = -1;
+      t = FloodStretch(d, s, t, mails, dead);
+    } else if (!running) {
       // After an exit the user starts the program again, later.
       s << at << "start\n";
       running = true, serving = false, paused = false;
@@ -211,12 +377,16 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
       s << at << (d.Chance(0.5) ? "join " : "leave ") << name << "\n";
     } else if (what < 71) {
       s << at << "press cmdPause\n";
-      paused = !paused;
+      // The program takes it only while the server is on; a pause asked
+      // for stays through a stop and the next start.
+      if (serving) paused = !paused;
     } else if (what < 74) {
       // Stop, or start again (lists built when none are found).
+      const bool starts = !serving;
       if (!serving) s << at << "answer yes\n";
       s << at << "press cmdStart\n";
       serving = !serving;
+      if (starts && o.start_requests && d.Chance(0.7)) t = early_requests(t);
     } else if (what < 74.5) {
       s << at << "press mnuClearALL\n";
     } else if (what < 79) {
@@ -260,9 +430,10 @@ std::string MakeRoom(std::uint64_t seed, const RoomOptions& o) {
   char at[32];
   std::snprintf(at, sizeof at, "at %.3f ", t);
   if (!running) s << at << "start\n";
-  if (paused && running) s << at << "press cmdPause\n";
   if (!serving || !running)
     s << at << "answer yes\n" << at << "press cmdStart\n";
+  // Unpaused once the start is done.
+  if (paused && running) s << At(t + 30) << "press cmdPause\n";
   const double drain = t + o.drain_seconds;
   // Half the runs end with the user's exit, the rest as if the power went.
   if (d.Chance(0.5)) {

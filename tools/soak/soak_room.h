@@ -5,6 +5,17 @@
 // exiting and starting the program again; faults of the client (lost
 // clicks, sign-offs, its process killed, its room full when it comes back,
 // full mailboxes, dead mails, slowness) and of the program's files.
+//
+// Beside them, three draws whose people the invariants know by name:
+//  - flood stretches: the user clears the list, then for a minute or more
+//    people named "flooder" + n repeat a request (a duplicate), thanks or
+//    status every second, while "asker" asks for a mail of its own now and
+//    then, and nothing else happens;
+//  - damaged files: Quorvex.INI, or a RestartSettings.INI that makes the
+//    run start with a resume, whose counts say more, less or nothing that
+//    is a number, with long values and sometimes a real gap;
+//  - requests during a start: right after a start is pressed, people named
+//    "early" + n each ask for a mail while the mailbox is read again.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +37,11 @@ struct RoomOptions {
   int min_seconds = 60, max_seconds = 180;
   // Virtual seconds of the quiet end.
   int drain_seconds = 240;
+  // The draws above; a front end that cannot set up profile files, say,
+  // leaves damaged files out.
+  bool flood_stretches = true;
+  bool damaged_files = true;
+  bool start_requests = true;
 };
 
 std::string MakeRoom(std::uint64_t seed, const RoomOptions& options);

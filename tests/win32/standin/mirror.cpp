@@ -59,20 +59,22 @@ bool IsModalClass(const std::string& class_name) {
   return class_name == aol::kDialogClass || class_name == aol::kPopupMenuClass;
 }
 
+// A callback of the system's own calling convention (a lambda has the
+// C++ one, which differs in a 32-bit program).
+BOOL CALLBACK FindMessageBox(HWND h, LPARAM out) {
+  wchar_t cls[16];
+  if (::GetClassNameW(h, cls, 16) && std::wstring(cls) == L"#32770") {
+    *reinterpret_cast<HWND*>(out) = h;
+    return FALSE;
+  }
+  return TRUE;
+}
+
 // The message box this thread shows, if any.
 HWND OwnMessageBox() {
   HWND found = nullptr;
-  ::EnumThreadWindows(
-      ::GetCurrentThreadId(),
-      [](HWND h, LPARAM out) -> BOOL {
-        wchar_t cls[16];
-        if (::GetClassNameW(h, cls, 16) && std::wstring(cls) == L"#32770") {
-          *reinterpret_cast<HWND*>(out) = h;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&found));
+  ::EnumThreadWindows(::GetCurrentThreadId(), FindMessageBox,
+                      reinterpret_cast<LPARAM>(&found));
   return found;
 }
 
