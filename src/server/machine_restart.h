@@ -66,7 +66,7 @@ void SaveRestartState(const RestartContext& r);
 void LoadRestartState(const RestartContext& r);
 
 // Stops serving, saves everything, closes the client, registers and writes
-// the restart copy (progress on the status strip) and reboots. Returns
+// the restart copy and reboots. Returns
 // only when the machine does not reboot.
 void CPURestart(const RestartContext& r, const ClientContext& c);
 
