@@ -71,6 +71,10 @@ void ServeEngine::cmdStart_Click() {
   // A second click while the start is still talking to the client would
   // start the server twice over.
   if (starting_) return;
+  if (!FindFrame(c_.api)) {
+    ctx_.prompter.MsgBox(kNoClientText, kNoClientTitle);
+    return;
+  }
   starting_ = true;
   Start();
   starting_ = false;

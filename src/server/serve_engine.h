@@ -68,6 +68,12 @@ struct ServeJobs {
   std::function<void()> cpu_restart;
 };
 
+// The message a start gives when the client is not running.
+inline constexpr const char* kNoClientTitle = "quorvex";
+inline constexpr const char* kNoClientText =
+    "america online is not running.\r\n\r\nstart america online, sign on "
+    "and enter the chat room you serve, then press start again.";
+
 class ServeEngine {
  public:
   // Creates Timer1 and Timer2 (disabled). What the context and `c` refer
@@ -77,7 +83,9 @@ class ServeEngine {
   ServeEngine(const ServeEngine&) = delete;
   ServeEngine& operator=(const ServeEngine&) = delete;
 
-  // Starts when idle; asks the next tick to stop when serving.
+  // Starts when idle; asks the next tick to stop when serving. With no
+  // client running there is no mailbox to read: the person is told so and
+  // the server stays idle, its queue as it was.
   void cmdStart_Click();
   // Asks the next tick to pause when serving; resumes when paused.
   void cmdPause_Click();
