@@ -9,7 +9,7 @@ class BusterWindow : public FormWindow {
  public:
   explicit BusterWindow(Desktop& desktop)
       : FormWindow(desktop, "frmRoomBuster.lblExit") {}
-  void Open(POINT at) override;
+  void Open() override;
 
  protected:
   void OnControl(int id, int code, HWND control) override;

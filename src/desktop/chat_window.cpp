@@ -12,10 +12,11 @@ constexpr const char* kTxtSend = "frmChatroom.txtSend";
 constexpr int kReturn = 13;
 }  // namespace
 
-void ChatroomWindow::Open(POINT at) {
+void ChatroomWindow::Open() {
   FrmChatroom& form = desktop_.app().frmChatroom();
   if (open() || !form.form.open()) return;
-  CreateSmall(kChatroomClass, "serve && chat", at.x, at.y, kWidth, kHeight);
+  CreateSmall(kChatroomClass, desktop_.Title("mnuServeNChat"), 0, 0, kWidth,
+              kHeight);
   HWND title = Item(kIdPicTitle);
   SetBand(title, kBandColour, form.picTitle.caption());
   subs_.Add(form.picTitle, [title](const Label& l) {

@@ -11,7 +11,7 @@ class Desktop;
 class MessagesWindow : public SmallWindow {
  public:
   explicit MessagesWindow(Desktop& desktop) : desktop_(desktop) {}
-  void Open(POINT at);
+  void Open();
 
  protected:
   LRESULT Handle(UINT msg, WPARAM wp, LPARAM lp) override;

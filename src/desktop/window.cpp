@@ -105,10 +105,26 @@ LRESULT CALLBACK Window::Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
   return self->Handle(msg, wp, lp);
 }
 
+namespace {
+std::function<POINT(HWND)>& Placer() {
+  static std::function<POINT(HWND)> placer;
+  return placer;
+}
+}  // namespace
+
+void SetSmallWindowPlacer(std::function<POINT(HWND opening)> placer) {
+  Placer() = std::move(placer);
+}
+
 void SmallWindow::CreateSmall(const wchar_t* class_name,
                               const std::string& caption, int x, int y, int w,
                               int h, bool with_exit) {
   CreateTopLevel(class_name, caption, x, y, w, h);
+  if (Placer()) {
+    const POINT at = Placer()(hwnd());
+    SetWindowPos(hwnd(), nullptr, at.x, at.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
   HWND title = CreateBand(hwnd(), kIdPicTitle, 0, 0, w, 20, true);
   SetBand(title, "#4488BB", kTitleText);
   if (with_exit) {

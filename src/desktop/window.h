@@ -63,6 +63,10 @@ class SmallWindow : public Window {
   virtual void OnControl(int /*id*/, int /*code*/, HWND /*control*/) {}
 };
 
+// Where a small window opens, given the window (made, not yet shown): the
+// desktop sets it so that a new window never covers one already open.
+void SetSmallWindowPlacer(std::function<POINT(HWND opening)> placer);
+
 // Calls `on_key(key)` before a control handles WM_CHAR; when it returns
 // true the key is swallowed.
 void OnChar(HWND control, std::function<bool(wchar_t)> on_key);
