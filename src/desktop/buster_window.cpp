@@ -22,8 +22,11 @@ void BusterWindow::Open() {
 }
 
 void BusterWindow::Refresh() {
-  EnableWindow(Item(kIdTxtRoom),
-               desktop_.app().frm().frmRoomBuster->txtRoom.enabled);
+  HWND room = Item(kIdTxtRoom);
+  const bool enabled = desktop_.app().frm().frmRoomBuster->txtRoom.enabled;
+  // The keys go on to the button while the room's name cannot take them.
+  if (!enabled && GetFocus() == room) SetFocus(Item(kIdBusterStart));
+  EnableWindow(room, enabled);
 }
 
 void BusterWindow::OnControl(int id, int code, HWND control) {

@@ -36,9 +36,26 @@ Desktop::Desktop(QuorvexApp& app, win32::Win32Host& host, Prompter& prompter)
       credits_(std::make_unique<InfoWindow>()) {
   main_->Create();
   SetSmallWindowPlacer([this](HWND opening) { return Place(opening); });
+  host_.SetMessageFilter(
+      [this](void* m) { return Keyboard(*static_cast<MSG*>(m)); });
 }
 
-Desktop::~Desktop() { SetSmallWindowPlacer(nullptr); }
+Desktop::~Desktop() {
+  host_.SetMessageFilter(nullptr);
+  SetSmallWindowPlacer(nullptr);
+}
+
+// Keys pressed in one of the program's windows (the dialogs have their
+// own loop, which does the same for them).
+bool Desktop::Keyboard(MSG& msg) {
+  HWND root = GetAncestor(msg.hwnd, GA_ROOT);
+  if (!root) return false;
+  for (const Window* w : std::initializer_list<const Window*>{
+           main_.get(), banning_.get(), room_.get(), messages_.get(),
+           buster_.get(), chatroom_.get(), about_.get(), credits_.get()})
+    if (w->hwnd() == root) return WindowKeyboard(root, msg);
+  return false;
+}
 
 void Desktop::RegisterClasses() {
   INITCOMMONCONTROLSEX icc{sizeof(icc), ICC_TAB_CLASSES | ICC_WIN95_CLASSES};

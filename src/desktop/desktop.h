@@ -49,6 +49,7 @@ class Desktop {
 
  private:
   POINT Place(HWND opening) const;
+  bool Keyboard(MSG& msg);
 
   QuorvexApp& app_;
   win32::Win32Host& host_;

@@ -47,7 +47,7 @@ void MainWindow::CreateControls() {
   }
 
   const DWORD list_style =
-      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER;
+      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP;
   Child(L"LISTBOX", "", list_style, 4, 80, 152, 160, kIdLstMails);
   HWND pending =
       Child(L"LISTBOX", "", list_style, 162, 80, 154, 98, kIdLstPending);

@@ -166,6 +166,10 @@ void MessagesWindow::Insert(int index) {
   });
 }
 
+void MessagesWindow::Escape() {
+  SendMessageW(Item(kIdCmdExit), BM_CLICK, 0, 0);
+}
+
 void MessagesWindow::Close(const char* button) {
   QuorvexApp& app = desktop_.app();
   desktop_.Post([&app, button] { app.Press(button); });

@@ -16,6 +16,8 @@ class MessagesWindow : public SmallWindow {
  protected:
   LRESULT Handle(UINT msg, WPARAM wp, LPARAM lp) override;
   void OnControl(int id, int code, HWND control) override;
+  // Escape leaves as exit does, without saving.
+  void Escape() override;
 
  private:
   // Shows the model's page and texts (the core changes them on inserts,

@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "ports/host.h"
@@ -46,6 +47,12 @@ class Win32Host : public Host {
   // while nothing is due. Returns the exit code.
   int Run();
   void Quit(int exit_code = 0);
+  // Sees each message the loop takes (a MSG*) before it is dispatched;
+  // when it returns true the message is done with (the keyboard of the
+  // program's windows: Tab, Return, Escape, Alt+letter).
+  void SetMessageFilter(std::function<bool(void* msg)> filter) {
+    filter_ = std::move(filter);
+  }
   bool quitting() const { return quit_; }
 
  private:
@@ -70,6 +77,7 @@ class Win32Host : public Host {
   // Wall-clock milliseconds until Clock() reaches `clock`, at least 0.
   double WallMsUntil(double clock) const;
 
+  std::function<bool(void*)> filter_;
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start
