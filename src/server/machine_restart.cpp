@@ -106,7 +106,8 @@ void CPURestart(const RestartContext& r, const ClientContext& c) {
 }
 
 StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
-                           Host& host) {
+                           Host& host,
+                           const std::function<void()>& show_splash) {
   const std::string stored = CutProfileValue(profiles.GetString(
       StatePath(machine), kRestartSection, "QuorvexDirectory", ""));
   const bool state = machine.FileExists(kRestartStateFile);
@@ -116,6 +117,7 @@ StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
   }
   if (state && LCase(ProgramPath(machine)) == LCase(stored))
     return StartupKind::kResume;
+  if (show_splash) show_splash();
   PauseSeconds(host, 1);
   return StartupKind::kNormal;
 }

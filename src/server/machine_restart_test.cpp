@@ -186,6 +186,27 @@ TEST_F(MachineRestartTest, SplashDecision) {
   EXPECT_EQ(frmSplash_Load(machine, profiles, host), StartupKind::kResume);
   machine.SetAppPath("D:\\Elsewhere");
   EXPECT_EQ(frmSplash_Load(machine, profiles, host), StartupKind::kNormal);
+
+  // The splash shows on a normal start only, for its second.
+  int shown = 0;
+  double shown_at = -1;
+  auto show = [&] {
+    ++shown;
+    shown_at = host.Clock();
+  };
+  machine.SetAppPath("c:\\program files\\QUORVEX");
+  EXPECT_EQ(frmSplash_Load(machine, profiles, host, show),
+            StartupKind::kResume);
+  machine.SetExeName("z");
+  EXPECT_EQ(frmSplash_Load(machine, profiles, host, show),
+            StartupKind::kStartedInstalled);
+  EXPECT_EQ(shown, 0);
+  machine.SetExeName("quorvex");
+  machine.SetAppPath("D:\\Elsewhere");
+  EXPECT_EQ(frmSplash_Load(machine, profiles, host, show),
+            StartupKind::kNormal);
+  EXPECT_EQ(shown, 1);
+  EXPECT_NEAR(host.Clock() - shown_at, 1.0, 0.05);
 }
 
 TEST_F(MachineRestartTest, ResumeRestoresCleansUpAndServes) {
