@@ -11,7 +11,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 build=${QUORVEX_WINDOWS_BUILD:-$here/build/windows}
 out=$here/docs
 mkdir -p "$out"
-for tool in Xvfb icewm import convert wine; do
+for tool in Xvfb icewm import convert wine xwininfo; do
   command -v $tool >/dev/null || { echo "screenshots.sh: $tool is missing (scripts/setup.sh)" >&2; exit 1; }
 done
 
@@ -71,8 +71,21 @@ grab() { import -window root -crop "$4x$5+$2+$3" +repage "$out/$1.png"; }
 
 # 100 %: every window of the program, and the task bar.
 start_display 96 1024x768
-remote show QuorvexSplash
-grab splash 200 160 260 130
+# The splash stands for its second only: once the display has its window
+# (named by its text), a burst of shots, and the last of them that shows
+# its title band (blue, where the main window coming after it is not).
+for _ in $(seq 1 200); do
+  xwininfo -root -tree 2>/dev/null | grep -q '"quorvex": ' && break
+  sleep 0.05
+done
+for i in $(seq 10 30); do
+  import -window root -crop 260x130+200+160 +repage "$work/splash-$i.png"
+done
+for f in "$work"/splash-*.png; do
+  rgb=$(convert "$f" -format '%[fx:int(255*p{130,5}.r)] %[fx:int(255*p{130,5}.b)]' info:)
+  read -r r b <<<"$rgb"
+  ((b > r + 60)) && cp "$f" "$out/splash.png"
+done
 remote show QuorvexMain wait 2
 grab main-idle 80 60 320 280
 
@@ -122,7 +135,7 @@ stop_display
 start_display 96 1024x768 plain
 remote show QuorvexMain wait 2 click cmdStart
 read -r x y w h < <(remote where quorvex | tr -d '\r')
-grab no-client $((x - 8)) $((y - 8)) $((w + 16)) $((h + 16))
+grab no-client $((x - 8)) $((y - 30)) $((w + 16)) $((h + 38))
 stop_display
 
 # 150 %: the windows and their fonts half as large again, nothing cut.
