@@ -88,8 +88,10 @@ LRESULT Window::Handle(UINT msg, WPARAM wp, LPARAM lp) {
         HWND f = focus_ && IsWindow(focus_) && IsChild(hwnd_, focus_)
                      ? focus_
                      : GetNextDlgTabItem(hwnd_, nullptr, FALSE);
-        if (f) SetFocus(f);
-        return 0;
+        if (f) {
+          SetFocus(f);
+          return 0;
+        }
       }
       break;
     case WM_CTLCOLORSTATIC:
