@@ -65,6 +65,8 @@ TEST(WindowPlaceTest, BoxesThatOnlyTouchDoNotOverlap) {
   const Box a{0, 0, 10, 10};
   EXPECT_FALSE(a.Overlaps({10, 0, 20, 10}));
   EXPECT_FALSE(a.Overlaps({0, 10, 10, 20}));
+  EXPECT_FALSE(a.Overlaps({-10, 0, 0, 10}));
+  EXPECT_FALSE(a.Overlaps({0, -10, 10, 0}));
   EXPECT_TRUE(a.Overlaps({9, 9, 20, 20}));
   EXPECT_TRUE(a.Overlaps({-5, -5, 1, 1}));
 }
