@@ -422,6 +422,12 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   PressKey(VK_TAB);
   EXPECT_TRUE(
       WaitFor([&] { return Focus(main_) == Control(kIdLstPending); }, 10));
+  // The menu key on the pending list opens its menu, as a right click
+  // does; Escape closes it.
+  PressKey(VK_APPS);
+  EXPECT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(L"#32768"); }, 10));
   PressKey(VK_TAB, true);
   EXPECT_TRUE(
       WaitFor([&] { return Focus(main_) == Control(kIdLstMails); }, 10));
