@@ -96,5 +96,32 @@ run 330
                  }));
 }
 
+TEST(QuorvexLogTest, AFullMailboxIsLoggedApartFromTheOthersOfItsForward) {
+  // bob and cal ask for mail 3 before the start: one forward to both,
+  // which cal's full mailbox refuses.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person cal
+mails 10 song
+full-mailbox cal
+at 0.2 say bob: /host send 3
+at 0.3 say cal: /host send 3
+at 0.4 say bob: /host find song 1
+at 0.5 answer yes
+at 1 press cmdStart
+run 60
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 11 mails",
+                     "full mailbox|cal|send 3",
+                     "sent|bob|send 3",
+                     "find mailed|bob|find song 1",
+                 }));
+}
+
 }  // namespace
 }  // namespace quorvex::sim
