@@ -106,8 +106,12 @@ TEST_F(JobLogTest, RollsWhenALineWouldGoPastTheLimit) {
 
 TEST_F(JobLogTest, ALineLongerThanTheLimitStandsAlone) {
   JobLog log(machine, host, 50);
-  ASSERT_TRUE(log.Write(EventOfSize(80)));  // an empty log takes it
+  // An empty log takes it, and is not rolled over the older one for it.
+  TempFolder::Write(machine.HostPath(log.OldPath()), "older");
+  TempFolder::Write(machine.HostPath(log.Path()), "");
+  ASSERT_TRUE(log.Write(EventOfSize(80)));
   EXPECT_EQ(machine.FileLength(log.Path()), 80);
+  EXPECT_EQ(Read(log.OldPath()), "older");
   ASSERT_TRUE(log.Write(EventOfSize(30)));
   EXPECT_EQ(machine.FileLength(log.OldPath()), 80);
   EXPECT_EQ(machine.FileLength(log.Path()), 30);
