@@ -11,6 +11,7 @@
 #include <string>
 
 #include "client/client_context.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/host.h"
@@ -43,6 +44,8 @@ struct ServeContext {
   std::unique_ptr<HostTimer>& Timer2;
   StatusStrip& status;
   const bool& ended;
+  // Where finished jobs are reported (the program's log); none: nowhere.
+  const JobEventSink* events = nullptr;
 };
 
 // The jobs of a tick, of its reply phase and of the start, as the
@@ -112,9 +115,10 @@ class ServeEngine {
   void Reply(const std::string& sn, const std::string& kind);
   // The restart checks and the jobs of a serving tick.
   void ServeSteps();
-  void RestartClient();
-  void RestartMachine();
-  void ClearSent();
+  // `why` says, for the log, what called for it.
+  void RestartClient(const std::string& why);
+  void RestartMachine(const std::string& why);
+  void ClearSent(const std::string& why);
   void PrepareClient();
   void RememberRoom();
   // Says each line after a pause, and pauses once more after the last:

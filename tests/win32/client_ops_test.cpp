@@ -282,6 +282,12 @@ class StandInMachine : public Machine {
       const std::function<void(std::int64_t, std::int64_t)>&) override {
     return false;
   }
+  bool AppendToFile(std::string_view, std::string_view) override {
+    return false;
+  }
+  bool MoveFileOver(std::string_view, std::string_view) override {
+    return false;
+  }
   void RunProgram(std::string_view path) override {
     if (path == "C:\\AOL\\AOL.exe") standin_.Command("start");
   }
