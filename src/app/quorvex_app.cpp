@@ -46,7 +46,10 @@ QuorvexApp::QuorvexApp(Ports ports)
   // The client restart and the room buster drive each other: the buster
   // restarts a signed-off client, the restart re-enters the room with it.
   frm_.frmRoomBuster = std::make_unique<FrmRoomBuster>(client_, [this] {
-    if (frm_.aol_restart) frm_.aol_restart();
+    if (!frm_.aol_restart) return;
+    frm_.aol_restart();
+    if (!frm_.ended)
+      Emit(&frm_.events, JobOutcome::kClientRestarted, "", "room buster");
   });
   frm_.aol_restart = [this] {
     Ports& p = frm_.ports;

@@ -104,6 +104,24 @@ run 330
                  }));
 }
 
+TEST(QuorvexLogTest, AClientTheRoomBusterRestartsIsLogged) {
+  // Not serving: the member busts a room while the client is signed off.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person Ann
+room-full Private Room 2
+at 1 press mnuRoomBuster
+at 1 set frmRoomBuster.txtRoom = Private Room
+at 2 signoff
+at 3 press frmRoomBuster.cmdStart
+run 60
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{"started||program",
+                                           "client restarted||room buster"}));
+}
+
 TEST(QuorvexLogTest, AFullMailboxIsLoggedApartFromTheOthersOfItsForward) {
   // bob and cal ask for mail 3 before the start: one forward to both,
   // which cal's full mailbox refuses.
