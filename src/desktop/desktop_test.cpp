@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "desktop/control_ids.h"
 #include "desktop/dialog_prompter.h"
@@ -524,18 +525,15 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
 
   // The message editor: Alt+E is its exit, and Escape does the same.
-  PickMenu(main_, "mnuMessages");
-  HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
-  ASSERT_NE(messages, nullptr);
-  ASSERT_TRUE(ToFront(messages));
-  PressKey('E', false, true);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
-  PickMenu(main_, "mnuMessages");
-  messages = WaitWindow(kMessagesClass, nullptr, 20);
-  ASSERT_NE(messages, nullptr);
-  ASSERT_TRUE(ToFront(messages));
-  PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+  for (const auto& [key, alt] : {std::pair<WORD, bool>{'E', true},
+                                 std::pair<WORD, bool>{VK_ESCAPE, false}}) {
+    PickMenu(main_, "mnuMessages");
+    HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
+    ASSERT_NE(messages, nullptr);
+    ASSERT_TRUE(ToFront(messages));
+    PressKey(key, false, alt);
+    EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+  }
 
   // Serve and chat: the line takes the keys and Return; Escape closes.
   PickMenu(main_, "mnuServeNChat");
