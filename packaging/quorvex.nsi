@@ -157,7 +157,7 @@ FunctionEnd
 Section "Uninstall"
   ${If} $RemoveSettings == 0
     MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 \
-      "Remove your settings and message texts (in the registry) and the pending queue (Quorvex.INI) as well?$\r$\n$\r$\nChoose No to keep them for a later install." \
+      "Remove your settings and message texts (in the registry) and the pending queue (Quorvex.INI) and the log (Quorvex.log) as well?$\r$\n$\r$\nChoose No to keep them for a later install." \
       /SD IDNO IDNO keep
     StrCpy $RemoveSettings 1
     keep:
@@ -176,9 +176,11 @@ Section "Uninstall"
   ${If} $RemoveSettings == 1
     DeleteRegKey HKCU "${SETTINGS_KEY}"
     Delete "$INSTDIR\Quorvex.INI"
+    Delete "$INSTDIR\Quorvex.log"
+    Delete "$INSTDIR\Quorvex.log.1"
     ; The simulated room's drive C:, registry and room.txt.
     RMDir /r "$TEMP\quorvex-simulate"
   ${EndIf}
-  ; Only when empty: a kept Quorvex.INI keeps its folder.
+  ; Only when empty: a kept Quorvex.INI (or log) keeps its folder.
   RMDir "$INSTDIR"
 SectionEnd

@@ -11,7 +11,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 build=${QUORVEX_WINDOWS_BUILD:-$here/build/windows}
 out=$here/docs
 mkdir -p "$out"
-for tool in Xvfb icewm import convert wine; do
+for tool in Xvfb icewm import convert wine xwininfo; do
   command -v $tool >/dev/null || { echo "screenshots.sh: $tool is missing (scripts/setup.sh)" >&2; exit 1; }
 done
 
@@ -32,8 +32,9 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# start_display DPI WIDTHxHEIGHT: a display with a task bar, the prefix's
-# screen set to DPI, and the program serving its simulated room on it.
+# start_display DPI WIDTHxHEIGHT [plain]: a display with a task bar, the
+# prefix's screen set to DPI, and the program serving its simulated room
+# on it (with "plain": the program on its own, with no client).
 start_display() {
   export DISPLAY=:$((50 + RANDOM % 40))
   Xvfb "$DISPLAY" -screen 0 "$2x24" -nolisten tcp >/dev/null 2>&1 &
@@ -49,7 +50,13 @@ start_display() {
   wineserver -k 2>/dev/null || true
   wineserver -w 2>/dev/null || true
   rm -rf "$WINEPREFIX/drive_c/quorvex-shots"
-  wine "$build/quorvex.exe" --simulate --speed 3 --root 'C:\quorvex-shots' &
+  if [[ ${3:-} == plain ]]; then
+    mkdir -p "$work/plain"
+    cp "$build/quorvex.exe" "$work/plain/"
+    wine "$work/plain/quorvex.exe" &
+  else
+    wine "$build/quorvex.exe" --simulate --speed 3 --root 'C:\quorvex-shots' &
+  fi
 }
 mkdir -p "$work/icewm"
 printf 'TaskBarShowClock=0\nTaskBarShowCPUStatus=0\nTaskBarShowNetStatus=0\nTaskBarShowMEMStatus=0\nTaskBarShowWorkspaces=0\nTaskBarShowShowDesktopButton=0\nTaskBarShowWindowListMenu=0\n' \
@@ -64,8 +71,21 @@ grab() { import -window root -crop "$4x$5+$2+$3" +repage "$out/$1.png"; }
 
 # 100 %: every window of the program, and the task bar.
 start_display 96 1024x768
-remote show QuorvexSplash
-grab splash 200 160 260 130
+# The splash stands for its second only: once the display has its window
+# (named by its text), a burst of shots, and the last of them that shows
+# its title band (blue, where the main window coming after it is not).
+for _ in $(seq 1 200); do
+  xwininfo -root -tree 2>/dev/null | grep -q '"quorvex": ' && break
+  sleep 0.05
+done
+for i in $(seq 10 30); do
+  import -window root -crop 260x130+200+160 +repage "$work/splash-$i.png"
+done
+for f in "$work"/splash-*.png; do
+  rgb=$(convert "$f" -format '%[fx:int(255*p{130,5}.r)] %[fx:int(255*p{130,5}.b)]' info:)
+  read -r r b <<<"$rgb"
+  ((b > r + 60)) && cp "$f" "$out/splash.png"
+done
 remote show QuorvexMain wait 2
 grab main-idle 80 60 320 280
 
@@ -81,6 +101,10 @@ convert "$work/screen.png" \( -clone 0 -crop 420x300+40+50 +repage \) \
 
 remote menu mnuServeNChat show QuorvexChatroom wait 6 say "hello room" wait 3
 grab serve-and-chat 408 60 320 236
+# A second small window opens beside the first, not over it.
+remote menu mnuRoomBuster show QuorvexRoomBuster wait 1
+grab two-windows 400 52 594 252
+remote close QuorvexRoomBuster
 remote close QuorvexChatroom
 remote menu mnuBanOpts show QuorvexBanning wait 1
 grab banning-options 408 60 300 166
@@ -104,6 +128,14 @@ grab credits 408 60 260 130
 remote close QuorvexCredits
 remote menu mnuBMax wait 2
 grab input-box 400 52 420 190
+stop_display
+
+# The program without the simulated room, and no client running: a start
+# says so.
+start_display 96 1024x768 plain
+remote show QuorvexMain wait 2 click cmdStart
+read -r x y w h < <(remote where quorvex | tr -d '\r')
+grab no-client $((x - 8)) $((y - 30)) $((w + 16)) $((h + 38))
 stop_display
 
 # 150 %: the windows and their fonts half as large again, nothing cut.

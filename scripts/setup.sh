@@ -18,8 +18,9 @@ packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev
           # the release: the installer, the zip file
           nsis zip unzip
           # the screenshots: a virtual display, a window manager with a
-          # task bar (scripts/screenshots.sh)
-          xvfb icewm
+          # task bar, and xwininfo to catch the splash's second
+          # (scripts/screenshots.sh)
+          xvfb icewm x11-utils
           # the test command compiles through it: a second run, or a
           # fresh clone on the same machine, recompiles only what changed
           ccache)

@@ -162,9 +162,11 @@ std::vector<Control> MakeTable() {
       "frmRoom.lstRoom", [](QuorvexApp& a) { return &a.frm().frmRoom.lstRoom; },
       [](QuorvexApp& a, int) {
         FrmMain& f = a.frm();
-        if (f.frmRoom.form.open())
-          f.frmRoom.DoubleClick(f.lstBanned, f.lblBanned, f.pending,
-                                f.lblPending);
+        if (!f.frmRoom.form.open()) return;
+        const std::string banned = f.frmRoom.DoubleClick(
+            f.lstBanned, f.lblBanned, f.pending, f.lblPending);
+        if (!banned.empty())
+          Emit(&f.events, JobOutcome::kBanned, banned, "by the user");
       }));
   t.push_back(Clicked("frmRoom.lblExit", K::kLabel, [](QuorvexApp& a, int) {
     a.frm().frmRoom.form.Close();

@@ -24,7 +24,8 @@ BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
       frm.lstBanned,
       frm.lblBanned,
       frm.pending,
-      [ended, cc](const std::string& line) { Say(*cc, *ended, line); }};
+      [ended, cc](const std::string& line) { Say(*cc, *ended, line); },
+      &frm.events};
 }
 
 MailboxLists MakeMailboxLists(FrmMain& frm) {
@@ -37,14 +38,15 @@ MailJobContext MakeMailJobContext(FrmMain& frm) {
   return MailJobContext{frm.settings,   frm.frmMessages, MakeMailboxLists(frm),
                         frm.pending,    frm.lblPending,  frm.ReplyQueue,
                         frm.dead_mails, frm.ListSeconds, MakeCounterView(frm),
-                        frm.status,     frm.ports.seed,  frm.ended};
+                        frm.status,     frm.ports.seed,  frm.ended,
+                        &frm.events};
 }
 
 ReplyContext MakeReplyContext(FrmMain& frm) {
   return ReplyContext{frm.settings, frm.frmMessages,    frm.pending,
                       frm.lstMails, frm.counters,       frm.ScrollSeconds,
                       frm.status,   frm.ports.prompter, frm.ports.seed,
-                      frm.ended};
+                      frm.ended,    &frm.events};
 }
 
 RestartContext MakeRestartContext(FrmMain& frm) {
@@ -62,7 +64,7 @@ ServeContext MakeServeContext(FrmMain& frm) {
                       frm.ServerOn,  frm.ServerPaused,   frm.cmdStart,
                       frm.cmdPause,  frm.ListSeconds,    frm.ScrollSeconds,
                       frm.room_name, frm.Timer1,         frm.Timer2,
-                      frm.status,    frm.ended};
+                      frm.status,    frm.ended,          &frm.events};
 }
 
 ServeJobs MakeServeJobs(FrmMain& frm, const ClientContext& c) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "client/room_buster.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "model/menu.h"
@@ -95,6 +96,8 @@ struct FrmMain {
 
   // The program has ended (exit label, or a reboot).
   bool ended = false;
+  // Where the jobs and events that finish are reported: the program's log.
+  JobEventSink events;
 
   // The restart options window, shown from the restart options but not
   // consulted.

@@ -27,7 +27,11 @@ constexpr const char* kTitle = kWindowTitle;
 }  // namespace
 
 QuorvexApp::QuorvexApp(Ports ports)
-    : frm_(ports), client_{ports.api, ports.host, frm_.settings, {}} {
+    : frm_(ports),
+      client_{ports.api, ports.host, frm_.settings, {}},
+      log_(ports.machine, ports.host) {
+  // A log that cannot be written loses its line, never the serving.
+  frm_.events = [this](const JobEvent& e) { log_.Write(e); };
   client_.expand_inserts = [this](const std::string& text) {
     InsertValues v = MakeInsertValues(
         frm_.settings, frm_.ports.host.Now(), frm_.pending.Count(),
@@ -42,7 +46,10 @@ QuorvexApp::QuorvexApp(Ports ports)
   // The client restart and the room buster drive each other: the buster
   // restarts a signed-off client, the restart re-enters the room with it.
   frm_.frmRoomBuster = std::make_unique<FrmRoomBuster>(client_, [this] {
-    if (frm_.aol_restart) frm_.aol_restart();
+    if (!frm_.aol_restart) return;
+    frm_.aol_restart();
+    if (!frm_.ended)
+      Emit(&frm_.events, JobOutcome::kClientRestarted, "", "room buster");
   });
   frm_.aol_restart = [this] {
     Ports& p = frm_.ports;
@@ -80,6 +87,7 @@ void QuorvexApp::Load() {
   frm_.picTitle.Set(kTitle);
   frm_.SetStatus("status: idle");
   main_form_.Open();
+  Emit(&frm_.events, JobOutcome::kStarted, "", "program");
 
   // Chat lines reach the request parser from the start.
   scanner_ = std::make_unique<ChatScanner>(p.api, p.host);
@@ -126,6 +134,7 @@ void QuorvexApp::lblExit_Click() {
   Unload();
   main_form_.Close();
   frm_.ended = true;
+  Emit(&frm_.events, JobOutcome::kStopped, "", "program");
 }
 
 void QuorvexApp::OnChatLine(const std::string& screen_name,

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/frm_main.h"
+#include "app/job_log.h"
 #include "app/small_windows.h"
 #include "client/chatroom_window.h"
 #include "client/client_context.h"
@@ -32,6 +33,7 @@ class QuorvexApp {
   FrmMain& frm() { return frm_; }
   const FrmMain& frm() const { return frm_; }
   ClientContext& client() { return client_; }
+  const JobLog& log() const { return log_; }
   // The serving engine behind cmdStart, cmdPause and the timers; its
   // hooks (the client's restart) are set by whoever provides them.
   ServeEngine& engine() { return *engine_; }
@@ -99,6 +101,8 @@ class QuorvexApp {
   Form main_form_{"frmMain"};
   FrmMain frm_;
   ClientContext client_;
+  // Quorvex.log: every finished job and event (frm_.events writes here).
+  JobLog log_;
   std::unique_ptr<ChatScanner> scanner_;
   std::unique_ptr<ServeEngine> engine_;
   // After the scanner: it is gone before the scanner it listens to.

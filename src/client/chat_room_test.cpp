@@ -26,8 +26,9 @@ TEST_F(ChatRoomTest, SendsTheMarkedUpLineAndRestoresHalfTypedText) {
   Launch();
   SetText(api, Input(), "half typ");
   ChatSend(c, "[h] here");
-  EXPECT_EQ(sim.DisplayLines().back(),
-            "Joe Smith:\t<font color=#003377 face=\"Arial\">(srv here)");
+  // Typed with its mark-up, shown without it.
+  EXPECT_EQ(chats.back(), "<font color=#003377 face=\"Arial\">(srv here)");
+  EXPECT_EQ(sim.DisplayLines().back(), "Joe Smith:\t(srv here)");
   EXPECT_EQ(GetText(api, Input()), "half typ");
   EXPECT_TRUE(api.IsWindowVisible(Input()));
 

@@ -44,9 +44,16 @@ TEST_F(ChatScannerTest, EveryLineOnceInOrderOwnLinesIncluded) {
   ChatSend(c, "hello");
   for (int i = 0; i < 3; ++i) sim.Say("Ann", "again");
   Run(5);
-  EXPECT_EQ(heard, (std::vector<std::string>{
-                       "Ann: hi", "Joe Smith: " + ChatLine(c, "hello"),
-                       "Ann: again", "Ann: again", "Ann: again"}));
+  // The program's own line is heard as the display shows it, its tags
+  // rendered away.
+  EXPECT_EQ(ChatLine(c, "hello"),
+            "<font color=#003377 face=\"tahoma\">\xC2\xB7\xE2\x80\xA2[hello]"
+            "\xE2\x80\xA2\xC2\xB7");
+  EXPECT_EQ(heard,
+            (std::vector<std::string>{
+                "Ann: hi",
+                "Joe Smith: \xC2\xB7\xE2\x80\xA2[hello]\xE2\x80\xA2\xC2\xB7",
+                "Ann: again", "Ann: again", "Ann: again"}));
   // A room made anew is followed.
   Keyword(api, "aol://2719:2-2-Den");
   Run(1);

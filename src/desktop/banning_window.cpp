@@ -15,28 +15,24 @@ void FillCombo(HWND combo, const ComboBox& model) {
   SetText(combo, model.text);
 }
 
-// The text a combo box is about to show: on a pick from the list, the
-// picked item (its edit still holds the old text when it says so).
-std::string ComboText(HWND combo, int code) {
-  if (code == CBN_SELCHANGE) {
-    const LRESULT sel = SendMessageW(combo, CB_GETCURSEL, 0, 0);
-    if (sel != CB_ERR) {
-      const LRESULT n = SendMessageW(combo, CB_GETLBTEXTLEN, sel, 0);
-      std::wstring text(static_cast<std::size_t>(n) + 1, L'\0');
-      SendMessageW(combo, CB_GETLBTEXT, sel,
-                   reinterpret_cast<LPARAM>(text.data()));
-      text.resize(static_cast<std::size_t>(n));
-      return Utf8(text);
-    }
-  }
-  return WindowText(combo);
+// The item chosen in a combo box's list (its edit may still hold the old
+// text when the box says so); nothing when none is.
+bool ChosenItem(HWND combo, std::string& text) {
+  const LRESULT sel = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+  if (sel == CB_ERR) return false;
+  const LRESULT n = SendMessageW(combo, CB_GETLBTEXTLEN, sel, 0);
+  std::wstring item(static_cast<std::size_t>(n) + 1, L'\0');
+  SendMessageW(combo, CB_GETLBTEXT, sel, reinterpret_cast<LPARAM>(item.data()));
+  item.resize(static_cast<std::size_t>(n));
+  text = Utf8(item);
+  return true;
 }
 
 }  // namespace
 
-void BanningWindow::Open(POINT at) {
+void BanningWindow::Open() {
   if (open()) return;
-  CreateSmall(kBanningClass, "banning options", at.x, at.y, 300, 166);
+  CreateSmall(kBanningClass, desktop_.Title("mnuBanOpts"), 0, 0, 300, 166);
   const BanningForm& b = desktop_.app().frm().frmBanning;
   const DWORD check = BS_AUTOCHECKBOX | WS_TABSTOP;
   const DWORD combo = CBS_DROPDOWN | WS_VSCROLL | WS_TABSTOP;
@@ -55,7 +51,57 @@ void BanningWindow::Open(POINT at) {
   SendMessageW(Item(kIdChkPending), BM_SETCHECK, b.chkPending.value, 0);
   SendMessageW(Item(kIdChkDupReqs), BM_SETCHECK, b.chkDupReqs.value, 0);
   SendMessageW(Item(kIdChkFullBox), BM_SETCHECK, b.chkFullBox.value, 0);
+  for (int id : {kIdCmbMistakes, kIdCmbMails}) {
+    HWND combo = Item(id);
+    subs_.Add(Model(id), [this, combo](const ComboBox& model) {
+      ShowStored(combo, model);
+    });
+  }
   ShowWindow(hwnd(), SW_SHOW);
+}
+
+ComboBox& BanningWindow::Model(int id) {
+  BanningForm& b = desktop_.app().frm().frmBanning;
+  return id == kIdCmbMistakes ? b.cmbMistakes : b.cmbMails;
+}
+
+void BanningWindow::ShowStored(HWND combo, const ComboBox& model) {
+  if (!open() || WindowText(combo) == model.text) return;
+  following_ = true;
+  SetText(combo, model.text);
+  following_ = false;
+}
+
+// What the person typed, or chose from the list (by a click or Return in
+// the open list, or an arrow key while it is closed), is stored. Browsing
+// the open list stores nothing, and once the list closes the box shows
+// what is stored, whatever the list left in its edit.
+void BanningWindow::OnCombo(int id, int code, HWND combo) {
+  const char* name =
+      id == kIdCmbMistakes ? "frmBanning.cmbMistakes" : "frmBanning.cmbMails";
+  std::string value;
+  switch (code) {
+    case CBN_EDITCHANGE:
+      if (following_) return;
+      value = WindowText(combo);
+      break;
+    case CBN_SELCHANGE:
+      if (SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0)) return;
+      [[fallthrough]];
+    case CBN_SELENDOK:
+      if (!ChosenItem(combo, value)) return;
+      break;
+    case CBN_CLOSEUP:
+    case CBN_SELENDCANCEL:
+      // After the box has done with its edit, and after any choice handed
+      // to the model before.
+      desktop_.Post([this, id, combo] { ShowStored(combo, Model(id)); });
+      return;
+    default:
+      return;
+  }
+  QuorvexApp& app = desktop_.app();
+  desktop_.Post([&app, name, value] { app.Set(name, value); });
 }
 
 void BanningWindow::OnControl(int id, int code, HWND control) {
@@ -64,11 +110,7 @@ void BanningWindow::OnControl(int id, int code, HWND control) {
   switch (id) {
     case kIdCmbMistakes:
     case kIdCmbMails:
-      if (code != CBN_EDITCHANGE && code != CBN_SELCHANGE) return;
-      name = id == kIdCmbMistakes ? "frmBanning.cmbMistakes"
-                                  : "frmBanning.cmbMails";
-      value = ComboText(control, code);
-      break;
+      return OnCombo(id, code, control);
     case kIdChkPending:
     case kIdChkDupReqs:
     case kIdChkFullBox:

@@ -5,9 +5,9 @@
 
 namespace quorvex::desktop {
 
-void BusterWindow::Open(POINT at) {
+void BusterWindow::Open() {
   if (open()) return;
-  CreateSmall(kBusterClass, "room buster", at.x, at.y, 250, 104);
+  CreateSmall(kBusterClass, desktop_.Title("mnuRoomBuster"), 0, 0, 250, 104);
   FrmRoomBuster& buster = *desktop_.app().frm().frmRoomBuster;
   Child(L"EDIT", buster.txtRoom.text, ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP,
         8, 28, 234, 22, kIdTxtRoom);
@@ -22,8 +22,11 @@ void BusterWindow::Open(POINT at) {
 }
 
 void BusterWindow::Refresh() {
-  EnableWindow(Item(kIdTxtRoom),
-               desktop_.app().frm().frmRoomBuster->txtRoom.enabled);
+  HWND room = Item(kIdTxtRoom);
+  const bool enabled = desktop_.app().frm().frmRoomBuster->txtRoom.enabled;
+  // The keys go on to the button while the room's name cannot take them.
+  if (!enabled && GetFocus() == room) SetFocus(Item(kIdBusterStart));
+  EnableWindow(room, enabled);
 }
 
 void BusterWindow::OnControl(int id, int code, HWND control) {

@@ -1,6 +1,7 @@
 // frmRoomBuster: the room to enter, start and stop, and the count of busts.
 #pragma once
 
+#include "desktop/control_ids.h"
 #include "desktop/form_window.h"
 
 namespace quorvex::desktop {
@@ -9,10 +10,12 @@ class BusterWindow : public FormWindow {
  public:
   explicit BusterWindow(Desktop& desktop)
       : FormWindow(desktop, "frmRoomBuster.lblExit") {}
-  void Open(POINT at) override;
+  void Open() override;
 
  protected:
   void OnControl(int id, int code, HWND control) override;
+  // Return in the room's name starts (or stops) the busting.
+  int DefaultButton() const override { return kIdBusterStart; }
 
  private:
   // txtRoom is disabled while busting.

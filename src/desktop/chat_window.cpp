@@ -12,10 +12,11 @@ constexpr const char* kTxtSend = "frmChatroom.txtSend";
 constexpr int kReturn = 13;
 }  // namespace
 
-void ChatroomWindow::Open(POINT at) {
+void ChatroomWindow::Open() {
   FrmChatroom& form = desktop_.app().frmChatroom();
   if (open() || !form.form.open()) return;
-  CreateSmall(kChatroomClass, "serve && chat", at.x, at.y, kWidth, kHeight);
+  CreateSmall(kChatroomClass, desktop_.Title("mnuServeNChat"), 0, 0, kWidth,
+              kHeight);
   HWND title = Item(kIdPicTitle);
   SetBand(title, kBandColour, form.picTitle.caption());
   subs_.Add(form.picTitle, [title](const Label& l) {
@@ -25,8 +26,8 @@ void ChatroomWindow::Open(POINT at) {
         ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL | WS_BORDER, 6,
         26, 208, 170, kIdTxtChat);
   Child(L"LISTBOX", "",
-        LBS_NOINTEGRALHEIGHT | LBS_NOSEL | WS_VSCROLL | WS_BORDER, 220, 26, 94,
-        150, kIdLstPeople);
+        LBS_NOINTEGRALHEIGHT | LBS_NOSEL | WS_VSCROLL | WS_BORDER | WS_TABSTOP,
+        220, 26, 94, 150, kIdLstPeople);
   Child(L"STATIC", "", SS_LEFT, 222, 180, 92, 16, kIdLblPeople);
   HWND send = Child(L"EDIT", "", ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP, 6,
                     204, 308, 22, kIdTxtSend);

@@ -14,7 +14,7 @@ class ChatroomWindow : public FormWindow {
   explicit ChatroomWindow(Desktop& desktop)
       : FormWindow(desktop, "frmChatroom.lblExit") {}
   // Shows the form the core has loaded (nothing when it has not).
-  void Open(POINT at) override;
+  void Open() override;
 
   static constexpr int kWidth = 320;
   static constexpr int kHeight = 236;

@@ -4,6 +4,9 @@
 // windows.h first: commctrl.h needs its types.
 #include <commctrl.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "desktop/band.h"
 #include "desktop/banning_window.h"
 #include "desktop/buster_window.h"
@@ -14,6 +17,8 @@
 #include "desktop/menu_popup.h"
 #include "desktop/messages_window.h"
 #include "desktop/room_window.h"
+#include "model/text_util.h"
+#include "model/window_place.h"
 
 namespace quorvex::desktop {
 
@@ -30,9 +35,27 @@ Desktop::Desktop(QuorvexApp& app, win32::Win32Host& host, Prompter& prompter)
       about_(std::make_unique<InfoWindow>()),
       credits_(std::make_unique<InfoWindow>()) {
   main_->Create();
+  SetSmallWindowPlacer([this](HWND opening) { return Place(opening); });
+  host_.SetMessageFilter(
+      [this](void* m) { return Keyboard(*static_cast<MSG*>(m)); });
 }
 
-Desktop::~Desktop() = default;
+Desktop::~Desktop() {
+  host_.SetMessageFilter(nullptr);
+  SetSmallWindowPlacer(nullptr);
+}
+
+// Keys pressed in one of the program's windows (the dialogs have their
+// own loop, which does the same for them).
+bool Desktop::Keyboard(MSG& msg) {
+  HWND root = GetAncestor(msg.hwnd, GA_ROOT);
+  if (!root) return false;
+  for (const Window* w : std::initializer_list<const Window*>{
+           main_.get(), banning_.get(), room_.get(), messages_.get(),
+           buster_.get(), chatroom_.get(), about_.get(), credits_.get()})
+    if (w->hwnd() == root) return WindowKeyboard(root, msg);
+  return false;
+}
 
 void Desktop::RegisterClasses() {
   INITCOMMONCONTROLSEX icc{sizeof(icc), ICC_TAB_CLASSES | ICC_WIN95_CLASSES};
@@ -45,48 +68,72 @@ void Desktop::RegisterClasses() {
     Window::Register(instance, c);
 }
 
-POINT BesideMain(const Desktop& desktop) {
-  RECT rc{80, 60, 0, 0};
-  HWND main = const_cast<Desktop&>(desktop).main().hwnd();
-  if (main) GetWindowRect(main, &rc);
-  return {rc.right + 8, rc.top};
+std::string Desktop::Title(const char* entry) const {
+  return PlainCaption(app_.frm().menus.Caption(entry));
+}
+
+// Beside the main window, covering neither it nor another small window;
+// the one on top counts as the last opened.
+POINT Desktop::Place(HWND opening) const {
+  auto box = [](HWND w) {
+    RECT rc;
+    GetWindowRect(w, &rc);
+    return Box{rc.left, rc.top, rc.right, rc.bottom};
+  };
+  std::vector<HWND> ours;
+  for (const Window* w : std::initializer_list<const Window*>{
+           banning_.get(), room_.get(), messages_.get(), buster_.get(),
+           chatroom_.get(), about_.get(), credits_.get()}) {
+    if (w->open() && w->hwnd() != opening && IsWindowVisible(w->hwnd()))
+      ours.push_back(w->hwnd());
+  }
+  // Top-level windows stand top first: the open ones, bottom first.
+  std::vector<Box> open;
+  for (HWND w = GetTopWindow(nullptr); w; w = GetWindow(w, GW_HWNDNEXT))
+    if (std::find(ours.begin(), ours.end(), w) != ours.end())
+      open.insert(open.begin(), box(w));
+  RECT work;
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+  const Box size = box(opening);
+  const Corner p = PlaceWindow(
+      box(main_->hwnd()), open, size.Width(), size.Height(),
+      {work.left, work.top, work.right, work.bottom}, Scaled(8), Scaled(24));
+  return {p.x, p.y};
 }
 
 void Desktop::RunMenu(const std::string& name) {
-  const POINT at = BesideMain(*this);
   if (name == "mnuBanOpts") {
     Post([this] { app_.Press("mnuBanOpts"); });
-    banning_->Open(at);
+    banning_->Open();
   } else if (name == "mnuMessages") {
-    Post([this, at] {
+    Post([this] {
       app_.Press("mnuMessages");
-      messages_->Open(at);
+      messages_->Open();
     });
   } else if (name == "mnuRoomBuster") {
-    Post([this, at] {
+    Post([this] {
       app_.Press("mnuRoomBuster");
-      buster_->Open(at);
+      buster_->Open();
     });
   } else if (name == "mnuServeNChat") {
-    Post([this, at] {
+    Post([this] {
       app_.Press("mnuServeNChat");
-      chatroom_->Open(at);
+      chatroom_->Open();
     });
   } else if (name == "mnuAbout") {
-    Post([this, at] {
+    Post([this] {
       app_.Press("mnuAbout");
       const FrmAbout& a = app_.frmAbout();
-      about_->Open(kAboutClass, "about",
+      about_->Open(kAboutClass, Title("mnuAbout"),
                    a.lblName.caption() + "\r\n" + a.lblFor.caption() +
                        "\r\n\r\n" + a.lblAuthor.caption() + "\r\n" +
-                       a.lblArt.caption(),
-                   at);
+                       a.lblArt.caption());
     });
   } else if (name == "mnuCredits") {
-    Post([this, at] {
+    Post([this] {
       app_.Press("mnuCredits");
-      credits_->Open(kCreditsClass, "credits",
-                     app_.frmCredits().lblCredits.caption(), at);
+      credits_->Open(kCreditsClass, Title("mnuCredits"),
+                     app_.frmCredits().lblCredits.caption());
     });
   } else if (!name.empty()) {
     // Settings entries, preset items and the pending menu.
@@ -98,10 +145,9 @@ void Desktop::RunMenu(const std::string& name) {
 }
 
 void Desktop::OpenRoom() {
-  const POINT at = BesideMain(*this);
-  Post([this, at] {
+  Post([this] {
     app_.Press("lstBanned", 2);
-    room_->Open(at);
+    room_->Open();
   });
 }
 

@@ -43,8 +43,14 @@ class Desktop {
   void OpenRoom();
   // The program has ended: every window goes, and so does the process.
   void Close();
+  // A small window's title: the caption of the menu entry that opens it,
+  // as a person reads it.
+  std::string Title(const char* entry) const;
 
  private:
+  POINT Place(HWND opening) const;
+  bool Keyboard(MSG& msg);
+
   QuorvexApp& app_;
   win32::Win32Host& host_;
   Prompter& prompter_;
@@ -57,8 +63,5 @@ class Desktop {
   std::unique_ptr<InfoWindow> about_;
   std::unique_ptr<InfoWindow> credits_;
 };
-
-// Where a small window opens: beside the main window.
-POINT BesideMain(const Desktop& desktop);
 
 }  // namespace quorvex::desktop

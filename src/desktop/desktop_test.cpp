@@ -3,14 +3,17 @@
 // with plain Win32 calls, clicked and read while it serves.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "desktop/control_ids.h"
 #include "desktop/dialog_prompter.h"
 #include "desktop/remote.h"
 #include "desktop/wide_text.h"
+#include "server/serve_engine.h"
 #include "standin_process.h"
 
 namespace quorvex::desktop {
@@ -36,6 +39,7 @@ class ProgramTest : public ::testing::Test {
     si.cb = sizeof(si);
     ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE,
                                0, nullptr, root_.c_str(), &si, &process_));
+    WatchSplash();
     main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
     ASSERT_NE(main_, nullptr) << "the main window never showed";
   }
@@ -51,6 +55,37 @@ class ProgramTest : public ::testing::Test {
     wchar_t self[MAX_PATH];
     GetModuleFileNameW(nullptr, self, MAX_PATH);
     return fs::path(self).parent_path() / "quorvex.exe";
+  }
+
+  // How long the splash window stood on the screen, measured from the
+  // first moment it showed to the moment it went (-1: it never showed).
+  void WatchSplash() {
+    LARGE_INTEGER hz, shown{}, now;
+    QueryPerformanceFrequency(&hz);
+    HWND splash = nullptr;
+    auto seconds = [&](const LARGE_INTEGER& from) {
+      QueryPerformanceCounter(&now);
+      return static_cast<double>(now.QuadPart - from.QuadPart) /
+             static_cast<double>(hz.QuadPart);
+    };
+    LARGE_INTEGER started;
+    QueryPerformanceCounter(&started);
+    while (seconds(started) < 60) {
+      HWND w = FindWindowW(kSplashClass, nullptr);
+      DWORD pid = 0;
+      if (w) GetWindowThreadProcessId(w, &pid);
+      const bool up = w && pid == process_.dwProcessId && IsWindowVisible(w);
+      if (up && !splash) {
+        splash = w;
+        QueryPerformanceCounter(&shown);
+      } else if (splash && !up) {
+        splash_seconds_ = seconds(shown);
+        return;
+      } else if (!splash && FindWindowW(kMainClass, nullptr)) {
+        return;  // a start without the splash
+      }
+      Sleep(1);
+    }
   }
 
   HWND Control(int id) const { return GetDlgItem(main_, id); }
@@ -95,6 +130,7 @@ class ProgramTest : public ::testing::Test {
   fs::path root_;
   PROCESS_INFORMATION process_{};
   HWND main_ = nullptr;
+  double splash_seconds_ = -1;
 };
 
 class DesktopTest : public ProgramTest {
@@ -342,6 +378,180 @@ TEST_F(DesktopTest, ServeAndChatFollowsTheRoomAndSaysALineInItsTurn) {
   EXPECT_EQ(Caption(kIdCmdStart), "&stop");
 }
 
+RECT Frame(HWND w) {
+  RECT rc;
+  GetWindowRect(w, &rc);
+  return rc;
+}
+bool Overlap(HWND a, HWND b) {
+  RECT x = Frame(a), y = Frame(b), both;
+  return IntersectRect(&both, &x, &y) != FALSE;
+}
+
+TEST_F(DesktopTest, SmallWindowsAreToldApartByTitleAndPlace) {
+  PickMenu(main_, "mnuServeNChat");
+  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
+  ASSERT_NE(chat, nullptr);
+  PickMenu(main_, "mnuBanOpts");
+  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
+  ASSERT_NE(banning, nullptr);
+  PickMenu(main_, "mnuAbout");
+  HWND about = WaitWindow(kAboutClass, nullptr, 20);
+  ASSERT_NE(about, nullptr);
+  // The task bar and Alt+Tab show one ampersand; the drawn title bar
+  // stays the program's.
+  EXPECT_EQ(Text(chat), "serve & chat");
+  EXPECT_EQ(Text(banning), "banning options");
+  EXPECT_EQ(Text(about), "about");
+  EXPECT_EQ(Text(GetDlgItem(chat, kIdPicTitle)),
+            "quorvex mail server by kestrin");
+  // Side by side: none covers another, nor the main window.
+  for (HWND w : {chat, banning, about}) EXPECT_FALSE(Overlap(w, main_));
+  EXPECT_FALSE(Overlap(chat, banning));
+  EXPECT_FALSE(Overlap(chat, about));
+  EXPECT_FALSE(Overlap(banning, about));
+  // The first beside the main window, top edges level.
+  EXPECT_EQ(Frame(chat).top, Frame(main_).top);
+  EXPECT_GT(Frame(chat).left, Frame(main_).right);
+}
+
+TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
+  ASSERT_TRUE(ToFront(main_));
+  // Tab and Shift+Tab go through the main window's controls.
+  ASSERT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdLstMails); }, 10));
+  PressKey(VK_TAB);
+  EXPECT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdLstPending); }, 10));
+  // The menu key on the pending list opens its menu, as a right click
+  // does; Escape closes it.
+  PressKey(VK_APPS);
+  EXPECT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(L"#32768"); }, 10));
+  PressKey(VK_TAB, true);
+  EXPECT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdLstMails); }, 10));
+
+  // Alt+F opens the file menu; Down and Return take its first entry,
+  // about, and Escape closes that window.
+  PressKey('F', false, true);
+  ASSERT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  PressKey(VK_DOWN);
+  PressKey(VK_RETURN);
+  HWND about = WaitWindow(kAboutClass, nullptr, 20);
+  ASSERT_NE(about, nullptr);
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
+
+  // Alt+S underlines start and settings: it moves between them; Return
+  // presses start, and the yes/no box takes its Return too.
+  ASSERT_TRUE(ToFront(main_));
+  PressKey('S', false, true);
+  EXPECT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdCmdStart); }, 10));
+  PressKey('S', false, true);
+  EXPECT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdCmdSettings); }, 10));
+  PressKey('S', false, true);
+  EXPECT_TRUE(
+      WaitFor([&] { return Focus(main_) == Control(kIdCmdStart); }, 10));
+  PressKey(VK_RETURN);
+  HWND box = WaitDialog("make lists", 30);
+  ASSERT_NE(box, nullptr);
+  ASSERT_TRUE(ToFront(box));
+  PressKey(VK_RETURN);
+  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  // Alt+P pauses.
+  ASSERT_TRUE(ToFront(main_));
+  PressKey('P', false, true);
+  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdPause) == "&unpause"; }, 30));
+
+  // The banning options: the mistakes box has the focus; Tab, Tab reaches
+  // the pending-mails box. Its list opened and escaped leaves the stored
+  // "12"; a choice by the Down key is stored; Escape saves and closes.
+  PickMenu(main_, "mnuBanOpts");
+  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
+  ASSERT_NE(banning, nullptr);
+  ASSERT_TRUE(ToFront(banning));
+  HWND mails = GetDlgItem(banning, kIdCmbMails);
+  PressKey(VK_TAB);
+  PressKey(VK_TAB);
+  ASSERT_TRUE(WaitFor([&] { return IsChild(mails, Focus(banning)); }, 10));
+  PressKey(VK_DOWN, false, true);
+  EXPECT_TRUE(WaitFor(
+      [&] { return SendMessageW(mails, CB_GETDROPPEDSTATE, 0, 0) != 0; }, 10));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor(
+      [&] { return SendMessageW(mails, CB_GETDROPPEDSTATE, 0, 0) == 0; }, 10));
+  EXPECT_TRUE(WaitFor([&] { return Text(mails) == "12"; }, 10));
+  EXPECT_TRUE(Showing(kBanningClass));
+  PressKey(VK_DOWN);
+  std::string chosen;
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        chosen = Text(mails);
+        return chosen != "12";
+      },
+      10));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(kBanningClass); }, 20));
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return RegistryFile().find("\"Mails\": \"" + chosen + "\"") !=
+               std::string::npos;
+      },
+      20));
+
+  // The room buster: Return in the room's name starts the busting (the
+  // room is not full: it is entered at the first try).
+  PickMenu(main_, "mnuRoomBuster");
+  HWND buster = WaitWindow(kBusterClass, nullptr, 20);
+  ASSERT_NE(buster, nullptr);
+  ASSERT_TRUE(ToFront(buster));
+  ASSERT_TRUE(WaitFor(
+      [&] { return Focus(buster) == GetDlgItem(buster, kIdTxtRoom); }, 10));
+  TypeKeys("quiet room");
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(GetDlgItem(buster, kIdTxtRoom)) == "quiet room"; },
+      10));
+  PressKey(VK_RETURN);
+  EXPECT_TRUE(WaitFor(
+      [&] {
+        return RoomLog().find("busted <B><U>quiet room") != std::string::npos;
+      },
+      30));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
+
+  // The message editor: Alt+E is its exit, and Escape does the same.
+  for (const auto& [key, alt] : {std::pair<WORD, bool>{'E', true},
+                                 std::pair<WORD, bool>{VK_ESCAPE, false}}) {
+    PickMenu(main_, "mnuMessages");
+    HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
+    ASSERT_NE(messages, nullptr);
+    ASSERT_TRUE(ToFront(messages));
+    PressKey(key, false, alt);
+    EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+  }
+
+  // Serve and chat: the line takes the keys and Return; Escape closes.
+  PickMenu(main_, "mnuServeNChat");
+  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
+  ASSERT_NE(chat, nullptr);
+  ASSERT_TRUE(ToFront(chat));
+  HWND line = GetDlgItem(chat, kIdTxtSend);
+  ASSERT_TRUE(WaitFor([&] { return Focus(chat) == line; }, 10));
+  TypeKeys("hi all");
+  EXPECT_TRUE(WaitFor([&] { return Text(line) == "hi all"; }, 10));
+  PressKey(VK_RETURN);
+  EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 20));
+  EXPECT_TRUE(Showing(kChatroomClass));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(kChatroomClass); }, 20));
+  EXPECT_EQ(Caption(kIdCmdStart), "&stop");
+}
+
 // quorvex.exe without --simulate drives the real client through the
 // Win32 binding. With no client running it comes up idle, and a start
 // reads the mailbox first: a mailbox that never comes is asked for again
@@ -363,22 +573,36 @@ class ClientlessTest : public ProgramTest {
   }
 };
 
-TEST_F(ClientlessTest, StartsIdleAndAStartKeepsAskingForTheMailbox) {
+TEST_F(ClientlessTest, ASecondsSplashThenAStartSaysTheClientIsNotRunning) {
+  // A normal start shows the splash for its pause of a second, and no
+  // longer: nothing loads behind it. Like every pause of the program it
+  // starts from the clock rounded to a whole second, so it lasts from half
+  // a second to a second and a half; the upper bound leaves room for a
+  // busy machine. The figure is printed.
+  std::printf("splash shown for %.3f s\n", splash_seconds_);
+  EXPECT_GE(splash_seconds_, 0.45);
+  EXPECT_LE(splash_seconds_, 2.2);
   ASSERT_TRUE(
       WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
   EXPECT_TRUE(WaitFor([] { return Setting(L"Load") == "True"; }, 10));
-  Click(Control(kIdCmdStart));
-  // Opened from inside the start's wait for the mailbox.
+  // Twice: each start says so, and the server stays idle.
+  for (int i = 0; i < 2; ++i) {
+    Click(Control(kIdCmdStart));
+    HWND box = WaitDialog(kNoClientTitle, 30);
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(DialogPrompt(box), kNoClientText);
+    PressDialogButton(box, IDOK);
+    EXPECT_TRUE(
+        WaitFor([] { return WaitDialog(kNoClientTitle, 0) == nullptr; }, 20));
+    EXPECT_EQ(Caption(kIdPicStatus), "status: idle");
+    EXPECT_EQ(Caption(kIdCmdStart), "&start");
+  }
+  // The windows answer, and lblExit ends the program, its settings saved.
   PickMenu(main_, "mnuAbout");
   HWND about = WaitWindow(kAboutClass, nullptr, 20);
   ASSERT_NE(about, nullptr);
   Click(GetDlgItem(about, kIdLblExit));
   EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
-  // No lists were counted, so none are offered, and nothing is served.
-  EXPECT_EQ(Caption(kIdPicStatus), "status: idle");
-  EXPECT_EQ(Caption(kIdCmdStart), "&start");
-  EXPECT_EQ(WaitDialog("make lists", 0), nullptr);
-  // lblExit ends the program from inside that wait, its settings saved.
   Click(Control(kIdLblExit));
   EXPECT_TRUE(Ends(30));
   EXPECT_EQ(Setting(L"Load"), "False");

@@ -15,7 +15,7 @@ class FormWindow : public SmallWindow {
   // `exit_control` names the form's exit in the core ("frmRoom.lblExit").
   FormWindow(Desktop& desktop, const char* exit_control)
       : desktop_(desktop), exit_control_(exit_control) {}
-  virtual void Open(POINT at) = 0;
+  virtual void Open() = 0;
 
  protected:
   void lblExit_Click() override;

@@ -8,9 +8,10 @@ namespace quorvex::desktop {
 
 class InfoWindow : public SmallWindow {
  public:
-  // `with_exit`: the splash window has no lblExit.
+  // `with_exit`: the splash window has no lblExit. `at` is where it opens
+  // unless the desktop places it.
   void Open(const wchar_t* class_name, const std::string& caption,
-            const std::string& text, POINT at, bool with_exit = true);
+            const std::string& text, POINT at = {}, bool with_exit = true);
 
  protected:
   void lblExit_Click() override { Destroy(); }

@@ -47,7 +47,7 @@ void MainWindow::CreateControls() {
   }
 
   const DWORD list_style =
-      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER;
+      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP;
   Child(L"LISTBOX", "", list_style, 4, 80, 152, 160, kIdLstMails);
   HWND pending =
       Child(L"LISTBOX", "", list_style, 162, 80, 154, 98, kIdLstPending);
@@ -98,6 +98,26 @@ LRESULT MainWindow::Handle(UINT msg, WPARAM wp, LPARAM lp) {
       desktop_.RunMenu(
           MenuEntryName(desktop_.app().frm().menus, static_cast<int>(wp)));
       return 0;
+    case WM_CONTEXTMENU:
+      // From the keyboard (Shift+F10, the menu key): what a right click
+      // on the list does; the mouse's own right clicks are handled as
+      // they come.
+      if (static_cast<short>(LOWORD(lp)) == -1 &&
+          static_cast<short>(HIWORD(lp)) == -1) {
+        HWND list = reinterpret_cast<HWND>(wp);
+        if (list == Item(kIdLstPending)) {
+          RECT rc;
+          GetWindowRect(list, &rc);
+          const std::string picked =
+              TrackMenu(desktop_.app().frm().menus, "mnuPendings", hwnd(),
+                        {rc.left, rc.top});
+          if (!picked.empty()) desktop_.RunMenu(picked);
+        } else if (list == Item(kIdLstBanned)) {
+          desktop_.OpenRoom();
+        }
+        return 0;
+      }
+      break;
     case WM_CLOSE:
       // Closing from the task bar leaves as lblExit does.
       OnCommand(kIdLblExit, STN_CLICKED, nullptr);

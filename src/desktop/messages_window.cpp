@@ -21,9 +21,10 @@ std::string TxtAddName(int index) {
 
 }  // namespace
 
-void MessagesWindow::Open(POINT at) {
+void MessagesWindow::Open() {
   if (open()) return Refresh();
-  CreateSmall(kMessagesClass, "messages", at.x, at.y, 300, 236, false);
+  CreateSmall(kMessagesClass, desktop_.Title("mnuMessages"), 0, 0, 300, 236,
+              false);
   MessagesForm& form = desktop_.app().frm().frmMessages;
   HWND tab = Child(WC_TABCONTROLW, "", WS_TABSTOP, 4, 24, 292, 176, kIdTab);
   const wchar_t* captions[] = {L"chat", L"mail", L"thank You"};
@@ -163,6 +164,10 @@ void MessagesWindow::Insert(int index) {
     app.Press(picked);
     Refresh();
   });
+}
+
+void MessagesWindow::Escape() {
+  SendMessageW(Item(kIdCmdExit), BM_CLICK, 0, 0);
 }
 
 void MessagesWindow::Close(const char* button) {

@@ -11,11 +11,13 @@ class Desktop;
 class MessagesWindow : public SmallWindow {
  public:
   explicit MessagesWindow(Desktop& desktop) : desktop_(desktop) {}
-  void Open(POINT at);
+  void Open();
 
  protected:
   LRESULT Handle(UINT msg, WPARAM wp, LPARAM lp) override;
   void OnControl(int id, int code, HWND control) override;
+  // Escape leaves as exit does, without saving.
+  void Escape() override;
 
  private:
   // Shows the model's page and texts (the core changes them on inserts,

@@ -66,9 +66,12 @@ int RunProgram(win32::Win32Host& host, const Outside& out,
   Desktop::RegisterClasses();
   StartupKind kind;
   {
+    // Shown on a normal start only, once the decision has read what it
+    // reads: its second is the pause alone, and nothing loads behind it.
     InfoWindow splash;
-    splash.Open(kSplashClass, "quorvex", SplashText(), {200, 160}, false);
-    kind = frmSplash_Load(out.machine, out.profiles, host);
+    kind = frmSplash_Load(out.machine, out.profiles, host, [&splash] {
+      splash.Open(kSplashClass, "quorvex", SplashText(), {200, 160}, false);
+    });
   }
   if (kind == StartupKind::kStartedInstalled) return 0;
 

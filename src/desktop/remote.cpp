@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <thread>
+#include <vector>
 
 #include "desktop/control_ids.h"
 #include "desktop/menu_popup.h"
@@ -120,6 +121,54 @@ void PickMenu(HWND main, const std::string& entry) {
   BuildMenuTree(menus);
   PostMessageW(main, kMsgMenuCommand,
                static_cast<WPARAM>(MenuCommandId(menus, entry)), 0);
+}
+
+namespace {
+
+INPUT KeyInput(WORD key, bool up) {
+  INPUT in{};
+  in.type = INPUT_KEYBOARD;
+  in.ki.wVk = key;
+  in.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
+  return in;
+}
+
+}  // namespace
+
+void PressKey(WORD key, bool shift, bool alt) {
+  std::vector<INPUT> keys;
+  if (shift) keys.push_back(KeyInput(VK_SHIFT, false));
+  if (alt) keys.push_back(KeyInput(VK_MENU, false));
+  keys.push_back(KeyInput(key, false));
+  keys.push_back(KeyInput(key, true));
+  if (alt) keys.push_back(KeyInput(VK_MENU, true));
+  if (shift) keys.push_back(KeyInput(VK_SHIFT, true));
+  SendInput(static_cast<UINT>(keys.size()), keys.data(), sizeof(INPUT));
+  // The program takes its keys in its own time.
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+}
+
+void TypeKeys(const std::string& text) {
+  for (char c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    PressKey(static_cast<WORD>(c == ' ' ? VK_SPACE : c));
+  }
+}
+
+bool ToFront(HWND window) {
+  return WaitFor(
+      [&] {
+        SetForegroundWindow(window);
+        return GetForegroundWindow() == window;
+      },
+      10);
+}
+
+HWND Focus(HWND window) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof info;
+  GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+  return info.hwndFocus;
 }
 
 HWND WaitDialog(const std::string& title, double seconds) {

@@ -36,6 +36,17 @@ void PressReturn(HWND edit);
 // Picks a menu entry of the main window by name, as from its menus.
 void PickMenu(HWND main, const std::string& entry);
 
+// Keys as a person presses them, to the window in front: `key` (a
+// virtual-key code) with Shift or Alt held.
+void PressKey(WORD key, bool shift = false, bool alt = false);
+// Types letters, digits and blanks.
+void TypeKeys(const std::string& text);
+// Brings `window` to the front, so that it takes the keys; false when it
+// did not come.
+bool ToFront(HWND window);
+// The control that has the keyboard focus in `window`'s thread.
+HWND Focus(HWND window);
+
 // The dialog box titled `title` (a "#32770" window), waited for.
 HWND WaitDialog(const std::string& title, double seconds);
 // The dialog's static text that is not a button (its prompt).

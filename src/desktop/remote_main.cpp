@@ -8,6 +8,8 @@
 //   close CLASS     clicks that window's lblExit
 //   say TEXT        types TEXT in the serve-and-chat window's line, Return
 //   wait SECONDS    lets the program run
+//   where TITLE     prints where the dialog box of that title stands, as
+//                   "X Y WIDTH HEIGHT"
 #include <windows.h>
 
 #include <chrono>
@@ -69,6 +71,13 @@ int main(int argc, char** argv) {
         SetText(line, arg);
         PressReturn(line);
       }
+    } else if (verb == "where") {
+      HWND box = WaitDialog(arg, 60);
+      RECT rc{};
+      ok = box != nullptr && GetWindowRect(box, &rc);
+      if (ok)
+        std::printf("%ld %ld %ld %ld\n", rc.left, rc.top, rc.right - rc.left,
+                    rc.bottom - rc.top);
     } else if (verb == "wait") {
       std::this_thread::sleep_for(std::chrono::milliseconds(
           static_cast<int>(std::atof(arg.c_str()) * 1000)));

@@ -5,12 +5,12 @@
 
 namespace quorvex::desktop {
 
-void RoomWindow::Open(POINT at) {
+void RoomWindow::Open() {
   Destroy();  // it reads the room anew each time it opens
-  CreateSmall(kRoomClass, "room people", at.x, at.y, 240, 220);
+  CreateSmall(kRoomClass, "room people", 0, 0, 240, 220);
   Child(L"LISTBOX", "",
-        LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER, 6, 26, 228,
-        188, kIdLstRoom);
+        LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP,
+        6, 26, 228, 188, kIdLstRoom);
   BindList(Item(kIdLstRoom), desktop_.app().frm().frmRoom.lstRoom, subs_);
   ShowWindow(hwnd(), SW_SHOW);
 }

@@ -11,7 +11,7 @@ class RoomWindow : public FormWindow {
   explicit RoomWindow(Desktop& desktop)
       : FormWindow(desktop, "frmRoom.lblExit") {}
   // Shows the room as the core read it when the window loaded.
-  void Open(POINT at) override;
+  void Open() override;
 
  protected:
   void OnControl(int id, int code, HWND control) override;

@@ -4,9 +4,13 @@
 // windows.h first: commctrl.h needs its types.
 #include <commctrl.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "desktop/band.h"
 #include "desktop/control_ids.h"
 #include "desktop/wide_text.h"
+#include "model/text_util.h"
 
 namespace quorvex::desktop {
 
@@ -73,6 +77,23 @@ LRESULT Window::Handle(UINT msg, WPARAM wp, LPARAM lp) {
       FillRect(reinterpret_cast<HDC>(wp), &rc, back_);
       return 1;
     }
+    case DM_GETDEFID:
+      return DefaultButton() ? MAKELRESULT(DefaultButton(), DC_HASDEFID) : 0;
+    case WM_ACTIVATE:
+      // The focus comes back to where it was, or to the first control.
+      if (LOWORD(wp) == WA_INACTIVE) {
+        HWND f = GetFocus();
+        if (f && IsChild(hwnd_, f)) focus_ = f;
+      } else {
+        HWND f = focus_ && IsWindow(focus_) && IsChild(hwnd_, focus_)
+                     ? focus_
+                     : GetNextDlgTabItem(hwnd_, nullptr, FALSE);
+        if (f) {
+          SetFocus(f);
+          return 0;
+        }
+      }
+      break;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: {
       HDC dc = reinterpret_cast<HDC>(wp);
@@ -105,10 +126,27 @@ LRESULT CALLBACK Window::Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
   return self->Handle(msg, wp, lp);
 }
 
+namespace {
+std::function<POINT(HWND)>& Placer() {
+  static std::function<POINT(HWND)> placer;
+  return placer;
+}
+}  // namespace
+
+void SetSmallWindowPlacer(std::function<POINT(HWND opening)> placer) {
+  Placer() = std::move(placer);
+}
+
 void SmallWindow::CreateSmall(const wchar_t* class_name,
                               const std::string& caption, int x, int y, int w,
                               int h, bool with_exit) {
   CreateTopLevel(class_name, caption, x, y, w, h);
+  with_exit_ = with_exit;
+  if (Placer()) {
+    const POINT at = Placer()(hwnd());
+    SetWindowPos(hwnd(), nullptr, at.x, at.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
   HWND title = CreateBand(hwnd(), kIdPicTitle, 0, 0, w, 20, true);
   SetBand(title, "#4488BB", kTitleText);
   if (with_exit) {
@@ -120,6 +158,7 @@ void SmallWindow::CreateSmall(const wchar_t* class_name,
 
 void SmallWindow::OnCommand(int id, int code, HWND control) {
   if (id == kIdLblExit && code == STN_CLICKED) return lblExit_Click();
+  if (id == IDCANCEL && !control) return Escape();
   OnControl(id, code, control);
 }
 
@@ -136,6 +175,16 @@ LRESULT CALLBACK HookProc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp) {
   const WNDPROC original = hook->original;
   if (msg == WM_CHAR && hook->on_key && hook->on_key(static_cast<wchar_t>(wp)))
     return 0;
+  // A control that takes Return itself keeps it from the window's default
+  // button.
+  if (msg == WM_GETDLGCODE && hook->on_key) {
+    const auto* key = reinterpret_cast<const MSG*>(lp);
+    const LRESULT code = CallWindowProcW(original, hwnd, msg, wp, lp);
+    if (key && (key->message == WM_KEYDOWN || key->message == WM_CHAR) &&
+        key->wParam == VK_RETURN)
+      return code | DLGC_WANTMESSAGE;
+    return code;
+  }
   if (msg == WM_NCDESTROY) {
     RemovePropW(hwnd, L"quorvex.hook");
     SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original));
@@ -160,6 +209,49 @@ Hook* HookOf(HWND control) {
 }
 
 }  // namespace
+
+namespace {
+
+// Alt+letter: the visible, enabled control whose caption underlines the
+// letter is pressed; with several, the focus moves to the next of them.
+bool PressMnemonic(HWND window, wchar_t key) {
+  if (key > 0x7F) return false;
+  const char letter = LCase(std::string(1, static_cast<char>(key)))[0];
+  std::vector<HWND> matches;
+  for (HWND c = GetWindow(window, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
+    if (IsWindowVisible(c) && IsWindowEnabled(c) &&
+        UnderlinedLetter(WindowText(c)) == letter)
+      matches.push_back(c);
+  if (matches.empty()) return false;
+  if (matches.size() > 1) {
+    auto at = std::find(matches.begin(), matches.end(), GetFocus());
+    SetFocus(at == matches.end() || at + 1 == matches.end() ? matches.front()
+                                                            : *(at + 1));
+    return true;
+  }
+  SetFocus(matches.front());
+  SendMessageW(matches.front(), BM_CLICK, 0, 0);
+  return true;
+}
+
+}  // namespace
+
+bool WindowKeyboard(HWND window, MSG& msg) {
+  if (msg.message < WM_KEYFIRST || msg.message > WM_KEYLAST) return false;
+  if (msg.message == WM_SYSCHAR &&
+      PressMnemonic(window, static_cast<wchar_t>(msg.wParam)))
+    return true;
+  // Return presses the button that has the focus, as in a form; elsewhere
+  // the window's default button.
+  HWND focus = GetFocus();
+  if (msg.message == WM_KEYDOWN && msg.wParam == VK_RETURN && focus &&
+      IsChild(window, focus) &&
+      (SendMessageW(focus, WM_GETDLGCODE, 0, 0) & DLGC_UNDEFPUSHBUTTON)) {
+    SendMessageW(focus, BM_CLICK, 0, 0);
+    return true;
+  }
+  return IsDialogMessageW(window, &msg) != FALSE;
+}
 
 void OnChar(HWND control, std::function<bool(wchar_t)> on_key) {
   HookOf(control)->on_key = std::move(on_key);

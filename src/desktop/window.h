@@ -42,6 +42,8 @@ class Window {
   virtual LRESULT Handle(UINT msg, WPARAM wp, LPARAM lp);
   virtual void OnCommand(int /*id*/, int /*code*/, HWND /*control*/) {}
   virtual void OnDestroyed() {}
+  // The button Return presses wherever the focus is (0: none).
+  virtual int DefaultButton() const { return 0; }
 
   // The models this window shows; unsubscribed when it goes away.
   Subscriptions subs_;
@@ -50,6 +52,8 @@ class Window {
   static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wp, LPARAM lp);
   HWND hwnd_ = nullptr;
   HBRUSH back_ = CreateSolidBrush(kBackColour);
+  // The control that had the focus when the window was last left.
+  HWND focus_ = nullptr;
 };
 
 class SmallWindow : public Window {
@@ -60,8 +64,27 @@ class SmallWindow : public Window {
                    int y, int w, int h, bool with_exit = true);
   void OnCommand(int id, int code, HWND control) override;
   virtual void lblExit_Click() {}
+  // Escape: what lblExit does, in a window that has it.
+  virtual void Escape() {
+    if (with_exit_) lblExit_Click();
+  }
   virtual void OnControl(int /*id*/, int /*code*/, HWND /*control*/) {}
+
+ private:
+  bool with_exit_ = true;
 };
+
+// Where a small window opens, given the window (made, not yet shown): the
+// desktop sets it so that a new window never covers one already open.
+void SetSmallWindowPlacer(std::function<POINT(HWND opening)> placer);
+
+// The keyboard of a window of the program, for a message the loop took:
+// Alt+letter presses the control whose caption underlines the letter (with
+// two such controls it moves the focus from one to the next, as Windows
+// does), and the dialog keys do what they do in a Windows form: Tab and
+// Shift+Tab move through the controls, Return presses the default button,
+// Escape closes a small window. True when the message was handled.
+bool WindowKeyboard(HWND window, MSG& msg);
 
 // Calls `on_key(key)` before a control handles WM_CHAR; when it returns
 // true the key is swallowed.

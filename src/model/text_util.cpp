@@ -259,4 +259,26 @@ bool Like(std::string_view text, std::string_view pat) {
   return p == pat.size();
 }
 
+std::string PlainCaption(std::string_view caption) {
+  std::string plain;
+  for (std::size_t i = 0; i < caption.size(); ++i) {
+    if (caption[i] != '&') {
+      plain += caption[i];
+    } else if (i + 1 < caption.size() && caption[i + 1] == '&') {
+      plain += '&';
+      ++i;
+    }
+  }
+  return plain;
+}
+
+char UnderlinedLetter(std::string_view caption) {
+  for (std::size_t i = 0; i + 1 < caption.size(); ++i) {
+    if (caption[i] != '&') continue;
+    if (caption[i + 1] != '&') return LCase(caption.substr(i + 1, 1))[0];
+    ++i;
+  }
+  return 0;
+}
+
 }  // namespace quorvex

@@ -46,6 +46,14 @@ std::string ReplaceText(std::string_view text, std::string_view find,
 std::string ReplaceAll(std::string_view text, std::string_view find,
                        std::string_view replacement);
 
+// A caption as a person reads it: "&&" is one ampersand, and a single "&"
+// (the mark of the underlined letter) is dropped ("serve && chat" ->
+// "serve & chat", "&start" -> "start").
+std::string PlainCaption(std::string_view caption);
+// The letter a caption underlines (after a single "&"), lower-cased; 0
+// when it has none.
+char UnderlinedLetter(std::string_view caption);
+
 // The "Like" operator (binary compare): ? one character, * any run,
 // # one digit, [list] / [!list] with ranges. Runs in O(text x pattern).
 bool Like(std::string_view text, std::string_view pattern);

@@ -51,6 +51,19 @@ TEST(TextUtilTest, CaseBlanksAndReplacing) {
   EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
 }
 
+TEST(TextUtilTest, CaptionsAsTheyAreRead) {
+  EXPECT_EQ(PlainCaption("serve && chat"), "serve & chat");
+  EXPECT_EQ(PlainCaption("&save && exit"), "save & exit");
+  EXPECT_EQ(PlainCaption("a&&&&b&"), "a&&b");
+  EXPECT_EQ(UnderlinedLetter("&Start"), 's');
+  EXPECT_EQ(UnderlinedLetter("&save && exit"), 's');
+  // A doubled ampersand underlines nothing, nor does one at the end.
+  EXPECT_EQ(UnderlinedLetter("serve && chat"), 0);
+  EXPECT_EQ(UnderlinedLetter("x&&&y"), 'y');
+  EXPECT_EQ(UnderlinedLetter("x&"), 0);
+  EXPECT_EQ(UnderlinedLetter(""), 0);
+}
+
 TEST(TextUtilTest, LikePatterns) {
   struct Case {
     const char* text;

@@ -36,6 +36,15 @@ class Machine {
       std::string_view from, std::string_view to,
       const std::function<void(std::int64_t, std::int64_t)>& progress) = 0;
 
+  // Appends `text` to a file, creating it when missing, and flushes it to
+  // disk before returning. False when it could not be written whole.
+  virtual bool AppendToFile(std::string_view windows_path,
+                            std::string_view text) = 0;
+  // Renames a file over another one in one step (the target is replaced
+  // whole or not at all) and flushes the change to disk. False when the
+  // rename failed; both files are then as they were.
+  virtual bool MoveFileOver(std::string_view from, std::string_view to) = 0;
+
   // Starts a program with normal focus.
   virtual void RunProgram(std::string_view windows_path) = 0;
   // ExitWindowsEx(EWX_REBOOT).

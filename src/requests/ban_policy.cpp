@@ -46,6 +46,7 @@ void Ban(BanContext& ctx, const std::string& sn) {
   ctx.lblBanned.Set("banned: " + std::to_string(ctx.lstBanned.Count()));
   ctx.pending.RemovePerson(sn);
   ctx.say("(" + sn + ") you are now banned");
+  Emit(ctx.events, JobOutcome::kBanned, sn, "too many mistakes");
 }
 
 void SayLeft(BanContext& ctx, const std::string& sn, double left) {

@@ -7,6 +7,7 @@
 
 #include "model/controls.h"
 #include "model/form.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/registry.h"
@@ -57,6 +58,8 @@ struct BanContext {
   Label& lblBanned;
   PendingQueue& pending;
   std::function<void(const std::string&)> say;  // one chat line
+  // Where finished jobs are reported (the program's log); none: nowhere.
+  const JobEventSink* events = nullptr;
 };
 
 // Records one mistake of `sn` (lower case) and bans at the limit. Once

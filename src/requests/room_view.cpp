@@ -12,16 +12,17 @@ void RoomForm::Load(const std::vector<std::string>& people,
   }
 }
 
-void RoomForm::DoubleClick(ListBox& lstBanned, Label& lblBanned,
-                           PendingQueue& pending, Label& lblPending) {
+std::string RoomForm::DoubleClick(ListBox& lstBanned, Label& lblBanned,
+                                  PendingQueue& pending, Label& lblPending) {
   int selected = lstRoom.selected();
-  if (selected < 0) return;
+  if (selected < 0) return "";
   std::string name = lstRoom.Item(selected);
   lstBanned.Add(name);
   lblBanned.Set("banned: " + std::to_string(lstBanned.Count()));
   pending.RemoveRequester(name, true);
   lstRoom.Remove(selected);
   pending.RefreshLabel(lblPending);
+  return name;
 }
 
 }  // namespace quorvex

@@ -24,9 +24,10 @@ struct RoomForm {
   // Bans the selected person: adds the name as listed to lstBanned and
   // removes their pending lines, finds included, where the requester with
   // spaces removed equals the name exactly. Says nothing in the chat and
-  // records no mistake. With nothing selected nothing happens.
-  void DoubleClick(ListBox& lstBanned, Label& lblBanned, PendingQueue& pending,
-                   Label& lblPending);
+  // records no mistake. With nothing selected nothing happens. The name
+  // banned, or "".
+  std::string DoubleClick(ListBox& lstBanned, Label& lblBanned,
+                          PendingQueue& pending, Label& lblPending);
 };
 
 }  // namespace quorvex

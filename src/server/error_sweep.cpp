@@ -43,17 +43,21 @@ void DropDeadRequests(const MailJobContext& m, const ClientContext& c,
              m.pending.TakeFirstMailFor(number, queued)) {
     m.pending.RefreshLabel(m.lblPending);
     AnnounceDeadMail(m, c, *sn, number);
+    Emit(m.events, JobOutcome::kDeadMail, *sn, "send " + number);
   }
 }
 
 void HandleErrorWindow(const MailJobContext& m, const ClientContext& c,
-                       Hwnd error) {
+                       ForwardScratch& f, Hwnd error) {
   WindowApi& api = c.api;
   const std::string text = GetErrorText(api, error);
   const auto dash = text.find('-');
   if (dash != std::string::npos && dash >= 1) {
-    for (const std::string& sn : FullMailboxNames(text))
+    for (const std::string& sn : FullMailboxNames(text)) {
       m.pending.DropFullMailbox(sn, m.ReplyQueue);
+      Emit(m.events, JobOutcome::kFullMailbox, sn, f.what);
+      f.full_mailboxes.push_back(sn);
+    }
     m.pending.RefreshLabel(m.lblPending);
   }
   DismissErrorWindow(api, error);
@@ -76,7 +80,7 @@ void HandleDeadMail(const MailJobContext& m, const ClientContext& c,
   Pause(c.host, kAfterError);
   AnnounceDeadMail(m, c, sn, number);
   if (!IsDeadMail(m.dead_mails, number)) m.dead_mails.push_back(number);
-  f.error = true;
+  ForwardFailed(f);
   DropDeadRequests(m, c, number);
 }
 
@@ -116,7 +120,7 @@ void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
             },
             {.rounds = kHandlerRounds});
   if (error)
-    HandleErrorWindow(m, c, error);
+    HandleErrorWindow(m, c, f, error);
   else if (box)
     HandleDeadMail(m, c, f, box);
 }
@@ -136,7 +140,7 @@ void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
     PressButton(api, FindDialogButton(api, box, "OK"));
     // The refused forward would stay open, and the job wait for it to
     // close, for ever; it was not sent, so no "sent" is said for it.
-    if (CloseForwardWindow(api)) f.error = true;
+    if (CloseForwardWindow(api)) ForwardFailed(f);
   }
   if (FindErrorWindow(api)) ForwardErrorHandler(m, c, f);
   if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(m, c, f);

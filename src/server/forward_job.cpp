@@ -1,6 +1,7 @@
 #include "server/forward_job.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "client/client_menus.h"
 #include "client/client_tree.h"
@@ -64,7 +65,7 @@ void GiveUpDeadMail(const MailJobContext& m, const ClientContext& c,
   Say(c, m.ended, DeadMailLine(f.sn, f.number));
   PauseSeconds(c.host, kAfterLine);
   if (!IsDeadMail(m.dead_mails, f.number)) m.dead_mails.push_back(f.number);
-  f.error = true;
+  ForwardFailed(f);
 }
 
 // Where mail `number` (1-based in lstMails) stands in the mailbox.
@@ -109,6 +110,7 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
                        std::string_view body, const ForwardSteps& steps,
                        ForwardScratch& f) {
   WindowApi& api = c.api;
+  f.handed = false;
   // The parser checks numbers against the mailbox; a mailbox that shrank
   // since would leave the job waiting for a mail that never opens.
   if (number < 1 || number > m.mailbox.lstMails.Count()) return false;
@@ -177,6 +179,8 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   else
     ForwardMailNow(c, recipients, forward, body);
 
+  // The mail is the client's now, whatever cuts the wait below short.
+  f.handed = true;
   m.status.Draw(steps.sent);
   // The forward window goes first, the mail's window with or after it. A
   // forward still there long after its clicks had every one of them lost
@@ -203,6 +207,68 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   return true;
 }
 
+std::string RequestersBut(std::string_view requesters,
+                          const std::vector<std::string>& names) {
+  std::string out;
+  std::size_t at = 0;
+  while ((at = requesters.find('(', at)) != std::string_view::npos) {
+    const std::size_t close = requesters.find(')', at + 1);
+    if (close == std::string_view::npos) break;
+    const std::string_view name = requesters.substr(at + 1, close - at - 1);
+    if (std::none_of(names.begin(), names.end(), [&](const std::string& n) {
+          return EqualsIgnoreCase(n, name);
+        }))
+      out.append(requesters.substr(at, close - at + 1));
+    at = close + 1;
+  }
+  return out;
+}
+
+void ForwardFailed(ForwardScratch& f) {
+  f.error = true;
+  ++f.failures;
+}
+
+JobOutcome FailedForwardOutcome(const MailJobContext& m, const ClientContext& c,
+                                const ForwardScratch& f, bool failed) {
+  if (failed && IsDeadMail(m.dead_mails, f.number))
+    return JobOutcome::kDeadMail;
+  if (!IsSignedOn(c.api)) return JobOutcome::kLostWithSignOff;
+  return JobOutcome::kNotSent;
+}
+
+namespace {
+
+// An exit in the middle of a forward unwinds the job: a mail the client
+// had taken by then is logged as sent on the way out.
+class SentIfUnwound {
+ public:
+  SentIfUnwound(const MailJobContext& m, const ForwardScratch& f,
+                const std::string& requesters)
+      : m_(m), f_(f), requesters_(requesters) {}
+  ~SentIfUnwound() {
+    if (std::uncaught_exceptions() <= exceptions_ || !f_.handed) return;
+    try {
+      const std::string received =
+          RequestersBut(requesters_, f_.full_mailboxes);
+      if (!received.empty())
+        Emit(m_.events, JobOutcome::kSent, received, f_.what);
+    } catch (...) {
+      // The log loses the line; the unwinding goes on.
+    }
+  }
+  SentIfUnwound(const SentIfUnwound&) = delete;
+  SentIfUnwound& operator=(const SentIfUnwound&) = delete;
+
+ private:
+  const MailJobContext& m_;
+  const ForwardScratch& f_;
+  const std::string& requesters_;
+  const int exceptions_ = std::uncaught_exceptions();
+};
+
+}  // namespace
+
 void RunMailJob(const MailJobContext& m, const ClientContext& c,
                 ForwardScratch& f) {
   const TakenGroup group = m.pending.TakeNextMail(
@@ -213,12 +279,17 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
   const std::string& number = group.wanted;
   f.sn = sn;
   f.number = number;
+  f.what = "send " + number;
+  f.full_mailboxes.clear();
+  f.handed = false;
   const std::string notify = NotifyText(m, c.host);
+  const int failures = f.failures;
 
   if (IsDeadMail(m.dead_mails, number)) {
     PauseSeconds(c.host, kBeforeLine);
     Say(c, m.ended, DeadMailLine(sn, number));
     PauseSeconds(c.host, kAfterLine);
+    Emit(m.events, JobOutcome::kDeadMail, group.requesters, f.what);
     return;
   }
 
@@ -233,12 +304,28 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
   ForwardSteps steps{"status: opening mail", "status: forwarding mail",
                      "status: sending mail", "status: sent mail",
                      m.settings.MailSpeed};
-  if (!ForwardMailNumber(m, c, position, group.requesters, body, steps, f))
+  const SentIfUnwound on_exit(m, f, group.requesters);
+  if (!ForwardMailNumber(m, c, position, group.requesters, body, steps, f)) {
+    const bool failed = f.failures != failures;
+    if (f.handed && !failed)
+      Emit(m.events, JobOutcome::kSent, group.requesters, f.what);
+    else if (!m.ended)
+      Emit(m.events, FailedForwardOutcome(m, c, f, failed), group.requesters,
+           f.what);
     return;
+  }
 
   ForwardErrorSweep(m, c, f);
   if (m.settings.MailNotify && !f.error)
     Say(c, m.ended, sn + " mail <U>" + number + "</U> " + notify);
+  // Those whose mailbox refused it were logged as they were found.
+  const std::string received =
+      RequestersBut(group.requesters, f.full_mailboxes);
+  if (!m.ended && !received.empty())
+    Emit(m.events,
+         f.failures != failures ? FailedForwardOutcome(m, c, f, true)
+                                : JobOutcome::kSent,
+         received, f.what);
   f.error = false;
   m.status.Draw("status: scanning chat");
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "client/client_context.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "requests/pending_queue.h"
@@ -40,6 +41,8 @@ struct MailJobContext {
   StatusStrip& status;
   std::uint64_t seed;  // of every random choice
   const bool& ended;   // nothing is said once the program has ended
+  // Where finished jobs are reported (the program's log); none: nowhere.
+  const JobEventSink* events = nullptr;
 };
 
 // The word said after a forward: "sent", or a random line of the message
@@ -84,7 +87,18 @@ Hwnd FindForwardWindow(WindowApi& api);
 struct ForwardScratch {
   std::string sn;
   std::string number;
+  std::string what;  // what was asked, as the log names it ("send 5")
   bool error = false;
+  // Counts every failure that sets `error`: a job compares it before and
+  // after its forward, whatever `error` held when it began.
+  int failures = 0;
+  // Whose mailbox refused the forward under way (lower case): not among
+  // those it was sent to.
+  std::vector<std::string> full_mailboxes;
+  // The forward under way was handed to the client (its send clicked): a
+  // sign-off or an exit after that leaves the mail sent, the client's to
+  // deliver.
+  bool handed = false;
   bool in_sweep = false;
 };
 
@@ -99,6 +113,19 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
                        int number, std::string_view recipients,
                        std::string_view body, const ForwardSteps& steps,
                        ForwardScratch& f);
+
+// "(bob)(amy)" without the names listed (case ignored), in the same form.
+std::string RequestersBut(std::string_view requesters,
+                          const std::vector<std::string>& names);
+
+// Marks the forward under way as failed.
+void ForwardFailed(ForwardScratch& f);
+
+// How a forward that did not go ended, for the log: a dead mail (when
+// `failed` and the mail is now known dead), lost with a sign-off, or not
+// sent.
+JobOutcome FailedForwardOutcome(const MailJobContext& m, const ClientContext& c,
+                                const ForwardScratch& f, bool failed);
 
 // Step 8 of the tick: takes the next mail group and, unless it is a list
 // group or nothing, forwards it.

@@ -150,6 +150,8 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
   const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string range = "lists <U>1-" + Str(lists) + "</U>";
+  const int failures = f.failures;
+  f.full_mailboxes.clear();
   if (!s.ListNotify) Say(c, m.ended, range + " are being processed");
 
   const ForwardSteps steps{"status: opening list", "status: clicking forward",
@@ -161,11 +163,16 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
     if (IsDeadMail(m.dead_mails, list.position)) continue;
     f.sn = sn;
     f.number = list.position;
+    f.what = "send list";
     const std::string body =
         ForwardBody(m, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(m, c, static_cast<int>(Val(list.position)),
-                           group.requesters, body, steps, f))
+                           group.requesters, body, steps, f)) {
+      if (!m.ended)
+        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures != failures),
+             group.requesters, "send list");
       return;
+    }
     ForwardErrorSweep(m, c, f);
     if (s.ListNotify && !f.error)
       Say(c, m.ended,
@@ -173,6 +180,11 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
     f.error = false;
   }
   if (!s.ListNotify) Say(c, m.ended, range + " were sent");
+  // Lists that failed on the way (a dead one) leave the others sent.
+  const std::string received =
+      RequestersBut(group.requesters, f.full_mailboxes);
+  if (!m.ended && !received.empty())
+    Emit(m.events, JobOutcome::kListMailed, received, "send list");
   m.status.Draw("status: scanning chat");
 }
 
@@ -204,6 +216,7 @@ void RunFindJob(const MailJobContext& m, const ClientContext& c) {
       FindLines(c, m.mailbox.lstMails, text, s.FindSpeed, &count);
   if (count == 0) {
     Say(c, m.ended, sn + " no results for <U>" + text + "</U> found");
+    Emit(m.events, JobOutcome::kNothingFound, group.requesters, "find " + text);
     m.status.Draw("status: no find found");
     return;
   }
@@ -219,6 +232,8 @@ void RunFindJob(const MailJobContext& m, const ClientContext& c) {
     WriteMailNow(c, group.requesters, subject, body);
   AdvanceServeCounters(m.counters, 1);
   Say(c, m.ended, sn + " results for <U>" + text + "</U> sent");
+  if (!m.ended)
+    Emit(m.events, JobOutcome::kFindMailed, group.requesters, "find " + text);
   m.status.Draw("status: sent find");
 }
 

@@ -96,21 +96,18 @@ void CPURestart(const RestartContext& r, const ClientContext& c) {
   r.profiles.WriteString(r.machine.HostPath(kWinIni), "Windows", "load",
                          std::string(kRestartCopy));
 
-  const std::string copying = "status: copying quorvex(be patient)";
-  r.status.Draw(copying);
-  r.machine.CopyFileBytes(
-      ProgramPath(r.machine), kRestartCopy,
-      [&r, &copying](std::int64_t done, std::int64_t total) {
-        if (total <= 0) return;
-        r.status.Draw(copying + " " + std::to_string(done * 100 / total) + "%");
-      });
+  // The status names the copy without a share: the person is told to be
+  // patient, then that Windows restarts.
+  r.status.Draw("status: copying quorvex(be patient)");
+  r.machine.CopyFileBytes(ProgramPath(r.machine), kRestartCopy, nullptr);
 
   r.status.Draw("status: restarting windows");
   r.machine.Reboot();
 }
 
 StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
-                           Host& host) {
+                           Host& host,
+                           const std::function<void()>& show_splash) {
   const std::string stored = CutProfileValue(profiles.GetString(
       StatePath(machine), kRestartSection, "QuorvexDirectory", ""));
   const bool state = machine.FileExists(kRestartStateFile);
@@ -120,6 +117,7 @@ StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
   }
   if (state && LCase(ProgramPath(machine)) == LCase(stored))
     return StartupKind::kResume;
+  if (show_splash) show_splash();
   PauseSeconds(host, 1);
   return StartupKind::kNormal;
 }

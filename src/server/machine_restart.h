@@ -5,6 +5,7 @@
 // restores it, cleans up, restarts the client and serves again.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -66,7 +67,7 @@ void SaveRestartState(const RestartContext& r);
 void LoadRestartState(const RestartContext& r);
 
 // Stops serving, saves everything, closes the client, registers and writes
-// the restart copy (progress on the status strip) and reboots. Returns
+// the restart copy and reboots. Returns
 // only when the machine does not reboot.
 void CPURestart(const RestartContext& r, const ClientContext& c);
 
@@ -79,8 +80,11 @@ enum class StartupKind {
 // The splash window's load: as z.exe with a saved state it starts the
 // stored program and the caller ends; otherwise the main window follows
 // (at once on a resume, after a second's splash on a normal start).
+// `show_splash`, when set, shows the splash: only on a normal start, once
+// everything the decision reads has been read, right before its second.
 StartupKind frmSplash_Load(Machine& machine, const ProfileFile& profiles,
-                           Host& host);
+                           Host& host,
+                           const std::function<void()>& show_splash = {});
 
 // Whether the main window's load takes the resume branch.
 bool RestartPending(const Machine& machine);

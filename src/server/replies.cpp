@@ -41,6 +41,7 @@ void ThankYouReply(const ReplyContext& r, const ClientContext& c,
   if (r.settings.ScrollMethod) {
     PauseSeconds(c.host, kBeforeLine);
     Say(c, r.ended, "(" + sn + ")" + text);
+    Emit(r.events, JobOutcome::kReplyInRoom, sn, "thanks");
     return;
   }
   std::string body = BannerLine(r.settings) + "quorvex <B><U>thankyou</B></U>" +
@@ -48,6 +49,7 @@ void ThankYouReply(const ReplyContext& r, const ClientContext& c,
   MailReply(r, c, "status: typing your welcome", sn, "quorvex thankyou", body);
   PauseSeconds(c.host, kBeforeLine);
   Say(c, r.ended, "(" + sn + ") thankyou has been sent");
+  Emit(r.events, JobOutcome::kReplyByMail, sn, "thanks");
 }
 
 void StatusReply(const ReplyContext& r, const ClientContext& c,
@@ -68,6 +70,7 @@ void StatusReply(const ReplyContext& r, const ClientContext& c,
     }
     PauseSeconds(c.host, kBeforeLine);
     Say(c, r.ended, "there is <U>" + Str(total) + "</U> total pending");
+    Emit(r.events, JobOutcome::kReplyInRoom, sn, "status");
     return;
   }
   std::string body =
@@ -78,6 +81,7 @@ void StatusReply(const ReplyContext& r, const ClientContext& c,
   MailReply(r, c, "status: typing status", sn, "quorvex status report", body);
   PauseSeconds(c.host, kBeforeLine);
   Say(c, r.ended, "(" + sn + ") status report has been sent");
+  Emit(r.events, JobOutcome::kReplyByMail, sn, "status");
 }
 
 void Advertise(const ReplyContext& r, const ClientContext& c) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "client/client_context.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/prompter.h"
@@ -29,6 +30,8 @@ struct ReplyContext {
   Prompter& prompter;  // who the session mail goes to
   std::uint64_t seed;  // of every random choice
   const bool& ended;   // nothing is said once the program has ended
+  // Where finished jobs are reported (the program's log); none: nowhere.
+  const JobEventSink* events = nullptr;
 };
 
 // Thank-you to `sn`: a random line of the thank-you list ("you are

@@ -71,6 +71,10 @@ void ServeEngine::cmdStart_Click() {
   // A second click while the start is still talking to the client would
   // start the server twice over.
   if (starting_) return;
+  if (!FindFrame(c_.api)) {
+    ctx_.prompter.MsgBox(kNoClientText, kNoClientTitle);
+    return;
+  }
   starting_ = true;
   Start();
   starting_ = false;
@@ -116,6 +120,8 @@ void ServeEngine::Start() {
   ctx_.counters.AOLCount = 0;
   ctx_.counters.CPUCount = 0;
   ctx_.counters.SentCount = 0;
+  Emit(ctx_.events, JobOutcome::kStarted, "",
+       "serving " + std::to_string(ctx_.mailbox.lstMails.Count()) + " mails");
   ctx_.status.Draw("status: scanning chat");
 }
 
@@ -175,6 +181,7 @@ void ServeEngine::Stop() {
   if (ctx_.ServerOn) return;
   SetTimers(false);
   if (ctx_.ended) return;
+  Emit(ctx_.events, JobOutcome::kStopped, "", "serving");
   if (ctx_.settings.MailResize) ForgetMailWindowSizes(c_);
   IMsOn(c_);
   ctx_.status.Draw("status: idle");
@@ -247,15 +254,17 @@ void ServeEngine::ServeSteps() {
   // quota of mails.
   if (!IsSignedOn(c_.api) ||
       (s.AOLRestart >= 2 && n.AOLCount >= s.AOLRestart)) {
-    RestartClient();
+    RestartClient(IsSignedOn(c_.api)
+                      ? "after " + std::to_string(n.AOLCount) + " mails"
+                      : "signed off");
     if (ctx_.ended) return;
   }
   if (s.CPURestart >= 2 && n.CPUCount >= s.CPURestart) {
-    RestartMachine();
+    RestartMachine("after " + std::to_string(n.CPUCount) + " mails");
     return;
   }
   if (s.SentRestart >= 2 && n.SentCount >= s.SentRestart) {
-    ClearSent();
+    ClearSent("after " + std::to_string(n.SentCount) + " mails");
     if (ctx_.ended) return;
   }
   if (jobs_.mail) jobs_.mail();
@@ -284,7 +293,7 @@ void ServeEngine::RememberRoom() {
     ctx_.room_name = GetCaption(c_.api, room);
 }
 
-void ServeEngine::RestartClient() {
+void ServeEngine::RestartClient(const std::string& why) {
   Announce({"quorvex is restarting <B><U>aol</B></U>",
             "please hold requests and be patient"});
   ctx_.status.Draw("status: restarting aol");
@@ -296,22 +305,25 @@ void ServeEngine::RestartClient() {
   ctx_.counters.AOLCount = 0;
   Announce({"quorvex restarted <B><U>aol</B></U>"});
   if (ctx_.ended) return;
+  Emit(ctx_.events, JobOutcome::kClientRestarted, "", why);
   ctx_.Timer2->SetEnabled(true);
   ctx_.status.Draw("status: restarted aol");
   ctx_.status.Draw("status: scanning chat");
 }
 
-void ServeEngine::RestartMachine() {
+void ServeEngine::RestartMachine(const std::string& why) {
   Announce({"quorvex is restarting <B><U>cpu</B></U>",
             "please hold requests and be patient"});
   ctx_.status.Draw("status: restarting cpu");
   RememberRoom();
   ctx_.Timer2->SetEnabled(false);
   if (ctx_.ended) return;
+  // Logged before: the restart ends the program where it stands.
+  Emit(ctx_.events, JobOutcome::kMachineRestarted, "", why);
   if (jobs_.cpu_restart) jobs_.cpu_restart();
 }
 
-void ServeEngine::ClearSent() {
+void ServeEngine::ClearSent(const std::string& why) {
   Host& host = c_.host;
   Announce({"quorvex is deleting <B><U>sent</B></U>", "please be patient"});
   ctx_.status.Draw("status: deleting sent");
@@ -325,6 +337,7 @@ void ServeEngine::ClearSent() {
   }
   Announce({"quorvex deleted <B><U>sent</B></U>"});
   if (ctx_.ended) return;
+  Emit(ctx_.events, JobOutcome::kSentMailDeleted, "", why);
   ctx_.Timer2->SetEnabled(true);
   ctx_.counters.SentCount = 0;
   ctx_.status.Draw("status: deleted sent");

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "client/client_context.h"
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/host.h"
@@ -43,6 +44,8 @@ struct ServeContext {
   std::unique_ptr<HostTimer>& Timer2;
   StatusStrip& status;
   const bool& ended;
+  // Where finished jobs are reported (the program's log); none: nowhere.
+  const JobEventSink* events = nullptr;
 };
 
 // The jobs of a tick, of its reply phase and of the start, as the
@@ -68,6 +71,12 @@ struct ServeJobs {
   std::function<void()> cpu_restart;
 };
 
+// The message a start gives when the client is not running.
+inline constexpr const char* kNoClientTitle = "quorvex";
+inline constexpr const char* kNoClientText =
+    "america online is not running.\r\n\r\nstart america online, sign on "
+    "and enter the chat room you serve, then press start again.";
+
 class ServeEngine {
  public:
   // Creates Timer1 and Timer2 (disabled). What the context and `c` refer
@@ -77,7 +86,9 @@ class ServeEngine {
   ServeEngine(const ServeEngine&) = delete;
   ServeEngine& operator=(const ServeEngine&) = delete;
 
-  // Starts when idle; asks the next tick to stop when serving.
+  // Starts when idle; asks the next tick to stop when serving. With no
+  // client running there is no mailbox to read: the person is told so and
+  // the server stays idle, its queue as it was.
   void cmdStart_Click();
   // Asks the next tick to pause when serving; resumes when paused.
   void cmdPause_Click();
@@ -104,9 +115,10 @@ class ServeEngine {
   void Reply(const std::string& sn, const std::string& kind);
   // The restart checks and the jobs of a serving tick.
   void ServeSteps();
-  void RestartClient();
-  void RestartMachine();
-  void ClearSent();
+  // `why` says, for the log, what called for it.
+  void RestartClient(const std::string& why);
+  void RestartMachine(const std::string& why);
+  void ClearSent(const std::string& why);
   void PrepareClient();
   void RememberRoom();
   // Says each line after a pause, and pauses once more after the last:

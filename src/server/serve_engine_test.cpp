@@ -82,6 +82,32 @@ TEST_F(ServeEngineTest, StartReadsTheMailboxResetsCountersAndAnnounces) {
   EXPECT_EQ(statuses.back(), "status: scanning chat");
 }
 
+// With no client running there is no mailbox to wait for: the person is
+// told, and nothing changes; once the client runs, a start serves.
+TEST_F(ServeEngineTest, AStartWithoutTheClientSaysSoAndStaysIdle) {
+  std::vector<PromptRecord> shown;
+  prompter.SetObserver([&](const PromptRecord& r) { shown.push_back(r); });
+  frm.pending.Append("bob-2");
+  frm.lstMails.Add("as it was");
+  engine.cmdStart_Click();
+  ASSERT_EQ(shown.size(), 1u);
+  EXPECT_EQ(shown[0].kind, "message");
+  EXPECT_EQ(shown[0].title, kNoClientTitle);
+  EXPECT_THAT(shown[0].prompt, HasSubstr("not running"));
+  EXPECT_FALSE(frm.ServerOn);
+  EXPECT_FALSE(TimersOn());
+  EXPECT_EQ(frm.cmdStart.caption(), "&start");
+  EXPECT_THAT(statuses, IsEmpty());
+  EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-2"));
+  EXPECT_THAT(frm.lstMails.Items(), ElementsAre("as it was"));
+
+  sim.Launch();
+  engine.cmdStart_Click();
+  EXPECT_EQ(shown.size(), 1u);
+  EXPECT_TRUE(frm.ServerOn);
+  EXPECT_THAT(frm.lstMails.Items(), ElementsAre("mail 1", "mail 2", "mail 3"));
+}
+
 TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   frm.settings.ListIfNoPending = true;  // the list step runs every tick
   frm.settings.BotScroll = 30000;

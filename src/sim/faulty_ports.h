@@ -126,6 +126,15 @@ class FaultyMachine : public Machine {
                          progress) override {
     return inner_.CopyFileBytes(from, to, progress);
   }
+  // The log's writes pass through without a roll of the dice: a run's
+  // faults, and so its transcript, do not depend on what it logs.
+  bool AppendToFile(std::string_view windows_path,
+                    std::string_view text) override {
+    return inner_.AppendToFile(windows_path, text);
+  }
+  bool MoveFileOver(std::string_view from, std::string_view to) override {
+    return inner_.MoveFileOver(from, to);
+  }
   void RunProgram(std::string_view windows_path) override {
     inner_.RunProgram(windows_path);
   }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/text_util.h"
+#include "sim/replace_file.h"
 
 namespace quorvex {
 
@@ -124,6 +125,22 @@ std::int64_t FolderMachine::FileLength(std::string_view windows_path) const {
   if (!fs::is_regular_file(p, ec)) return -1;
   auto size = fs::file_size(p, ec);
   return ec ? -1 : static_cast<std::int64_t>(size);
+}
+
+bool FolderMachine::AppendToFile(std::string_view windows_path,
+                                 std::string_view text) {
+  if (windows_path.empty()) return false;
+  std::string error;
+  return AppendFileContents(Resolve(windows_path), text, &error);
+}
+
+bool FolderMachine::MoveFileOver(std::string_view from, std::string_view to) {
+  if (from.empty() || to.empty()) return false;
+  std::error_code ec;
+  const fs::path source = Resolve(from);
+  if (!fs::is_regular_file(source, ec)) return false;
+  std::string error;
+  return quorvex::MoveFileOver(source, Resolve(to), &error);
 }
 
 bool FolderMachine::CopyFileBytes(

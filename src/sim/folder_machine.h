@@ -56,6 +56,12 @@ class FolderMachine : public Machine {
       std::string_view from, std::string_view to,
       const std::function<void(std::int64_t, std::int64_t)>& progress) override;
 
+  // Through the same durable writes as the profile files and the registry
+  // (sim/replace_file.h); missing folders are created.
+  bool AppendToFile(std::string_view windows_path,
+                    std::string_view text) override;
+  bool MoveFileOver(std::string_view from, std::string_view to) override;
+
   void RunProgram(std::string_view windows_path) override;
   void Reboot() override;
 

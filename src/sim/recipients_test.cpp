@@ -28,6 +28,22 @@ TEST(RecipientsTest, CommasSeparateAndParenthesesMakeBlindCopies) {
   EXPECT_EQ(ScreenNameKey("Joe Smith"), ScreenNameKey("joesmith"));
 }
 
+TEST(RichTextTest, ChatIsShownWithItsTagsRendered) {
+  EXPECT_EQ(RenderedChat("Host:<font color=#003377 face=\"tahoma\">"
+                         "\xC2\xB7\xE2\x80\xA2[dave list <U>1</U> sent]"
+                         "\xE2\x80\xA2\xC2\xB7"),
+            "Host:\xC2\xB7\xE2\x80\xA2[dave list 1 sent]\xE2\x80\xA2\xC2\xB7");
+  EXPECT_EQ(RenderedChat("<B><U>12</B></U> mails sent"), "12 mails sent");
+  // What opens no tag is text: a "<" before a digit, a blank or the end,
+  // an entity, a tag never closed.
+  EXPECT_EQ(RenderedChat("i <3 it, a < b & c &amp; d <"),
+            "i <3 it, a < b & c &amp; d <");
+  EXPECT_EQ(RenderedChat("</"), "</");
+  EXPECT_EQ(RenderedChat("x <b never closed"), "x <b never closed");
+  EXPECT_EQ(RenderedChat("<i>a</i>>"), "a>");
+  EXPECT_EQ(RenderedChat(""), "");
+}
+
 TEST(RichTextTest, LineMessagesOnOneAndSeveralLines) {
   // One line: line 1 does not exist, so a reader of line 1 gets nothing.
   EXPECT_EQ(RichLineIndex("hello", 1), -1);

@@ -15,6 +15,18 @@ namespace quorvex {
 bool ReplaceFileContents(const std::filesystem::path& path,
                          std::string_view contents, std::string* error);
 
+// Appends `text` to the file (created, with missing folders, when
+// absent) and flushes it to disk, and the folder too when the file is new.
+// False, with the reason in `error`, when it could not be written whole.
+bool AppendFileContents(const std::filesystem::path& path,
+                        std::string_view text, std::string* error);
+
+// Renames `from` over `to` (replacing it whole) and flushes the folder, as
+// ReplaceFileContents does its temporary file. False, with the reason in
+// `error`, when the rename failed: both files are then as they were.
+bool MoveFileOver(const std::filesystem::path& from,
+                  const std::filesystem::path& to, std::string* error);
+
 // The temporary file ReplaceFileContents uses for `path`.
 std::filesystem::path ReplacementPath(const std::filesystem::path& path);
 

@@ -44,4 +44,26 @@ std::string RichGetLine(std::string_view text, long line,
   return std::string(lines[line].text.substr(0, max_chars));
 }
 
+std::string RenderedChat(std::string_view typed) {
+  auto letter = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  };
+  std::string shown;
+  std::size_t i = 0;
+  while (i < typed.size()) {
+    const std::size_t name =
+        i + 1 < typed.size() && typed[i + 1] == '/' ? i + 2 : i + 1;
+    const std::size_t end =
+        typed[i] == '<' && name < typed.size() && letter(typed[name])
+            ? typed.find('>', name)
+            : std::string_view::npos;
+    if (end == std::string_view::npos) {
+      shown += typed[i++];
+    } else {
+      i = end + 1;
+    }
+  }
+  return shown;
+}
+
 }  // namespace quorvex

@@ -16,6 +16,12 @@ struct TextLine {
 
 std::vector<TextLine> SplitTextLines(std::string_view text);
 
+// A chat line as the client's display shows it: its mark-up tags ("<B>",
+// "</U>", "<font color=#003377 face=\"tahoma\">") rendered away, every
+// other character kept as typed (entities, decorations, a "<" that opens
+// no tag, a tag left open at the end).
+std::string RenderedChat(std::string_view typed);
+
 // EM_LINEINDEX: the first character of line `line` (-1: the caret's line,
 // which is the last), or -1 when there is no such line.
 long RichLineIndex(std::string_view text, long line);

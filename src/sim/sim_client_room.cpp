@@ -5,6 +5,7 @@
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 #include "sim/recipients.h"
+#include "sim/rich_text.h"
 #include "sim/sim_client.h"
 
 namespace quorvex {
@@ -116,7 +117,9 @@ void SimClient::Say(std::string_view name, std::string_view text) {
 }
 
 void SimClient::AppendChatLine(const std::string& sn, const std::string& text) {
-  display_lines_.push_back(sn + ":\t" + text);
+  // The display holds the line as a person reads it; observers hear it as
+  // it was typed.
+  display_lines_.push_back(sn + ":\t" + RenderedChat(text));
   while (static_cast<int>(display_lines_.size()) >
          std::max(knobs_.display_lines, 1))
     display_lines_.pop_front();

@@ -49,8 +49,11 @@ TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
   PostKey(api_, Input(), win::kVkReturn);
   rig_.Run(0.01);
   api_.SendMessageA(Input(), win::kWmChar, 13, 0);
+  // The display renders the tags; the room heard the line as typed.
   EXPECT_EQ(GetText(api_, Display()),
-            "Host:\thello all\r\nHost:\t<b>two</b>\r\nHost:\tthree");
+            "Host:\thello all\r\nHost:\ttwo\r\nHost:\tthree");
+  ASSERT_EQ(rig_.events.chats.size(), 3u);
+  EXPECT_EQ(rig_.events.chats[1].text, "<b>two</b>");
 
   // The hidden input still takes typing.
   api_.ShowWindow(Input(), win::kSwHide);

@@ -244,6 +244,7 @@ bool Win32Host::PumpMessages() {
       exit_code_ = static_cast<int>(msg.wParam);
       continue;
     }
+    if (filter_ && filter_(&msg)) continue;
     ::TranslateMessage(&msg);
     ::DispatchMessageW(&msg);
     RethrowPending();

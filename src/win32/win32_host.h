@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "ports/host.h"
@@ -60,6 +61,12 @@ class Win32Host : public Host {
   // while nothing is due. Returns the exit code.
   int Run();
   void Quit(int exit_code = 0);
+  // Sees each message the loop takes (a MSG*) before it is dispatched;
+  // when it returns true the message is done with (the keyboard of the
+  // program's windows: Tab, Return, Escape, Alt+letter).
+  void SetMessageFilter(std::function<bool(void* msg)> filter) {
+    filter_ = std::move(filter);
+  }
   bool quitting() const { return quit_; }
 
  private:
@@ -87,6 +94,7 @@ class Win32Host : public Host {
   // message dispatch ran it.
   void RethrowPending();
 
+  std::function<bool(void*)> filter_;
   std::int64_t freq_ = 1;
   std::int64_t start_count_ = 0;
   double start_clock_ = 0;  // seconds since midnight at start

@@ -122,6 +122,28 @@ bool Win32Machine::CopyFileBytes(
   return true;
 }
 
+bool Win32Machine::AppendToFile(std::string_view windows_path,
+                                std::string_view text) {
+  File out(::CreateFileW(W(windows_path).c_str(), FILE_APPEND_DATA,
+                         FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                         FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!out.ok()) return false;
+  while (!text.empty()) {
+    const DWORD chunk = static_cast<DWORD>(
+        std::min<std::size_t>(text.size(), std::size_t{1} << 30));
+    DWORD put = 0;
+    if (!::WriteFile(out.h, text.data(), chunk, &put, nullptr) || put == 0)
+      return false;
+    text.remove_prefix(put);
+  }
+  return ::FlushFileBuffers(out.h) != 0;
+}
+
+bool Win32Machine::MoveFileOver(std::string_view from, std::string_view to) {
+  return ::MoveFileExW(W(from).c_str(), W(to).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
 void Win32Machine::RunProgram(std::string_view windows_path) {
   std::wstring command = L"\"" + W(windows_path) + L"\"";
   STARTUPINFOW si{};

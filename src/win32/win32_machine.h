@@ -35,6 +35,11 @@ class Win32Machine : public Machine {
   bool CopyFileBytes(
       std::string_view from, std::string_view to,
       const std::function<void(std::int64_t, std::int64_t)>& progress) override;
+  // Appended with FILE_APPEND_DATA and flushed (FlushFileBuffers); the
+  // move is MoveFileEx with MOVEFILE_WRITE_THROUGH, replacing the target.
+  bool AppendToFile(std::string_view windows_path,
+                    std::string_view text) override;
+  bool MoveFileOver(std::string_view from, std::string_view to) override;
   void RunProgram(std::string_view windows_path) override;
   // ExitWindowsEx(EWX_REBOOT) after taking the shutdown privilege, which
   // later Windows versions require.

@@ -125,6 +125,11 @@ run_plain() {
     fail "no Quorvex.INI beside the installed program"
   grep -q 'ann-1' "$inst/Quorvex.INI" 2>/dev/null ||
     fail "the queue was not written back to Quorvex.INI"
+  # Its log beside the queue: the start and the exit of this run.
+  tail -n 2 "$inst/Quorvex.log" 2>/dev/null | grep -q $'\tstarted\t-\tprogram' ||
+    fail "no start in Quorvex.log beside the installed program"
+  tail -n 1 "$inst/Quorvex.log" 2>/dev/null | grep -q $'\tstopped\t-\tprogram' ||
+    fail "no exit in Quorvex.log beside the installed program"
   has_key "$settings_key" || fail "no settings in the registry"
 }
 step "the program from its entry, without the client"
@@ -141,8 +146,9 @@ wait_for 10 gone "$menu" || fail "the Start-menu folder is still there"
 for f in quorvex.exe README.txt; do
   [[ ! -e $inst/$f ]] || fail "$f is still there"
 done
-kept=$(cd "$inst" 2>/dev/null && ls -A)
-[[ $kept == Quorvex.INI ]] || fail "the folder holds \"$kept\", not only Quorvex.INI"
+kept=$(cd "$inst" 2>/dev/null && ls -A | tr '\n' ' ')
+[[ $kept == "Quorvex.INI Quorvex.log " ]] ||
+  fail "the folder holds \"$kept\", not only Quorvex.INI and Quorvex.log"
 has_key "$settings_key" || fail "the settings were removed, not kept"
 [[ -d $simulate ]] || fail "the simulated room's folder was removed, not kept"
 

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <tuple>
 
+#include "app/job_log.h"
 #include "model/text_util.h"
 
 namespace quorvex::soak {
@@ -110,7 +111,7 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
 
 std::vector<std::string> CheckRun(const sim::Scenario& sc,
                                   const std::string& transcript,
-                                  RunFigures* fig) {
+                                  RunFigures* fig, const std::string* log) {
   std::vector<std::string> bad;
   const std::string user = LCase(sc.user);
   const int mails = static_cast<int>(sc.mails.size());
@@ -147,6 +148,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   }
 
   std::map<std::pair<std::string, int>, int> accepted;
+  // Every mail entry the list held, restored ones included, and the mails
+  // the room or the status strip was told are dead.
+  std::set<std::pair<std::string, int>> listed;
+  std::set<int> told_dead;
+  static const std::regex kToldDead(
+      "mail (?:<U>)?([0-9]+)(?:</U>)? is a dead mail");
   std::map<std::pair<std::string, int>, double> last_taken;
   std::map<std::pair<std::string, int>, std::vector<double>> removed_at;
   std::set<std::string> asked;  // anyone with a request or reply order
@@ -205,6 +212,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       on = false;
       if (ends_and_starts[next_end_or_start].second) paused = false;
       serving_now(ends_and_starts[next_end_or_start].first);
+    }
+    if (ev == "chat" || ev == "status") {
+      std::smatch match;
+      const std::string said = e.value("text", "");
+      if (std::regex_search(said, match, kToldDead) && match[1].length() < 7)
+        told_dead.insert(std::stoi(match[1]));
     }
     if (ev == "final") {
       final_state = e;
@@ -288,6 +301,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       if (op == "add" && sep != std::string::npos)
         asked.insert(item.substr(0, sep));
       const auto entry = MailEntry(item);
+      // The list mails made at a start stand behind the scenario's own.
+      if (op == "add") listed.insert(entry);
       if (entry.second <= 0 || entry.second > mails) continue;
       // Entries restored by a start come back at the moment of the start.
       if (op == "add") ++live[entry];
@@ -499,6 +514,66 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     bad.push_back(who + ": asked " + std::to_string(asked_n) +
                   " times, delivered " + std::to_string(got) + ", pending " +
                   std::to_string(still) + ", and no reason why");
+  }
+
+  if (log) {
+    // The log's lines: who was logged with each outcome, by (requester,
+    // what) and by requester alone.
+    std::set<std::tuple<std::string, std::string, std::string>> logged;
+    std::set<std::pair<std::string, std::string>> logged_names;
+    std::istringstream lines(*log);
+    for (std::string text; std::getline(lines, text);) {
+      const std::optional<LogLine> l = ParseLogLine(text);
+      if (!l) {
+        bad.push_back("log: unreadable line: " + text.substr(0, 80));
+        continue;
+      }
+      ++fig->log_lines;
+      int n = 0;
+      if (l->what.rfind("send ", 0) == 0) n = SendNumber("/srv " + l->what);
+      for (const std::string& who : l->requesters) {
+        const std::string sn = LCase(who);
+        logged.insert({l->outcome, sn, l->what});
+        logged_names.insert({l->outcome, NoSpaces(sn)});
+        const std::string line =
+            "log: " + l->outcome + " " + sn + " " + l->what;
+        if (l->outcome == "sent" && n > 0 && !listed.count({sn, n}))
+          bad.push_back(line + ", which " + sn + " never asked for");
+        // Dead: one of the room's dead mails, or one the program said was,
+        // or one it gave up on after taking the request (its window never
+        // came).
+        if (l->outcome == "dead mail" && n > 0 && !dead.count(n) &&
+            !told_dead.count(n) &&
+            !(removed_at.count({sn, n}) && !delivered.count({sn, n})))
+          bad.push_back(line + ", but mail " + std::to_string(n) +
+                        " is not dead, was never said to be, and was not "
+                        "given up");
+        if (l->outcome == "full mailbox" && !full.count(sn))
+          bad.push_back(line + ", but that mailbox is not full");
+      }
+    }
+    for (const auto& [entry, asked_n] : accepted) {
+      const auto& [sn, n] = entry;
+      const std::string what = "send " + std::to_string(n);
+      if (delivered.count(entry)) {
+        // Or the program took it for dead, and said so: an error box that
+        // came during its forward is taken to be about it.
+        if (logged.count({"sent", sn, what}) ||
+            logged.count({"dead mail", sn, what}))
+          ++fig->log_matched;
+        else
+          bad.push_back("log: " + sn + " received mail " + std::to_string(n) +
+                        ", and no line says it was sent");
+      }
+      if (by_ban(entry) > 0) {
+        if (logged_names.count({"banned", NoSpaces(sn)}))
+          ++fig->log_matched;
+        else
+          bad.push_back(
+              "log: " + sn + "'s request for mail " + std::to_string(n) +
+              " was removed by a ban, and no line says " + sn + " was banned");
+      }
+    }
   }
 
   // A list restored at the start ends with a line the file holds, and its

@@ -21,7 +21,16 @@
 //    lines restored;
 //  - a request said while a start reads the mailbox again is judged as a
 //    moment before: each of "early" + n's requests is accepted, unless the
-//    client had signed off shortly before.
+//    client had signed off shortly before;
+//  - the program's log (Quorvex.log) and the accounting agree: every mail
+//    a requester received has a "sent" line naming them and the mail, every
+//    request removed by a ban a "banned" line naming the requester; and
+//    what the log says happened did: a mail logged sent was asked for by
+//    each it names, each dead mail is the room's, or was said to be, or
+//    was given up by the program after it took the request; a full
+//    mailbox is one of the room's full ones. (A mail received may be logged
+//    dead instead of sent when the program took an error box during its forward
+//    for one about it, and told the room so.)
 #pragma once
 
 #include <map>
@@ -47,6 +56,8 @@ struct RunFigures {
   double flood_wait_max = 0;  // the longest of their waits, in seconds
   int early_requests = 0;     // requests said during a start, checked
   int restored_lines = 0;     // queue and banned lines restored from files
+  int log_lines = 0;          // lines of the log checked
+  int log_matched = 0;        // accounted requests found in the log
 };
 
 // The longest a request of someone who does not flood may wait for its
@@ -56,9 +67,11 @@ struct RunFigures {
 double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart);
 
-// The violations found (empty: the run is clean).
+// The violations found (empty: the run is clean). `log`, when given, is
+// the text of the run's Quorvex.log files, older lines first.
 std::vector<std::string> CheckRun(const sim::Scenario& scenario,
                                   const std::string& transcript_jsonl,
-                                  RunFigures* figures);
+                                  RunFigures* figures,
+                                  const std::string* log = nullptr);
 
 }  // namespace quorvex::soak

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "app/job_log.h"
+
 namespace quorvex::soak {
 namespace {
 
@@ -45,11 +47,17 @@ class InvariantsTest : public ::testing::Test {
                   R"("}},"files":{},"mailboxes":{)" + boxes + "}" +
                   (waiting.empty() ? "" : R"(,"waiting":)" + waiting));
     figures = {};
-    return CheckRun(sc, text, &figures);
+    return CheckRun(sc, text, &figures, log.empty() ? nullptr : &log);
+  }
+  // A line of the program's log, as it writes them.
+  void Log(JobOutcome outcome, const std::string& who,
+           const std::string& what) {
+    log += FormatLogLine(CivilTime{}, {outcome, who, what});
   }
 
   sim::Scenario sc;
   std::string text;
+  std::string log;  // none: the log is not checked
   RunFigures figures;
 };
 
@@ -343,6 +351,64 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
             "early3-3: asked for while a start read the mailbox, "
             "refused");
   EXPECT_EQ(figures.early_requests, 3);
+}
+
+}  // namespace
+}  // namespace quorvex::soak
+
+namespace quorvex::soak {
+namespace {
+
+// bob received mail 1; amy's request for it left with her ban.
+class LogAgreementTest : public InvariantsTest {
+ protected:
+  LogAgreementTest() {
+    Add(1, "bob-1");
+    Add(1, "amy-1");
+    Remove(2, "bob-1");
+    Line(3, R"("ev":"list","name":"lstBanned","op":"add","item":"amy")");
+    Remove(3, "amy-1");
+  }
+  std::vector<std::string> CheckWith() {
+    return Check({{"bob", 1}}, "[]", "sent: 1", "1");
+  }
+};
+
+TEST_F(LogAgreementTest, DeliveriesAndBansAreLoggedWithTheSameOutcome) {
+  Log(JobOutcome::kStarted, "", "program");
+  Log(JobOutcome::kSent, "(bob)", "send 1");
+  Log(JobOutcome::kBanned, "amy", "by the user");
+  EXPECT_TRUE(CheckWith().empty()) << testing::PrintToString(CheckWith());
+  EXPECT_EQ(figures.log_lines, 3);
+  EXPECT_EQ(figures.log_matched, 2);
+}
+
+TEST_F(LogAgreementTest, ALineMissingOrWithAnotherOutcomeIsAViolation) {
+  // bob's mail logged lost, and amy's ban not at all.
+  Log(JobOutcome::kLostWithSignOff, "(bob)", "send 1");
+  Log(JobOutcome::kBanned, "bo", "by the user");
+  const auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("no line says amy was banned"), std::string::npos);
+  EXPECT_NE(bad[1].find("bob received mail 1, and no line says it was sent"),
+            std::string::npos);
+}
+
+TEST_F(LogAgreementTest, WhatTheLogClaimsMustHaveHappened) {
+  Log(JobOutcome::kSent, "(bob)", "send 1");
+  Log(JobOutcome::kBanned, "amy", "too many mistakes");
+  Log(JobOutcome::kSent, "(zed)", "send 2");       // zed asked for nothing
+  Log(JobOutcome::kDeadMail, "(bob)", "send 1");   // mail 1 is not dead
+  Log(JobOutcome::kFullMailbox, "bob", "send 1");  // bob's mailbox is not
+  log += "half a line\r\n";
+  const auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 4u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("sent zed send 2, which zed never asked for"),
+            std::string::npos);
+  EXPECT_NE(bad[1].find("mail 1 is not dead, was never said to be"),
+            std::string::npos);
+  EXPECT_NE(bad[2].find("that mailbox is not full"), std::string::npos);
+  EXPECT_NE(bad[3].find("unreadable line: half a line"), std::string::npos);
 }
 
 }  // namespace

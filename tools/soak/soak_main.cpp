@@ -12,11 +12,37 @@
 #include <random>
 #include <sstream>
 
+#include "app/job_log.h"
 #include "invariants.h"
 #include "ports/virtual_host.h"
 #include "sim/runner.h"
 #include "sim/scenario.h"
 #include "soak_room.h"
+
+namespace {
+
+// The text of every Quorvex.log under the run's folder, each folder's
+// older file first (a restart may run the program from another folder).
+std::string ReadLogs(const std::filesystem::path& root) {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> logs;
+  std::error_code ec;
+  for (auto it = fs::recursive_directory_iterator(root, ec);
+       !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
+    if (it->path().filename() == quorvex::kLogName) logs.push_back(it->path());
+  std::sort(logs.begin(), logs.end());
+  std::string text;
+  for (const fs::path& log : logs)
+    for (fs::path file :
+         {fs::path(log.string() + quorvex::kOldLogSuffix), log}) {
+      std::ifstream in(file, std::ios::binary);
+      text.append(std::istreambuf_iterator<char>(in),
+                  std::istreambuf_iterator<char>());
+    }
+  return text;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   using namespace quorvex;
@@ -75,7 +101,8 @@ int main(int argc, char** argv) {
   int failed = 0;
   std::int64_t accepted = 0, delivered = 0, excused = 0, still_pending = 0,
                waiting = 0, deleted_waiting = 0, banned = 0, flood_asks = 0,
-               early_requests = 0, restored_lines = 0;
+               early_requests = 0, restored_lines = 0, log_lines = 0,
+               log_matched = 0;
   double flood_wait_max = 0;
   std::map<std::string, int> faults, endings;
   // The client's faults, drawn into the rooms rather than logged as they
@@ -108,8 +135,9 @@ int main(int argc, char** argv) {
       options.root = (work / std::to_string(seed)).string();
       std::filesystem::remove_all(options.root);
       sim::RunScenario(sc, options, transcript);
+      const std::string log = ReadLogs(options.root);
       std::filesystem::remove_all(options.root);
-      bad = soak::CheckRun(sc, transcript.str(), &fig);
+      bad = soak::CheckRun(sc, transcript.str(), &fig, &log);
     } catch (const std::exception& e) {
       bad.push_back(std::string("the run did not end normally: ") + e.what());
     }
@@ -122,6 +150,7 @@ int main(int argc, char** argv) {
     flood_wait_max = std::max(flood_wait_max, fig.flood_wait_max);
     early_requests += fig.early_requests;
     restored_lines += fig.restored_lines;
+    log_lines += fig.log_lines, log_matched += fig.log_matched;
     for (const auto& [kind, n] : fig.faults) faults[kind] += n;
     for (const auto& [why, n] : fig.endings) endings[why] += n;
     if ((i + 1) % 50 == 0)
@@ -172,6 +201,8 @@ int main(int argc, char** argv) {
             << flood_wait_max << " s; " << early_requests
             << " requests said during a start; " << restored_lines
             << " lines restored from damaged files";
+  std::cout << "\n  log: " << log_lines << " lines read, " << log_matched
+            << " deliveries and bans found in it as accounted";
   std::cout << "\n  faults injected: " << injected;
   for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
   std::cout << "\n  client faults drawn:";

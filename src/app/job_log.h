@@ -1,0 +1,72 @@
+// Quorvex.log, beside Quorvex.INI: one line per finished job or event, for
+// the person who reads the next morning what happened overnight.
+//
+// A line is the local time, the outcome, the requesters and what was
+// asked, separated by tabs, ending in CR LF:
+//
+//   2026-11-25 04:18:18<TAB>sent<TAB>bob, amy<TAB>send 5
+//
+// Nobody is written "-", and so is nothing asked. Each line is appended and
+// flushed to disk at once; a line that would take the file past the limit
+// first renames it to Quorvex.log.1 (replacing the older one) in one step,
+// so the two files together never hold more than twice the limit. A write
+// that fails is counted and dropped: the program serves on.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/job_event.h"
+#include "ports/host.h"
+#include "ports/machine.h"
+
+namespace quorvex {
+
+inline constexpr const char* kLogName = "Quorvex.log";
+inline constexpr const char* kOldLogSuffix = ".1";
+
+// The word an outcome is written as ("sent", "dead mail", ...).
+const char* OutcomeWord(JobOutcome outcome);
+
+// The line for an event at `when`, CR LF included. Tabs and line breaks in
+// a name or in what was asked are written as blanks.
+std::string FormatLogLine(const CivilTime& when, const JobEvent& event);
+
+// A line read back (its CR LF, or what is left of it, ignored): the fields as
+// written, the requesters one by one (none for "-").
+struct LogLine {
+  std::string time;
+  std::string outcome;
+  std::vector<std::string> requesters;
+  std::string what;
+};
+std::optional<LogLine> ParseLogLine(std::string_view line);
+
+class JobLog {
+ public:
+  static constexpr std::int64_t kDefaultLimit = std::int64_t{1} << 20;
+
+  // The log lives in the program's folder as `machine` names it when a
+  // line is written (a restart copy runs from elsewhere).
+  JobLog(Machine& machine, const Host& host,
+         std::int64_t limit = kDefaultLimit);
+
+  // Writes the event's line; false, and counted, when it could not be.
+  bool Write(const JobEvent& event);
+
+  // The Windows path of the log and of the older one.
+  std::string Path() const;
+  std::string OldPath() const;
+  int failures() const { return failures_; }
+
+ private:
+  Machine& machine_;
+  const Host& host_;
+  std::int64_t limit_;
+  int failures_ = 0;
+};
+
+}  // namespace quorvex

@@ -1,0 +1,153 @@
+// Quorvex.log end to end: a room served through the simulated client, and
+// the lines the program wrote beside its queue file.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/job_log.h"
+#include "sim/folder_machine.h"
+#include "sim/runner.h"
+#include "sim/scenario.h"
+
+namespace quorvex::sim {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The log's lines (outcome, requesters, what) after running `text` in a
+// folder of its own; each line's time as written is checked on the way.
+std::vector<std::string> RunAndReadLog(const std::string& text) {
+  const fs::path root =
+      fs::temp_directory_path() /
+      ("qv_log_e2e_" + std::to_string(std::random_device{}()));
+  RunOptions options;
+  options.root = root.string();
+  std::ostringstream transcript;
+  RunScenario(ParseScenario("log.scn", text, Controls()), options, transcript);
+  const FolderMachine machine(root);
+  // Read whole and closed before the folder goes (Windows removes no file
+  // that is open).
+  std::istringstream in([&] {
+    std::ifstream file(
+        machine.HostPath("C:\\Program Files\\Quorvex\\Quorvex.log"),
+        std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file),
+                       std::istreambuf_iterator<char>());
+  }());
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) {
+    EXPECT_EQ(line.back(), '\r');
+    const auto l = ParseLogLine(line);
+    if (!l) {
+      ADD_FAILURE() << "unreadable: " << line;
+      continue;
+    }
+    EXPECT_EQ(l->time.substr(0, 11), "2004-05-01 ") << line;
+    std::string names;
+    for (const std::string& n : l->requesters)
+      names += (names.empty() ? "" : ",") + n;
+    lines.push_back(l->outcome + "|" + names + "|" + l->what);
+  }
+  std::error_code ec;
+  fs::remove_all(root, ec);
+  return lines;
+}
+
+TEST(QuorvexLogTest, NamesWhoAskedWhatAndHowEachJobEnded) {
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person amy
+person dan
+person eve
+mails 10 song
+dead-mail 7
+at 0.5 answer yes
+at 1 press cmdStart
+at 30 say bob: /host send 2
+at 30.1 say amy: /host send 2
+at 31 say dan: /host send 7
+at 32 say amy: /host send list
+at 33 say eve: /host send 9
+at 33.5 press lstBanned 2
+at 34 select frmRoom.lstRoom "eve"
+at 34 press frmRoom.lstRoom
+at 34.5 press frmRoom.lblExit
+at 120 signoff
+at 200 say bob: /host send 4
+at 240 say amy: /host thanks
+at 300 press cmdStart
+run 330
+)");
+  // Every line, in order: eve's request left with her ban, so nothing
+  // else names her.
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 11 mails",
+                     "sent|bob|send 2",
+                     "sent|amy|send 2",
+                     "banned|eve|by the user",
+                     "dead mail|dan|send 7",
+                     "list mailed|amy|send list",
+                     "client restarted||signed off",
+                     "sent|bob|send 4",
+                     "reply in the room|amy|thanks",
+                     "stopped||serving",
+                 }));
+}
+
+TEST(QuorvexLogTest, AClientTheRoomBusterRestartsIsLogged) {
+  // Not serving: the member busts a room while the client is signed off.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person Ann
+room-full Private Room 2
+at 1 press mnuRoomBuster
+at 1 set frmRoomBuster.txtRoom = Private Room
+at 2 signoff
+at 3 press frmRoomBuster.cmdStart
+run 60
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{"started||program",
+                                           "client restarted||room buster"}));
+}
+
+TEST(QuorvexLogTest, AFullMailboxIsLoggedApartFromTheOthersOfItsForward) {
+  // bob and cal ask for mail 3 before the start: one forward to both,
+  // which cal's full mailbox refuses.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person cal
+mails 10 song
+full-mailbox cal
+at 0.2 say bob: /host send 3
+at 0.3 say cal: /host send 3
+at 0.4 say bob: /host find song 1
+at 0.5 answer yes
+at 1 press cmdStart
+run 60
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 11 mails",
+                     "full mailbox|cal|send 3",
+                     "sent|bob|send 3",
+                     "find mailed|bob|find song 1",
+                 }));
+}
+
+}  // namespace
+}  // namespace quorvex::sim
