@@ -111,7 +111,8 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
 
 std::vector<std::string> CheckRun(const sim::Scenario& sc,
                                   const std::string& transcript,
-                                  RunFigures* fig, const std::string* log) {
+                                  RunFigures* fig, const std::string* log,
+                                  double heard_within) {
   std::vector<std::string> bad;
   const std::string user = LCase(sc.user);
   const int mails = static_cast<int>(sc.mails.size());
@@ -618,7 +619,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     const auto it = added_at.find(LCase(l.name) + "-" + std::to_string(n));
     if (it != added_at.end())
       for (double a : it->second)
-        if (a >= l.at && a - l.at <= 2) taken = true;
+        if (a >= l.at && a - l.at <= heard_within) taken = true;
     if (!taken)
       bad.push_back(LCase(l.name) + "-" + std::to_string(n) +
                     ": asked for while a start read the mailbox, refused");

@@ -68,10 +68,14 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart);
 
 // The violations found (empty: the run is clean). `log`, when given, is
-// the text of the run's Quorvex.log files, older lines first.
+// the text of the run's Quorvex.log files, older lines first. A request
+// said while a start read the mailbox must be queued within `heard_within`
+// seconds of the program's clock (a run through the real windows reads
+// the room more slowly than the simulator).
 std::vector<std::string> CheckRun(const sim::Scenario& scenario,
                                   const std::string& transcript_jsonl,
                                   RunFigures* figures,
-                                  const std::string* log = nullptr);
+                                  const std::string* log = nullptr,
+                                  double heard_within = 2);
 
 }  // namespace quorvex::soak
