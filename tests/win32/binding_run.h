@@ -33,9 +33,10 @@ struct BindingOptions {
   // the program's status strip and the client's events so far (for a
   // watch on a long run).
   std::function<void(double t, const std::string& status)> progress;
-  // Asked about once a second of the wall clock, once every timed
-  // line has run, with the transcript as it stands: true ends the run
-  // there, as its `run T` would.
+  // Asked about once a second of the wall clock (less often when the
+  // question is slow to answer), once every timed line has run, with the
+  // transcript as it stands: true ends the run there, as its `run T`
+  // would.
   std::function<bool(const std::string& transcript)> done;
   // Timed lines that follow the program, by their place in the
   // scenario's timeline: such a line runs once the status strip has shown

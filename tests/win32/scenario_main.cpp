@@ -20,18 +20,18 @@
 //                         [--transcript FILE (the binding's, written)]
 //                         [--watch S (waits woken by the client's windows
 //                         changing, polling every S s; 0: every 10 ms)]
-//                         [--anchor-exits] [--throughput]
+//                         [--anchor] [--throughput]
 //
 // Both runs end S seconds after the last timed line, past the file's end
 // if need be; without --settle, 20 s after it or where the file ends them
 // if sooner. The binding's run ends sooner when it stands where the
 // simulator's ended. The clocks run F times the wall clock. With
-// --anchor-exits, an exit the file times to land inside a job lands
-// there in both runs: the binding's comes when its status strip stands
-// where the simulator's stood at that moment (the same text, shown as
-// often), sooner or later than the line's time. With --throughput (a
-// flood, where how many mails go out is the machine's speed) mailboxes
-// are compared as sets and a client restart's lines are left out.
+// --anchor, an exit, a sign-off or a kill the file times to land inside
+// a job lands there in both runs: the binding's comes when its status
+// strip stands where the simulator's stood at that moment (the same
+// text, shown as often), sooner or later than the line's time. With
+// --throughput (a flood, where how many mails go out is the machine's speed)
+// mailboxes are compared as sets and a client restart's lines are left out.
 #include <windows.h>
 
 #include <algorithm>
@@ -176,9 +176,10 @@ json Summary(const std::string& transcript, const std::string& user,
           {"lists", lists}};
 }
 
-// Where the simulator's run stood when each of the timeline's exits came:
-// the status strip's text then, and how often it had shown it.
-std::map<std::size_t, test::BindingOptions::Anchor> ExitAnchors(
+// Where the simulator's run stood when each of the timeline's exits,
+// sign-offs and kills came: the status strip's text then, and how often
+// it had shown it.
+std::map<std::size_t, test::BindingOptions::Anchor> Anchors(
     const sim::Scenario& sc, const std::string& transcript) {
   std::vector<std::pair<double, std::string>> statuses;
   std::istringstream in(transcript);
@@ -190,7 +191,8 @@ std::map<std::size_t, test::BindingOptions::Anchor> ExitAnchors(
   std::map<std::size_t, test::BindingOptions::Anchor> anchors;
   for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
     const sim::TimedLine& line = sc.timeline[i];
-    if (line.verb != "press" || line.name != "lblExit") continue;
+    const bool exit = line.verb == "press" && line.name == "lblExit";
+    if (!exit && line.verb != "signoff" && line.verb != "kill") continue;
     std::map<std::string, int> shown;
     std::string text;
     for (const auto& [t, status] : statuses) {
@@ -204,8 +206,7 @@ std::map<std::size_t, test::BindingOptions::Anchor> ExitAnchors(
 }
 
 int Run(const std::string& path, double speed, double settle, double watch,
-        bool anchor_exits, bool throughput,
-        const std::string& transcript_file) {
+        bool anchor, bool throughput, const std::string& transcript_file) {
   sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
   // scenario runs longer: the rest is the periodic lines, left out anyway.
@@ -221,7 +222,7 @@ int Run(const std::string& path, double speed, double settle, double watch,
   test::BindingOptions options;
   options.speed = speed;
   options.watch = watch;
-  if (anchor_exits) options.anchors = ExitAnchors(sc, simulated.str());
+  if (anchor) options.anchors = Anchors(sc, simulated.str());
   // The binding's run ends as soon as it stands where the simulator's
   // ended, once every timed line has run: no line remains to change the
   // program's course, and the rest would be waiting. A run that never
@@ -253,16 +254,16 @@ int main(int argc, char** argv) {
   if (argc < 2) {
     std::fprintf(stderr,
                  "usage: qv_win32_scenario FILE.scn [--speed F] [--settle S] "
-                 "[--transcript FILE] [--watch S] [--anchor-exits] "
+                 "[--transcript FILE] [--watch S] [--anchor] "
                  "[--throughput]\n");
     return 2;
   }
   double speed = 5, settle = 0, watch = 0;
-  bool anchor_exits = false, throughput = false;
+  bool anchor = false, throughput = false;
   std::string transcript;
   for (int i = 2; i < argc; ++i) {
     const std::string arg = argv[i];
-    if (arg == "--anchor-exits") anchor_exits = true;
+    if (arg == "--anchor") anchor = true;
     if (arg == "--throughput") throughput = true;
     if (i + 1 == argc) break;
     if (arg == "--speed") speed = std::stod(argv[i + 1]);
@@ -274,7 +275,7 @@ int main(int argc, char** argv) {
   std::string path = argv[1];
   if (!path.empty() && path[0] == '/') path = "Z:" + path;
   try {
-    return quorvex::Run(path, speed, settle, watch, anchor_exits, throughput,
+    return quorvex::Run(path, speed, settle, watch, anchor, throughput,
                         transcript);
   } catch (const std::exception& e) {
     std::printf("error: %s\n", e.what());
