@@ -121,18 +121,16 @@ bool WaitForPreviousWrite(const ClientContext& c) {
     return w == 0;
   };
   const WaitEnd end = WaitUntil(c.host, none_left,
-                                {.give_up = SignedOff(api),
-                                 .repeat =
-                                     [&] {
-                                       const Hwnd send_now = FindNthChild(
-                                           api, FindWriteMail(api),
-                                           aol::kIconClass, kWriteSendNow);
-                                       if (GetText(api, send_now) == "Send Now")
-                                         ClickIcon(api, send_now);
-                                     },
-                                 .pace = kAskAgainSeconds,
-                                 .pace_max = kAskAgainMaxSeconds,
-                                 .within = kPreviousMailSeconds});
+                                AskingAgain(
+                                    SignedOff(api),
+                                    [&] {
+                                      const Hwnd send_now = FindNthChild(
+                                          api, FindWriteMail(api),
+                                          aol::kIconClass, kWriteSendNow);
+                                      if (GetText(api, send_now) == "Send Now")
+                                        ClickIcon(api, send_now);
+                                    },
+                                    kPreviousMailSeconds));
   if (end == WaitEnd::kGaveUp) return false;
   if (end == WaitEnd::kOutOfTime) {
     return WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
@@ -154,22 +152,19 @@ void Write(const ClientContext& c, std::string_view recipients,
 
   MailControls mail;
   Hwnd window = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  window = FindWriteMail(api);
-                  mail.Find(api, window, kWriteSendNow, true);
-                  return !GetText(api, mail.send_now).empty() &&
-                         (!later || !GetText(api, mail.send_later).empty());
-                },
-                {.give_up = SignedOff(api),
-                 // Asked again only while no window has come: one that
-                 // came is still filling in its icons.
-                 .repeat =
-                     [&] {
-                       if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
-                     },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            window = FindWriteMail(api);
+            mail.Find(api, window, kWriteSendNow, true);
+            return !GetText(api, mail.send_now).empty() &&
+                   (!later || !GetText(api, mail.send_later).empty());
+          },
+          // Asked again only while no window has come: one that
+          // came is still filling in its icons.
+          AskingAgain(SignedOff(api), [&] {
+            if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
+          })) != WaitEnd::kMet)
     return;
 
   SetText(api, mail.edit[0], recipients);

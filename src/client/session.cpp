@@ -235,11 +235,10 @@ void SetMailPreferences(const ClientContext& c) {
                              aol::kIconClass, "Mail");
   };
   Keyword(api, "Preferences");
-  if (WaitUntil(c.host, [&] { return mail_tab() != 0; },
-                {.give_up = signed_off,
-                 .repeat = [&] { Keyword(api, "Preferences"); },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host, [&] { return mail_tab() != 0; }, AskingAgain(signed_off, [&] {
+            Keyword(api, "Preferences");
+          })) != WaitEnd::kMet)
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
@@ -247,20 +246,17 @@ void SetMailPreferences(const ClientContext& c) {
   click_mail_tab();
   Hwnd page = 0;
   auto ok_icon = [&] { return api.FindWindowExA(page, 0, "_AOL_icon", "OK"); };
-  if (WaitUntil(c.host,
-                [&] {
-                  page = api.FindWindowA(aol::kModalClass, "Mail Preferences");
-                  if (!page || !ok_icon()) return false;
-                  for (const MailPreference& p : kMailPreferences)
-                    if (!api.FindWindowExA(page, 0, aol::kCheckboxClass,
-                                           p.label))
-                      return false;
-                  return true;
-                },
-                {.give_up = signed_off,
-                 .repeat = click_mail_tab,
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            page = api.FindWindowA(aol::kModalClass, "Mail Preferences");
+            if (!page || !ok_icon()) return false;
+            for (const MailPreference& p : kMailPreferences)
+              if (!api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label))
+                return false;
+            return true;
+          },
+          AskingAgain(signed_off, click_mail_tab)) != WaitEnd::kMet)
     return;
 
   // A click toggles a box: only those not yet as wanted are clicked.
@@ -271,11 +267,9 @@ void SetMailPreferences(const ClientContext& c) {
   }
   auto click_ok = [&] { ClickIcon(api, ok_icon()); };
   click_ok();
-  WaitUntil(c.host, [&] { return !api.IsWindow(page); },
-            {.give_up = signed_off,
-             .repeat = click_ok,
-             .pace = kAskAgainSeconds,
-             .pace_max = kAskAgainMaxSeconds});
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(page); },
+      AskingAgain(signed_off, click_ok));
   CloseWindow(api, FindDocument(api, "Preferences"));
 }
 

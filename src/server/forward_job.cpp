@@ -129,14 +129,8 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   };
   // Asked again at a pace a slow client can answer, and not for ever: a
   // mail whose window does not come is given up as a dead one.
-  const WaitOptions nudged{.give_up = SignedOff(api),
-                           .pace = kAskAgainSeconds,
-                           .pace_max = kAskAgainMaxSeconds,
-                           .within = kMailWindowSeconds};
   auto with_repeat = [&](std::function<void()> repeat) {
-    WaitOptions how = nudged;
-    how.repeat = std::move(repeat);
-    return how;
+    return AskingAgain(SignedOff(api), std::move(repeat), kMailWindowSeconds);
   };
   auto give_up = [&](WaitEnd end) {
     if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(m, c, f);
@@ -189,15 +183,10 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   const Hwnd send_again =
       FindNthChild(api, forward, aol::kIconClass,
                    m.settings.MailMethod ? kSendLater : kSendNow);
-  const WaitOptions poll{.speed = steps.speed,
-                         .give_up = SignedOff(api),
-                         .repeat =
-                             [&] {
-                               if (api.IsWindow(forward))
-                                 ClickIcon(api, send_again);
-                             },
-                         .pace = kAskAgainSeconds,
-                         .pace_max = kAskAgainMaxSeconds};
+  WaitOptions poll = AskingAgain(SignedOff(api), [&] {
+    if (api.IsWindow(forward)) ClickIcon(api, send_again);
+  });
+  poll.speed = steps.speed;
   for (const Hwnd window : {forward, mail, forward}) {
     if (WaitUntil(
             c.host, [&] { return !api.IsWindow(window); }, poll) !=

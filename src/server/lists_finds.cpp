@@ -104,15 +104,13 @@ void RunAutomaticAol(const ClientContext& c) {
   auto open = [&] { RunToolbarMenu(c, aol::kToolbarMailIcon, 'a'); };
   open();
   Hwnd session = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  session = api.FindWindowA(aol::kModalClass, kSessionCaption);
-                  return session != 0;
-                },
-                {.give_up = SignedOff(api),
-                 .repeat = open,
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            session = api.FindWindowA(aol::kModalClass, kSessionCaption);
+            return session != 0;
+          },
+          AskingAgain(SignedOff(api), open)) != WaitEnd::kMet)
     return;
 
   // "AOL session is in progress." until every waiting mail went out.
@@ -131,11 +129,9 @@ void RunAutomaticAol(const ClientContext& c) {
     ClickIcon(api, FindChild(api, session, aol::kIconClass));
   };
   close();
-  WaitUntil(c.host, [&] { return !api.IsWindow(session); },
-            {.give_up = SignedOff(api),
-             .repeat = close,
-             .pace = kAskAgainSeconds,
-             .pace_max = kAskAgainMaxSeconds});
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(session); },
+      AskingAgain(SignedOff(api), close));
 }
 
 void RunListJob(const MailJobContext& m, const ClientContext& c,
