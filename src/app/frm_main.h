@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "client/room_buster.h"
+#include "model/draw_status.h"
 #include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
@@ -116,7 +117,7 @@ struct FrmMain {
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }
-  void SetStatus(const std::string& text) { status.Draw(text, "#4488BB"); }
+  void SetStatus(const std::string& text) { status.Draw(text, kBandColour); }
 };
 
 // The contexts the request handling and the serving jobs work in, each on

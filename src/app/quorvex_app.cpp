@@ -6,6 +6,7 @@
 #include "client/client_tree.h"
 #include "client/room_buster.h"
 #include "client/session.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "requests/ban_policy.h"
 #include "requests/reply_order.h"
@@ -20,11 +21,7 @@
 
 namespace quorvex {
 
-namespace {
-
-constexpr const char* kTitle = kWindowTitle;
-
-}  // namespace
+namespace {}  // namespace
 
 QuorvexApp::QuorvexApp(Ports ports)
     : frm_(ports),
@@ -84,7 +81,7 @@ void QuorvexApp::Load() {
   LoadBanning(p.registry, frm_.frmBanning);
   p.registry.Save(kApp, "Settings", "Load", "True");
   p.registry.Save(kApp, "Settings", "Version", kVersion);
-  frm_.picTitle.Set(kTitle);
+  frm_.picTitle.Set(kWindowTitle);
   frm_.SetStatus("status: idle");
   main_form_.Open();
   Emit(&frm_.events, JobOutcome::kStarted, "", "program");

@@ -24,7 +24,8 @@ void SendIM(const ClientContext& c, std::string_view recipient,
           [&] {
             window = FindDocument(api, kSendIm);
             field = FindChild(api, window, aol::kRichTextClass);
-            send = FindNthChildAfter(api, window, field, aol::kIconClass, 9);
+            send = FindNthChildAfter(api, window, field, aol::kIconClass,
+                                     aol::kImSendIcon);
             return window && field && send;
           },
           AskingAgain(SignedOff(api), [&] { Keyword(api, address); })) !=

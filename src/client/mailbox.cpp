@@ -7,6 +7,7 @@
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -103,7 +104,7 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
     // The index, not the number read: the first report says 0 mails.
     if (i % 10 == 0)
       status.Draw("status: refreshed " + std::to_string(i) + " mails",
-                  "#4488BB");
+                  kBandColour);
   }
 }
 

@@ -6,6 +6,7 @@
 #include "client/error_boxes.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -13,7 +14,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr const char* kTitle = "quorvex mail server by kestrin";
 constexpr const char* kRoomAddress = "aol://2719:2-2-";
 
 // The client's message box: here, the refusal of a full room.
@@ -43,7 +43,7 @@ void FrmRoomBuster::Form_Load() {
   if (form.open()) return;
   form.Open();
   // Kept on top by the view; the title is painted in the program's blue.
-  picTitle.Set(kTitle);
+  picTitle.Set(kWindowTitle);
 }
 
 void FrmRoomBuster::Form_Unload() {

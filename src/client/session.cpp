@@ -8,6 +8,7 @@
 #include "client/instant_messages.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -25,7 +26,7 @@ constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
 void SetStatus(const SessionContext& s, const char* text) {
-  s.status.Draw(text, "#4488BB");
+  s.status.Draw(text, kBandColour);
 }
 
 // Starts a program with normal focus and yields once.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "model/draw_status.h"
 #include "model/observers.h"
 
 namespace quorvex {
@@ -44,7 +45,7 @@ class StatusStrip {
   const std::string& text() const { return text_; }
   const std::string& colour() const { return colour_; }
   // DrawStatus(picStatus, colour, text).
-  void Draw(std::string text, std::string colour = "#4488BB") {
+  void Draw(std::string text, std::string colour = kBandColour) {
     bool changed = text != text_;
     text_ = std::move(text);
     colour_ = std::move(colour);
@@ -55,7 +56,7 @@ class StatusStrip {
 
  private:
   std::string text_;
-  std::string colour_ = "#4488BB";
+  std::string colour_ = kBandColour;
   Observers<const StatusStrip&> observers_;
 };
 

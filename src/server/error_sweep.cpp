@@ -1,5 +1,6 @@
 #include "server/error_sweep.h"
 
+#include "client/chat_room.h"
 #include "client/error_boxes.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
@@ -11,7 +12,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr float kAroundLine = 0.55f;
 constexpr double kAfterError = 2;
 constexpr std::int64_t kHandlerRounds = 300;
 
@@ -24,9 +24,7 @@ bool CloseForwardWindow(WindowApi& api) {
 
 void AnnounceDeadMail(const MailJobContext& m, const ClientContext& c,
                       const std::string& sn, const std::string& number) {
-  PauseSeconds(c.host, kAroundLine);
-  Say(c, m.ended, DeadMailLine(sn, number));
-  PauseSeconds(c.host, kAroundLine);
+  SayFramed(c, m.ended, DeadMailLine(sn, number), ThenPause::kLine);
 }
 
 // Nobody waits for a mail that cannot be sent: every other mail entry for

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "client/chat_room.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/mail_send.h"
@@ -19,9 +20,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr float kBeforeLine = 0.55f;
-constexpr float kAfterLine = 0.45f;
-constexpr int kSendNow = 14, kSendLater = 15;  // of a forward window
 // How long the mail's window and its forward window may take to come.
 constexpr double kMailWindowSeconds = 60;
 
@@ -61,9 +59,7 @@ namespace {
 // A mail whose window never came: said dead, and not opened again.
 void GiveUpDeadMail(const MailJobContext& m, const ClientContext& c,
                     ForwardScratch& f) {
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, m.ended, DeadMailLine(f.sn, f.number));
-  PauseSeconds(c.host, kAfterLine);
+  SayFramed(c, m.ended, DeadMailLine(f.sn, f.number), ThenPause::kReply);
   if (!IsDeadMail(m.dead_mails, f.number)) m.dead_mails.push_back(f.number);
   ForwardFailed(f);
 }
@@ -182,7 +178,8 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   // is sending takes no more clicks).
   const Hwnd send_again =
       FindNthChild(api, forward, aol::kIconClass,
-                   m.settings.MailMethod ? kSendLater : kSendNow);
+                   m.settings.MailMethod ? aol::kForwardSendLaterIcon
+                                         : aol::kForwardSendNowIcon);
   WaitOptions poll = AskingAgain(SignedOff(api), [&] {
     if (api.IsWindow(forward)) ClickIcon(api, send_again);
   });
@@ -275,9 +272,7 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
   const int failures = f.failures;
 
   if (IsDeadMail(m.dead_mails, number)) {
-    PauseSeconds(c.host, kBeforeLine);
-    Say(c, m.ended, DeadMailLine(sn, number));
-    PauseSeconds(c.host, kAfterLine);
+    SayFramed(c, m.ended, DeadMailLine(sn, number), ThenPause::kReply);
     Emit(m.events, JobOutcome::kDeadMail, group.requesters, f.what);
     return;
   }

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "client/chat_room.h"
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "model/text_util.h"
@@ -143,7 +144,7 @@ void ResumeServing(ServeEngine& engine, const RestartContext& r,
   if (engine.aol_restart) engine.aol_restart();
   PauseSeconds(c.host, 1);
   Say(c, r.ended, "quorvex restarted <B><U>cpu</B></U>");
-  PauseSeconds(c.host, 0.45f);
+  PauseSeconds(c.host, kAfterReply);
   if (r.ended) return;
   engine.cmdStart_Click();
 }

@@ -28,8 +28,6 @@ const std::vector<const char*> kToolbarIcons = {
     "My AOL", "Favorites", "Internet",    "Channels", "People",
     "Quotes", "Perks",     "Weather"};
 constexpr int kToolbarRead = 1;
-constexpr int kToolbarWrite = 2;
-constexpr int kToolbarMail = 3;
 constexpr int kToolbarGo = 14;  // the icon after the keyword box
 
 // The frame's menu bar: submenu, then items, by position.
@@ -688,10 +686,10 @@ void SimClient::Click(Hwnd hwnd) {
       if (n == kToolbarRead && signed_on_) {
         MarkBusy();
         Later(knobs_.latency, [this] { OpenOnlineMailbox(0); });
-      } else if (n == kToolbarWrite) {
+      } else if (n == aol::kToolbarWriteIcon) {
         MarkBusy();
         Later(knobs_.latency, [this] { OpenWriteMail(); });
-      } else if (n == kToolbarMail) {
+      } else if (n == aol::kToolbarMailIcon) {
         OpenMailMenu();
       } else if (n == kToolbarGo && keyword_edit_) {
         RunKeyword(tree_.Get(keyword_edit_)->text);
@@ -707,7 +705,7 @@ void SimClient::Click(Hwnd hwnd) {
       }
       break;
     case Kind::kOpenMail:
-      if (n == 8) {
+      if (n == aol::kOpenMailForwardIcon) {
         MarkBusy();
         Later(knobs_.latency, [this, doc] {
           auto it = docs_.find(doc);
@@ -716,18 +714,18 @@ void SimClient::Click(Hwnd hwnd) {
       }
       break;
     case Kind::kForward:
-      if (n == 14 && d->filled) SendMail(*d, true);
-      if (n == 15 && d->filled) SendMail(*d, false);
+      if (n == aol::kForwardSendNowIcon && d->filled) SendMail(*d, true);
+      if (n == aol::kForwardSendLaterIcon && d->filled) SendMail(*d, false);
       break;
     case Kind::kWriteMail:
-      if (n == 16 && d->filled) SendMail(*d, true);
-      if (n == 17 && d->filled) SendMail(*d, false);
+      if (n == aol::kWriteSendNowIcon && d->filled) SendMail(*d, true);
+      if (n == aol::kWriteSendLaterIcon && d->filled) SendMail(*d, false);
       break;
     case Kind::kOnlineMailbox:
-      if (n == 7) DeleteTreeItem(*d, kTreeNew + d->tab);
+      if (n == aol::kMailboxDeleteIcon) DeleteTreeItem(*d, kTreeNew + d->tab);
       break;
     case Kind::kWaiting:
-      if (n == 2) DeleteTreeItem(*d, kTreeWaiting);
+      if (n == aol::kWaitingDeleteIcon) DeleteTreeItem(*d, kTreeWaiting);
       if (n == 3) RunAutomaticAol();
       break;
     case Kind::kError:
@@ -736,7 +734,7 @@ void SimClient::Click(Hwnd hwnd) {
     case Kind::kIm:
       // The address book icon comes first, then eight style icons after
       // the message field, then Send.
-      if (n == 10) SendIm(*d);
+      if (n == aol::kImIconsBeforeText + aol::kImSendIcon) SendIm(*d);
       if (n == 12) CloseDoc(doc);
       break;
     case Kind::kSignOn:
