@@ -52,7 +52,7 @@ void FrmChatroom::Form_Unload() {
   txtChat.Set("");
   txtSend.Set("");
   lstPeople.Clear();
-  lblPeople.Set("people: 0");
+  lblPeople.Set(kPeopleCount(0));
   picTitle.Set("");
   form.Close();
 }
@@ -66,7 +66,7 @@ void FrmChatroom::Chat1_ChatLine(const std::string& sn,
 void FrmChatroom::Timer1_Timer() {
   lstPeople.Clear();
   GetRoomPeople(c_.api, lstPeople, kChatroomPeopleUnique);
-  lblPeople.Set("people: " + std::to_string(lstPeople.Count()));
+  lblPeople.Set(kPeopleCount(lstPeople.Count()));
   if (Len(txtChat.text) >= kChatroomMirrorLimit) txtChat.Set("");
 }
 

@@ -56,7 +56,7 @@ void FrmRoomBuster::Form_Unload() {
   txtRoom.Set("");
   txtRoom.SetEnabled(true);
   cmdStart.Set("&start");
-  lblBusts.Set("busts: 0");
+  lblBusts.Set(kBustsCount(0));
   picTitle.Set("");
 }
 
@@ -88,7 +88,7 @@ void FrmRoomBuster::Stop() {
   tries_ = 0;
   busts_ = 0;
   if (restart == BusterRestart::kBust) restart = BusterRestart::kNone;
-  lblBusts.Set("busts: 0");
+  lblBusts.Set(kBustsCount(0));
   cmdStart.Set("&start");
 }
 
@@ -123,7 +123,7 @@ void FrmRoomBuster::Timer1_Timer() {
   if (Hwnd box = FindClientMessageBox(api)) {
     CloseWindow(api, box);
     ++busts_;
-    lblBusts.Set("busts: " + std::to_string(busts_));
+    lblBusts.Set(kBustsCount(busts_));
   }
 }
 

@@ -36,6 +36,23 @@ class Label {
   Observers<const Label&> observers_;
 };
 
+// The caption of a counter's label: its word, a colon and the count
+// ("pending: 12").
+struct CountCaption {
+  const char* word;
+  std::string operator()(long long n) const {
+    return std::string(word) + ": " + std::to_string(n);
+  }
+};
+inline constexpr CountCaption kSessionCount{"session"};
+inline constexpr CountCaption kListsCount{"lists"};
+inline constexpr CountCaption kMailsCount{"mails"};
+inline constexpr CountCaption kTotalCount{"total"};
+inline constexpr CountCaption kBannedCount{"banned"};
+inline constexpr CountCaption kPendingCount{"pending"};
+inline constexpr CountCaption kBustsCount{"busts"};
+inline constexpr CountCaption kPeopleCount{"people"};
+
 // The status strip (`picStatus`) painted by DrawStatus: a text and the
 // colour of its band.
 class StatusStrip {

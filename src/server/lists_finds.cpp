@@ -56,7 +56,7 @@ int CollectLists(const MailboxLists& mailbox) {
     if (rest.empty() || rest[0] < '0' || rest[0] > '9') continue;
     mailbox.lstLists.Add(NumberText(Val(rest)) + " " + Str(i + 1));
   }
-  mailbox.lblLists.Set("lists: " + Str(mailbox.lstLists.Count()));
+  mailbox.lblLists.Set(kListsCount(mailbox.lstLists.Count()));
   return mailbox.lstLists.Count();
 }
 
@@ -95,7 +95,7 @@ void BuildLists(const MailJobContext& m, const ClientContext& c) {
   // The lists are in the mailbox now; read it again so that they are
   // served this session, as they would be after the next start.
   ReadMailbox(m.mailbox, c, m.status);
-  m.mailbox.lblMails.Set("mails: " + Str(m.mailbox.lstMails.Count()));
+  m.mailbox.lblMails.Set(kMailsCount(m.mailbox.lstMails.Count()));
   CollectLists(m.mailbox);
 }
 

@@ -91,9 +91,8 @@ void ServeEngine::Start() {
     lists = ctx_.mailbox.lstLists.Count();
   }
   if (ctx_.ended) return;
-  ctx_.mailbox.lblMails.Set("mails: " +
-                            std::to_string(ctx_.mailbox.lstMails.Count()));
-  ctx_.mailbox.lblLists.Set("lists: " + std::to_string(lists));
+  ctx_.mailbox.lblMails.Set(kMailsCount(ctx_.mailbox.lstMails.Count()));
+  ctx_.mailbox.lblLists.Set(kListsCount(lists));
 
   ctx_.status.Draw("status: starting server");
   PrepareClient();

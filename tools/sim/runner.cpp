@@ -242,7 +242,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
       frm.lstMails.Add(sc.mails[i]);
       frm.mail_positions.push_back(static_cast<int>(i));
     }
-    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+    frm.lblMails.Set(kMailsCount(frm.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});
