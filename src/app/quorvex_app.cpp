@@ -73,6 +73,13 @@ SettingsMenuContext QuorvexApp::MenuContext() {
 
 void QuorvexApp::Say(const std::string& text) { ChatSend(client_, text); }
 
+void QuorvexApp::SayBanner(const std::string& how) {
+  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
+  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
+      "</B></U> mails sent since installed");
+  Say(how + " by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+}
+
 void QuorvexApp::Load() {
   Ports& p = frm_.ports;
   LoadSettings(frm_.settings, frm_.menus, p.registry, frm_.lblSent,
@@ -104,10 +111,7 @@ void QuorvexApp::Load() {
                                 [&p, ini] { return p.machine.FileExists(ini); },
                                 [&p, ini] { p.machine.RemoveFile(ini); }},
                     frm_.lblPending);
-  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
-  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
-      "</B></U> mails sent since installed");
-  Say("loaded by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+  SayBanner("loaded");
 }
 
 void QuorvexApp::Unload() {
@@ -118,10 +122,7 @@ void QuorvexApp::Unload() {
 }
 
 void QuorvexApp::lblExit_Click() {
-  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
-  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
-      "</B></U> mails sent since installed");
-  Say("unloaded by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+  SayBanner("unloaded");
   SaveSettings(frm_.settings, frm_.ports.registry);
   if (frm_.Timer1) frm_.Timer1->SetEnabled(false);
   if (frm_.Timer2) frm_.Timer2->SetEnabled(false);

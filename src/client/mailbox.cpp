@@ -80,6 +80,13 @@ bool IsForeignListTitle(std::string_view title) {
   return Like(title, "*velo-grid list number *");
 }
 
+bool KeepsMailTitle(std::string_view title, int position, bool skipForeignLists,
+                    std::vector<int>* positions) {
+  if (skipForeignLists && IsForeignListTitle(title)) return false;
+  if (positions) positions->push_back(position);
+  return true;
+}
+
 void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
                  StatusStrip& status, std::vector<int>* positions) {
   WindowApi& api = c.api;
@@ -96,11 +103,11 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
 
   for (int i = 0; i < count; ++i) {
     c.host.DoEvents();
+    // Added before it is judged, as the list shows it for a moment.
     list.Add(MailTitleOf(ListText(api, tree, i)));
-    if (skipForeignLists && IsForeignListTitle(list.Item(list.Count() - 1)))
+    if (!KeepsMailTitle(list.Item(list.Count() - 1), i, skipForeignLists,
+                        positions))
       list.Remove(list.Count() - 1);
-    else if (positions)
-      positions->push_back(i);
     // The index, not the number read: the first report says 0 mails.
     if (i % 10 == 0)
       status.Draw("status: refreshed " + std::to_string(i) + " mails",

@@ -16,7 +16,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr unsigned kBmGetCheck = 240;
 // GetPrivateProfileStringA's buffer: the path is cut to one less.
 constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
@@ -263,7 +262,7 @@ void SetMailPreferences(const ClientContext& c) {
   // A click toggles a box: only those not yet as wanted are clicked.
   for (const MailPreference& p : kMailPreferences) {
     const Hwnd box = api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label);
-    if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
+    if (box != 0 && api.SendMessageA(box, win::kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }
   auto click_ok = [&] { ClickIcon(api, ok_icon()); };

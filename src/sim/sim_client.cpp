@@ -13,9 +13,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr unsigned kLbGetCurSel = 392;
-constexpr unsigned kBmGetCheck = 240;
-constexpr unsigned kBmSetCheck = 241;
 constexpr std::uint32_t kNoMenuItem = 0xFFFFFFFF;
 constexpr int kTwipsPerPixel = 15;
 constexpr int kDefaultWidth = 480;
@@ -616,11 +613,11 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
     case win::kLbGetTextLen:
     case win::kLbSetCurSel:
     case win::kLbGetItemData:
-    case kLbGetCurSel:
+    case win::kLbGetCurSel:
       return TreeMessage(*w, msg, wparam, nullptr, 0);
-    case kBmGetCheck:
+    case win::kBmGetCheck:
       return role == kRoleCheck ? w->check : 0;
-    case kBmSetCheck:
+    case win::kBmSetCheck:
       if (role == kRoleCheck) w->check = wparam ? 1 : 0;
       return 0;
     case win::kEmSetSel:
