@@ -10,6 +10,7 @@
 #include "client/window_ops.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
+#include "server/dead_mail.h"
 #include "server/error_sweep.h"
 #include "server/forward_job.h"
 #include "server/server_common.h"
@@ -135,7 +136,7 @@ void RunAutomaticAol(const ClientContext& c) {
 }
 
 void RunListJob(const MailJobContext& m, const ClientContext& c,
-                ForwardScratch& f) {
+                ForwardUnderWay& f) {
   // The list step ran: the interval starts again, served or not.
   m.ListSeconds = 0;
   const int lists = m.mailbox.lstLists.Count();
@@ -146,8 +147,8 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
   const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string range = "lists <U>1-" + Str(lists) + "</U>";
-  const int failures = f.failures;
-  f.full_mailboxes.clear();
+  const int failures = f.failures();
+  f.BeginJob();
   if (!s.ListNotify) Say(c, m.ended, range + " are being processed");
 
   const ForwardSteps steps{"status: opening list", "status: clicking forward",
@@ -157,28 +158,25 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
     const ListMail list = ListMailAt(m.mailbox.lstLists, i);
     // A list mail the client refused once is not tried again.
     if (IsDeadMail(m.dead_mails, list.position)) continue;
-    f.sn = sn;
-    f.number = list.position;
-    f.what = "send list";
+    f.Begin(sn, list.position, "send list");
     const std::string body =
         ForwardBody(m, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(m, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps, f)) {
       if (!m.ended)
-        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures != failures),
+        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures() != failures),
              group.requesters, "send list");
       return;
     }
     ForwardErrorSweep(m, c, f);
-    if (s.ListNotify && !f.error)
+    if (s.ListNotify && !f.error())
       Say(c, m.ended,
           sn + " list <U>" + list.k + "</U> " + NotifyText(m, c.host));
-    f.error = false;
+    f.ClearError();
   }
   if (!s.ListNotify) Say(c, m.ended, range + " were sent");
   // Lists that failed on the way (a dead one) leave the others sent.
-  const std::string received =
-      RequestersBut(group.requesters, f.full_mailboxes);
+  const std::string received = RequestersBut(group.requesters, f.refused());
   if (!m.ended && !received.empty())
     Emit(m.events, JobOutcome::kListMailed, received, "send list");
   m.status.Draw("status: scanning chat");
