@@ -43,18 +43,27 @@ function(qv_discover_tests exe)
 endfunction()
 
 # Under Wine: start the test prefix's wineserver before the first test and
-# stop it after the last, so that no server outlives the run.
+# stop it after the last, so that no server outlives the run. The "wine_b"
+# fixture does the same for the second prefix (QUORVEX_WINELANE=b), where
+# a second stand-in client runs beside the first.
 function(qv_wine_fixture)
   if(NOT CMAKE_CROSSCOMPILING_EMULATOR)
     return()
   endif()
   # The prefix of the build's architecture (the toolchain's).
-  set(server env QUORVEX_WINEARCH=${QUORVEX_WINE_ARCH}
-    ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh)
-  add_test(NAME wine.start COMMAND ${server} start)
-  add_test(NAME wine.stop COMMAND ${server} stop)
-  set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine)
-  set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine)
+  foreach(lane "" b)
+    set(server env QUORVEX_WINEARCH=${QUORVEX_WINE_ARCH}
+      QUORVEX_WINELANE=${lane} ${CMAKE_SOURCE_DIR}/scripts/wine-server.sh)
+    if(lane STREQUAL "")
+      set(fixture wine)
+    else()
+      set(fixture wine_${lane})
+    endif()
+    add_test(NAME ${fixture}.start COMMAND ${server} start)
+    add_test(NAME ${fixture}.stop COMMAND ${server} stop)
+    set_tests_properties(${fixture}.start PROPERTIES FIXTURES_SETUP ${fixture})
+    set_tests_properties(${fixture}.stop PROPERTIES FIXTURES_CLEANUP ${fixture})
+  endforeach()
 endfunction()
 
 # qv_windows_resources(TARGET): the program's icon, version and application

@@ -4,7 +4,10 @@
 # chooses the Wine: win64 (the default; 64-bit programs, and 32-bit ones
 # where a 32-bit Wine is installed) or win32 (a 32-bit Windows, as XP
 # was). The prefix is made once per architecture in build/wine (win64) or
-# build/wine-win32; set QUORVEX_WINEPREFIX to use another one.
+# build/wine-win32; QUORVEX_WINELANE=b chooses a second prefix beside it
+# (build/wine-b, build/wine-win32-b: a Wine desktop of its own, so that two
+# tests that look for windows by class run side by side); set
+# QUORVEX_WINEPREFIX to use any other one.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 arch=${QUORVEX_WINEARCH:-win64}
@@ -12,6 +15,12 @@ case $arch in
   win64) default_prefix=$here/build/wine ;;
   win32) default_prefix=$here/build/wine-win32 ;;
   *) echo "wine-run.sh: QUORVEX_WINEARCH must be win64 or win32" >&2; exit 2 ;;
+esac
+lane=${QUORVEX_WINELANE:-}
+case $lane in
+  '') ;;
+  b) default_prefix=$default_prefix-b ;;
+  *) echo "wine-run.sh: QUORVEX_WINELANE must be empty or b" >&2; exit 2 ;;
 esac
 prefix=${QUORVEX_WINEPREFIX:-$default_prefix}
 # wine-run.sh --prefix: only says which prefix it uses.

@@ -4,7 +4,8 @@
 # in a fraction of a second instead of bringing a server up and down.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
-# The prefix wine-run.sh uses (QUORVEX_WINEARCH, QUORVEX_WINEPREFIX).
+# The prefix wine-run.sh uses (QUORVEX_WINEARCH, QUORVEX_WINELANE,
+# QUORVEX_WINEPREFIX).
 prefix=$("$here/scripts/wine-run.sh" --prefix)
 export WINEPREFIX=$prefix WINEDEBUG=-all
 case ${1:-} in

@@ -58,5 +58,15 @@ TEST_F(Win32ProfileFileTest, ReadsAndWritesWithThePlatformsRules) {
   EXPECT_EQ(dump.at("Windows").at("load"), "");
 }
 
+// A damaged file may hold a value of 100 KB: it is read whole (the
+// program cuts it), and the values after it are still found.
+TEST_F(Win32ProfileFileTest, AHundredKilobyteValueIsReadWhole) {
+  const std::string room = "Lobby" + std::string(100000, 'x');
+  std::ofstream(path_, std::ios::binary)
+      << "[Quorvex]\r\nChatName=" << room << "\r\nTotalSent=5\r\n";
+  EXPECT_EQ(ini.GetString(path_, "Quorvex", "ChatName", ""), room);
+  EXPECT_EQ(ini.GetString(path_, "Quorvex", "TotalSent", ""), "5");
+}
+
 }  // namespace
 }  // namespace quorvex::win32

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
@@ -24,6 +26,7 @@
 #include "sim/sim_knobs.h"
 #include "sim/transcript.h"
 #include "standin_process.h"
+#include "win32/code_page.h"
 #include "win32/win32_host.h"
 #include "win32/win32_machine.h"
 #include "win32/win32_profile_file.h"
@@ -93,6 +96,12 @@ class BindingMachine : public Machine {
                          progress) override {
     return real_.CopyFileBytes(from, to, progress);
   }
+  bool AppendToFile(std::string_view p, std::string_view text) override {
+    return real_.AppendToFile(p, text);
+  }
+  bool MoveFileOver(std::string_view from, std::string_view to) override {
+    return real_.MoveFileOver(from, to);
+  }
   void RunProgram(std::string_view path) override {
     if (on_start) on_start(std::string(path));
     if (EndsWithIgnoreCase(path, "\\aol.exe") ||
@@ -153,11 +162,26 @@ std::string RunThroughBinding(const sim::Scenario& sc,
        {"C:\\Windows\\RestartSettings.INI", "C:\\Windows\\z.exe"})
     ::DeleteFileA(file);
   ::DeleteFileA(WindowsFolder::QueueFile().c_str());
+  // The files the run starts without are written whole, as they stand
+  // on the disk: Wine's profile writer garbles a value of 100 KB, which
+  // a damaged file may hold. Win.INI's values go through it.
   bool names_client = false;
+  // path: section: its lines
+  std::map<std::string, std::map<std::string, std::string>> whole;
   for (const sim::SetupValue& v : sc.ini) {
-    profiles.WriteString(sim::ProfilePath(real_machine, v.file), v.section,
-                         v.key, v.value);
-    names_client |= v.file == "Win.INI" && EqualsIgnoreCase(v.section, "WAOL");
+    const std::string path = sim::ProfilePath(real_machine, v.file);
+    if (v.file == "Win.INI") {
+      profiles.WriteString(path, v.section, v.key, v.value);
+      names_client |= EqualsIgnoreCase(v.section, "WAOL");
+    } else {
+      whole[path][v.section] += v.key + "=" + v.value + "\r\n";
+    }
+  }
+  for (const auto& [path, sections] : whole) {
+    std::string text;
+    for (const auto& [section, lines] : sections)
+      text += "[" + section + "]\r\n" + lines;
+    std::ofstream(path, std::ios::binary) << win32::Utf8ToCp1252(text);
   }
   if (!names_client)
     profiles.WriteString(sim::ProfilePath(real_machine, "Win.INI"), "WAOL",
@@ -170,6 +194,11 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // writes it (the soak's accounting matches a clear or a start to the
   // line's moment). `late` is how late the line under way came.
   double late = 0;
+  // How often the status strip has shown each text; the anchored lines
+  // waiting for it, by their place in the timeline (each says whether it
+  // is now on its way).
+  std::map<std::string, int> shown;
+  std::map<std::size_t, std::function<bool()>> waiting;
   // A start of the program loads its settings and queue and greets the
   // room before anything else, in no time in the simulator: what it
   // writes until it comes to its message loop is written at the start's
@@ -218,9 +247,12 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
     sim::WatchProgram(app, transcript);
-    app.frm().status.Subscribe([&client, &host, &t0](const StatusStrip& s) {
+    app.frm().status.Subscribe([&](const StatusStrip& s) {
       client.Note("at " + std::to_string(host.Clock() - t0) +
                   " s the program's " + s.text());
+      ++shown[s.text()];
+      for (auto it = waiting.begin(); it != waiting.end();)
+        it = it->second() ? waiting.erase(it) : std::next(it);
     });
     if (!std::exchange(first_app, false)) return;
     FrmMain& frm = app.frm();
@@ -263,69 +295,161 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   struct StartAgain {
     double at;
   };
+  // Thrown from a timed press that ends the program: it stops there, out
+  // of whatever it was doing, as the desktop program's process ends.
+  struct ProgramExited {};
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
-  for (const sim::TimedLine& line : sc.timeline) {
-    host.Schedule(line.at, [&, line] {
-      const double was_late =
-          std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
-      struct Restore {
-        double& late;
-        double was;
-        ~Restore() { late = was; }
-      } restore{late, was_late};
-      if (line.verb == "say") {
-        client.Command("say " + line.name + "|" + line.text);
-      } else if (line.verb == "join" || line.verb == "leave") {
-        client.Command(line.verb + " " + line.name);
-      } else if (line.verb == "signoff") {
-        client.Command("signoff");
-      } else if (line.verb == "kill") {
-        kill();
-      } else if (line.verb == "answer") {
-        prompter.QueueAnswer(line.text);
-      } else if (line.verb == "press") {
-        program.app().Press(line.name, line.index);
-      } else if (line.verb == "select") {
-        if (line.text.empty())
-          program.app().Select(line.name, line.index);
-        else
-          program.app().SelectText(line.name, line.text);
-      } else if (line.verb == "set") {
-        program.app().Set(line.name, line.text);
-      } else if (line.verb == "start") {
-        // The user starts the program again once it has ended.
-        if (program.app().ended()) throw StartAgain{line.at};
-      }
+  auto run_line = [&](const sim::TimedLine& line) {
+    const double was_late =
+        std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
+    struct Restore {
+      double& late;
+      double was;
+      ~Restore() { late = was; }
+    } restore{late, was_late};
+    if (line.verb == "say") {
+      client.Command("say " + line.name + "|" + line.text);
+    } else if (line.verb == "join" || line.verb == "leave") {
+      client.Command(line.verb + " " + line.name);
+    } else if (line.verb == "signoff") {
+      client.Command("signoff");
+    } else if (line.verb == "kill") {
+      kill();
+    } else if (line.verb == "answer") {
+      prompter.QueueAnswer(line.text);
+    } else if (line.verb == "press") {
+      QuorvexApp& app = program.app();
+      const bool running = !app.ended();
+      app.Press(line.name, line.index);
+      if (running && app.ended()) throw ProgramExited{};
+    } else if (line.verb == "select") {
+      if (line.text.empty())
+        program.app().Select(line.name, line.index);
+      else
+        program.app().SelectText(line.name, line.text);
+    } else if (line.verb == "set") {
+      program.app().Set(line.name, line.text);
+    } else if (line.verb == "start") {
+      // The user starts the program again once it has ended.
+      if (program.app().ended()) throw StartAgain{line.at};
+    }
+  };
+  // An anchored line runs as soon as the status strip comes where it
+  // names, before its time or after it (a minute past it at the most).
+  for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
+    const sim::TimedLine& line = sc.timeline[i];
+    const auto anchor = o.anchors.find(i);
+    if (anchor == o.anchors.end()) {
+      host.Schedule(line.at, [&, line] { run_line(line); });
+      continue;
+    }
+    waiting[i] = [&, line, a = anchor->second] {
+      if (shown[a.text] < a.count) return false;
+      host.Schedule(0, [&, line] { run_line(line); });
+      return true;
+    };
+    host.Schedule(line.at + 60, [&, i, line] {
+      if (waiting.erase(i)) run_line(line);
     });
   }
   const double end = t0 + sc.run_until;
+  double last_line = 0;
+  for (const sim::TimedLine& line : sc.timeline)
+    last_line = std::max(last_line, line.at);
+
+  // The transcript as it stands: the program's events and the client's,
+  // in time order, then the final state (the program's, the client's
+  // mailboxes and the mail it holds to send later).
+  auto transcript_now = [&] {
+    const json state = client.State();
+    ordered_json final_state =
+        sim::ProgramFinalState(program.app(), registry, profiles, machine);
+    ordered_json mailboxes = ordered_json::object();
+    for (const auto& [sn, box] : state["mailboxes"].items()) {
+      ordered_json mails = ordered_json::array();
+      for (const json& m : box)
+        mails.push_back({{"from", m["from"]},
+                         {"subject", m["subject"]},
+                         {"body", m["body"]}});
+      mailboxes[sn] = mails;
+    }
+    final_state["mailboxes"] = mailboxes;
+    if (!state["waiting"].empty()) {
+      ordered_json waiting = ordered_json::array();
+      for (const json& m : state["waiting"])
+        waiting.push_back(
+            {{"to", m["to"]}, {"subject", m["subject"]}, {"body", m["body"]}});
+      final_state["waiting"] = waiting;
+    }
+    std::vector<ordered_json> events;
+    std::istringstream in(program_out.str());
+    for (std::string line; std::getline(in, line);)
+      if (!line.empty()) events.push_back(ordered_json::parse(line));
+    for (const json& e : client.Events(w0, o.speed)) {
+      if (e.value("ev", "") == "standin-crash")
+        throw std::runtime_error("the stand-in client failed: " +
+                                 e.value("what", ""));
+      events.push_back(ClientEvent(e));
+    }
+    std::stable_sort(events.begin(), events.end(),
+                     [](const ordered_json& a, const ordered_json& b) {
+                       return a["t"].get<double>() < b["t"].get<double>();
+                     });
+    ordered_json final_event{{"t", sc.run_until}, {"ev", "final"}};
+    for (const auto& [k, v] : final_state.items()) final_event[k] = v;
+    events.push_back(std::move(final_event));
+    std::string out;
+    for (const ordered_json& e : events) out += sim::JsonDump(e) + "\n";
+    return out;
+  };
+
+  // `run T` ends the run where the program stands, as the power going
+  // off does: out of whatever wait it is in (a client restart waits
+  // without end for a client that never comes). So does `done` once
+  // every timed line has run.
+  struct PowerOff {};
   // Commands for a client that is being started again go as soon as it
   // runs, whatever wait the program is in.
-  double next_progress = 0;
+  double next_progress = 0, next_done = 0;
   auto pump = host.CreateTimer([&] {
     client.Pump();
-    if (o.progress && host.Clock() >= next_progress) {
-      next_progress = host.Clock() + 0.5 * o.speed;
-      o.progress(host.Clock() - t0, program.app().frm().status.text());
+    const double now = host.Clock();
+    if (o.progress && now >= next_progress) {
+      next_progress = now + 0.5 * o.speed;
+      o.progress(now - t0, program.app().frm().status.text());
+    }
+    if (o.done && now - t0 > last_line && now >= next_done) {
+      next_done = now + o.speed;
+      if (o.done(transcript_now())) throw PowerOff{};
     }
   });
   pump->SetInterval(50);
   pump->SetEnabled(true);
-  // `run T` ends the run where the program stands, as the power going
-  // off does: out of whatever wait it is in (a client restart waits
-  // without end for a client that never comes).
-  struct PowerOff {};
   host.Schedule(sc.run_until, [] { throw PowerOff{}; });
   try {
+    // The room goes on after the program has exited, until the user
+    // starts it again or the run ends.
+    auto run_on = [&] {
+      for (;;) {
+        try {
+          for (;;) host.DoEvents(end + 1);
+        } catch (const ProgramExited&) {
+        }
+      }
+    };
     for (bool again = true; again;) {
       again = false;
       try {
-        program.Run(false, [&] {
-          late = 0;
-          frozen_at = -1;
-          for (;;) host.DoEvents(end + 1);
-        });
+        try {
+          program.Run(false, [&] {
+            late = 0;
+            frozen_at = -1;
+            run_on();
+          });
+        } catch (const ProgramExited&) {
+          run_on();  // it exited while it was starting
+        }
       } catch (const StartAgain& start) {
         again = true;
         // The start-up is written at the start's moment.
@@ -336,52 +460,9 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   } catch (const PowerOff&) {
   }
   pump->SetEnabled(false);
-
-  // The final state: the program's, and the client's mailboxes and the
-  // mail it holds to send later.
-  const json state = client.State();
-  ordered_json final_state =
-      sim::ProgramFinalState(program.app(), registry, profiles, machine);
+  std::string out = transcript_now();
   program.app().End();
-  ordered_json mailboxes = ordered_json::object();
-  for (const auto& [sn, box] : state["mailboxes"].items()) {
-    ordered_json mails = ordered_json::array();
-    for (const json& m : box)
-      mails.push_back({{"from", m["from"]},
-                       {"subject", m["subject"]},
-                       {"body", m["body"]}});
-    mailboxes[sn] = mails;
-  }
-  final_state["mailboxes"] = mailboxes;
-  if (!state["waiting"].empty()) {
-    ordered_json waiting = ordered_json::array();
-    for (const json& m : state["waiting"])
-      waiting.push_back(
-          {{"to", m["to"]}, {"subject", m["subject"]}, {"body", m["body"]}});
-    final_state["waiting"] = waiting;
-  }
   registry.DeleteApp(kApp);
-
-  // The program's events and the client's, in time order.
-  std::vector<ordered_json> events;
-  std::istringstream in(program_out.str());
-  for (std::string line; std::getline(in, line);)
-    if (!line.empty()) events.push_back(ordered_json::parse(line));
-  for (const json& e : client.Events(w0, o.speed)) {
-    if (e.value("ev", "") == "standin-crash")
-      throw std::runtime_error("the stand-in client failed: " +
-                               e.value("what", ""));
-    events.push_back(ClientEvent(e));
-  }
-  std::stable_sort(events.begin(), events.end(),
-                   [](const ordered_json& a, const ordered_json& b) {
-                     return a["t"].get<double>() < b["t"].get<double>();
-                   });
-  ordered_json final_event{{"t", sc.run_until}, {"ev", "final"}};
-  for (const auto& [k, v] : final_state.items()) final_event[k] = v;
-  events.push_back(std::move(final_event));
-  std::string out;
-  for (const ordered_json& e : events) out += sim::JsonDump(e) + "\n";
   return out;
 }
 

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 
 #include "sim/scenario.h"
@@ -32,6 +33,20 @@ struct BindingOptions {
   // the program's status strip and the client's events so far (for a
   // watch on a long run).
   std::function<void(double t, const std::string& status)> progress;
+  // Asked about once a second of the wall clock, once every timed
+  // line has run, with the transcript as it stands: true ends the run
+  // there, as its `run T` would.
+  std::function<bool(const std::string& transcript)> done;
+  // Timed lines that follow the program, by their place in the
+  // scenario's timeline: such a line runs once the status strip has shown
+  // `text` for the `count`th time, where the simulator's run stood when
+  // the line came, before the line's time or after it (a minute of the
+  // program's clock after it at the most).
+  struct Anchor {
+    std::string text;
+    int count = 1;
+  };
+  std::map<std::size_t, Anchor> anchors;
 };
 
 // Runs the scenario to its end (`run T`) and returns its transcript.

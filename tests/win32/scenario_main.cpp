@@ -20,10 +20,18 @@
 //                         [--transcript FILE (the binding's, written)]
 //                         [--watch S (waits woken by the client's windows
 //                         changing, polling every S s; 0: every 10 ms)]
+//                         [--anchor-exits] [--throughput]
 //
 // Both runs end S seconds after the last timed line, past the file's end
 // if need be; without --settle, 20 s after it or where the file ends them
-// if sooner. The clocks run F times the wall clock.
+// if sooner. The binding's run ends sooner when it stands where the
+// simulator's ended. The clocks run F times the wall clock. With
+// --anchor-exits, an exit the file times to land inside a job lands
+// there in both runs: the binding's comes when its status strip stands
+// where the simulator's stood at that moment (the same text, shown as
+// often), sooner or later than the line's time. With --throughput (a
+// flood, where how many mails go out is the machine's speed) mailboxes
+// are compared as sets and a client restart's lines are left out.
 #include <windows.h>
 
 #include <algorithm>
@@ -108,8 +116,24 @@ std::string Lower(std::string s) {
 const char* kLists[] = {"lstPending", "lstBanned", "lstMails", "ReplyQueue",
                         "MistakeList"};
 
-// What a transcript tells that timing does not decide.
-json Summary(const std::string& transcript, const std::string& user) {
+// The client restart that a count of mails brings: the sent mail
+// deleted, the client closed and started, the room busted back into.
+bool RestartCycle(const std::string& text) {
+  for (const char* part :
+       {"please be patient", "please hold requests and be patient",
+        "deleting <B><U>sent", "deleted <B><U>sent", "restarting <B><U>aol",
+        "restarted <B><U>aol", "quorvex busted ", "stopped busting "})
+    if (text.find(part) != std::string::npos) return true;
+  return false;
+}
+
+// What a transcript tells that timing does not decide. With `throughput`,
+// how many mails go out in the file's time is the machine's speed, not
+// the program's: each person's mails are compared as the subjects they
+// got, not how often, and the restart cycle a count of mails brings is
+// left out.
+json Summary(const std::string& transcript, const std::string& user,
+             bool throughput) {
   std::map<std::string, std::vector<std::string>> taken;
   json prompts = json::array();
   std::set<std::string> user_lines;
@@ -122,7 +146,8 @@ json Summary(const std::string& transcript, const std::string& user) {
       prompts.push_back(ev.value("title", "") + "|" + ev.value("prompt", "") +
                         "|" + ev.value("answer", ""));
     } else if (ev["ev"] == "chat" && ev["sn"] == user &&
-               !Periodic(ev["text"])) {
+               !Periodic(ev["text"]) &&
+               !(throughput && RestartCycle(ev["text"]))) {
       user_lines.insert(Uncounted(Ungrouped(ev["text"].get<std::string>())));
     } else if (ev["ev"] == "final") {
       for (const auto& [name, box] : ev["mailboxes"].items())
@@ -140,6 +165,9 @@ json Summary(const std::string& transcript, const std::string& user) {
   json mailboxes = json::object();
   for (auto& [name, subjects] : taken) {
     std::sort(subjects.begin(), subjects.end());
+    if (throughput)
+      subjects.erase(std::unique(subjects.begin(), subjects.end()),
+                     subjects.end());
     mailboxes[name] = subjects;
   }
   return {{"mailboxes", mailboxes},
@@ -148,7 +176,35 @@ json Summary(const std::string& transcript, const std::string& user) {
           {"lists", lists}};
 }
 
+// Where the simulator's run stood when each of the timeline's exits came:
+// the status strip's text then, and how often it had shown it.
+std::map<std::size_t, test::BindingOptions::Anchor> ExitAnchors(
+    const sim::Scenario& sc, const std::string& transcript) {
+  std::vector<std::pair<double, std::string>> statuses;
+  std::istringstream in(transcript);
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty()) continue;
+    const json ev = json::parse(line);
+    if (ev["ev"] == "status") statuses.emplace_back(ev["t"], ev["text"]);
+  }
+  std::map<std::size_t, test::BindingOptions::Anchor> anchors;
+  for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
+    const sim::TimedLine& line = sc.timeline[i];
+    if (line.verb != "press" || line.name != "lblExit") continue;
+    std::map<std::string, int> shown;
+    std::string text;
+    for (const auto& [t, status] : statuses) {
+      if (t > line.at) break;
+      ++shown[status];
+      text = status;
+    }
+    if (!text.empty()) anchors[i] = {text, shown[text]};
+  }
+  return anchors;
+}
+
 int Run(const std::string& path, double speed, double settle, double watch,
+        bool anchor_exits, bool throughput,
         const std::string& transcript_file) {
   sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
@@ -161,15 +217,23 @@ int Run(const std::string& path, double speed, double settle, double watch,
 
   std::stringstream simulated;
   sim::RunScenario(sc, {}, simulated);
+  const json want = Summary(simulated.str(), sc.user, throughput);
   test::BindingOptions options;
   options.speed = speed;
   options.watch = watch;
+  if (anchor_exits) options.anchors = ExitAnchors(sc, simulated.str());
+  // The binding's run ends as soon as it stands where the simulator's
+  // ended, once every timed line has run: no line remains to change the
+  // program's course, and the rest would be waiting. A run that never
+  // gets there goes on to the end and is compared there.
+  options.done = [&](const std::string& so_far) {
+    return Summary(so_far, sc.user, throughput) == want;
+  };
   const std::string bound = test::RunThroughBinding(sc, options);
   if (!transcript_file.empty())
     std::ofstream(transcript_file, std::ios::binary) << bound;
 
-  const json want = Summary(simulated.str(), sc.user);
-  const json got = Summary(bound, sc.user);
+  const json got = Summary(bound, sc.user, throughput);
   auto text = [](const json& j) {
     return j.dump(-1, ' ', false, json::error_handler_t::replace);
   };
@@ -189,13 +253,18 @@ int main(int argc, char** argv) {
   if (argc < 2) {
     std::fprintf(stderr,
                  "usage: qv_win32_scenario FILE.scn [--speed F] [--settle S] "
-                 "[--transcript FILE] [--watch S]\n");
+                 "[--transcript FILE] [--watch S] [--anchor-exits] "
+                 "[--throughput]\n");
     return 2;
   }
   double speed = 5, settle = 0, watch = 0;
+  bool anchor_exits = false, throughput = false;
   std::string transcript;
-  for (int i = 2; i + 1 < argc; ++i) {
+  for (int i = 2; i < argc; ++i) {
     const std::string arg = argv[i];
+    if (arg == "--anchor-exits") anchor_exits = true;
+    if (arg == "--throughput") throughput = true;
+    if (i + 1 == argc) break;
     if (arg == "--speed") speed = std::stod(argv[i + 1]);
     if (arg == "--settle") settle = std::stod(argv[i + 1]);
     if (arg == "--transcript") transcript = argv[i + 1];
@@ -205,7 +274,8 @@ int main(int argc, char** argv) {
   std::string path = argv[1];
   if (!path.empty() && path[0] == '/') path = "Z:" + path;
   try {
-    return quorvex::Run(path, speed, settle, watch, transcript);
+    return quorvex::Run(path, speed, settle, watch, anchor_exits, throughput,
+                        transcript);
   } catch (const std::exception& e) {
     std::printf("error: %s\n", e.what());
     return 1;
