@@ -4,67 +4,119 @@
 
 namespace quorvex {
 
+// Each context names the fields it fills: two neighbouring references of
+// one type cannot change places unnoticed.
+
 RequestContext MakeRequestContext(FrmMain& frm) {
-  return RequestContext{
-      frm.settings, frm.frmBanning, frm.pending,    frm.lstBanned,
-      frm.lstMails, frm.ReplyQueue, frm.lblPending, &frm.mails_while_reading};
+  return {.settings = frm.settings,
+          .frmBanning = frm.frmBanning,
+          .pending = frm.pending,
+          .lstBanned = frm.lstBanned,
+          .lstMails = frm.lstMails,
+          .ReplyQueue = frm.ReplyQueue,
+          .lblPending = frm.lblPending,
+          .mails_while_reading = &frm.mails_while_reading};
 }
 
 CounterView MakeCounterView(FrmMain& frm) {
-  return CounterView{frm.counters, frm.ports.registry, frm.settings,
-                     frm.lblSent, frm.lblSession};
+  return {.counters = frm.counters,
+          .registry = frm.ports.registry,
+          .settings = frm.settings,
+          .lblSent = frm.lblSent,
+          .lblSession = frm.lblSession};
 }
 
 BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
   const bool* ended = &frm.ended;
   const ClientContext* cc = &c;
-  return BanContext{
-      frm.frmBanning,
-      frm.MistakeList,
-      frm.lstBanned,
-      frm.lblBanned,
-      frm.pending,
-      [ended, cc](const std::string& line) { Say(*cc, *ended, line); },
-      &frm.events};
+  return {
+      .frmBanning = frm.frmBanning,
+      .MistakeList = frm.MistakeList,
+      .lstBanned = frm.lstBanned,
+      .lblBanned = frm.lblBanned,
+      .pending = frm.pending,
+      .say = [ended, cc](const std::string& line) { Say(*cc, *ended, line); },
+      .events = &frm.events};
 }
 
 MailboxLists MakeMailboxLists(FrmMain& frm) {
-  return MailboxLists{frm.lstMails, frm.mail_positions,
-                      frm.lstLists, frm.lblMails,
-                      frm.lblLists, &frm.mails_while_reading};
+  return {.lstMails = frm.lstMails,
+          .mail_positions = frm.mail_positions,
+          .lstLists = frm.lstLists,
+          .lblMails = frm.lblMails,
+          .lblLists = frm.lblLists,
+          .mails_while_reading = &frm.mails_while_reading};
 }
 
 MailJobContext MakeMailJobContext(FrmMain& frm) {
-  return MailJobContext{frm.settings,   frm.frmMessages, MakeMailboxLists(frm),
-                        frm.pending,    frm.lblPending,  frm.ReplyQueue,
-                        frm.dead_mails, frm.ListSeconds, MakeCounterView(frm),
-                        frm.status,     frm.ports.seed,  frm.ended,
-                        &frm.events};
+  return {.settings = frm.settings,
+          .frmMessages = frm.frmMessages,
+          .mailbox = MakeMailboxLists(frm),
+          .pending = frm.pending,
+          .lblPending = frm.lblPending,
+          .ReplyQueue = frm.ReplyQueue,
+          .dead_mails = frm.dead_mails,
+          .ListSeconds = frm.ListSeconds,
+          .counters = MakeCounterView(frm),
+          .status = frm.status,
+          .seed = frm.ports.seed,
+          .ended = frm.ended,
+          .events = &frm.events};
 }
 
 ReplyContext MakeReplyContext(FrmMain& frm) {
-  return ReplyContext{frm.settings, frm.frmMessages,    frm.pending,
-                      frm.lstMails, frm.counters,       frm.ScrollSeconds,
-                      frm.status,   frm.ports.prompter, frm.ports.seed,
-                      frm.ended,    &frm.events};
+  return {.settings = frm.settings,
+          .frmMessages = frm.frmMessages,
+          .pending = frm.pending,
+          .lstMails = frm.lstMails,
+          .counters = frm.counters,
+          .ScrollSeconds = frm.ScrollSeconds,
+          .status = frm.status,
+          .prompter = frm.ports.prompter,
+          .seed = frm.ports.seed,
+          .ended = frm.ended,
+          .events = &frm.events};
 }
 
 RestartContext MakeRestartContext(FrmMain& frm) {
   Ports& p = frm.ports;
-  return RestartContext{
-      p.machine,       p.profiles,   p.registry,     frm.settings,
-      frm.frmMessages, frm.pending,  frm.lblPending, frm.lstBanned,
-      frm.lblBanned,   frm.counters, frm.lblSession, frm.room_name,
-      frm.Timer1,      frm.Timer2,   frm.status,     frm.ended};
+  return {.machine = p.machine,
+          .profiles = p.profiles,
+          .registry = p.registry,
+          .settings = frm.settings,
+          .frmMessages = frm.frmMessages,
+          .pending = frm.pending,
+          .lblPending = frm.lblPending,
+          .lstBanned = frm.lstBanned,
+          .lblBanned = frm.lblBanned,
+          .counters = frm.counters,
+          .lblSession = frm.lblSession,
+          .room_name = frm.room_name,
+          .Timer1 = frm.Timer1,
+          .Timer2 = frm.Timer2,
+          .status = frm.status,
+          .ended = frm.ended};
 }
 
 ServeContext MakeServeContext(FrmMain& frm) {
-  return ServeContext{frm.settings,  frm.ports.prompter, MakeMailboxLists(frm),
-                      frm.pending,   frm.ReplyQueue,     frm.counters,
-                      frm.ServerOn,  frm.ServerPaused,   frm.cmdStart,
-                      frm.cmdPause,  frm.ListSeconds,    frm.ScrollSeconds,
-                      frm.room_name, frm.Timer1,         frm.Timer2,
-                      frm.status,    frm.ended,          &frm.events};
+  return {.settings = frm.settings,
+          .prompter = frm.ports.prompter,
+          .mailbox = MakeMailboxLists(frm),
+          .pending = frm.pending,
+          .ReplyQueue = frm.ReplyQueue,
+          .counters = frm.counters,
+          .ServerOn = frm.ServerOn,
+          .ServerPaused = frm.ServerPaused,
+          .cmdStart = frm.cmdStart,
+          .cmdPause = frm.cmdPause,
+          .ListSeconds = frm.ListSeconds,
+          .ScrollSeconds = frm.ScrollSeconds,
+          .room_name = frm.room_name,
+          .Timer1 = frm.Timer1,
+          .Timer2 = frm.Timer2,
+          .status = frm.status,
+          .ended = frm.ended,
+          .events = &frm.events};
 }
 
 ServeJobs MakeServeJobs(FrmMain& frm, const ClientContext& c) {

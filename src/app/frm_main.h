@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "client/room_buster.h"
+#include "model/draw_status.h"
 #include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
@@ -69,12 +70,12 @@ struct FrmMain {
   std::vector<std::string> dead_mails;
 
   // Counters and captions.
-  Label lblSession{"lblSession", "session: 0"};
-  Label lblLists{"lblLists", "lists: 0"};
-  Label lblMails{"lblMails", "mails: 0"};
-  Label lblSent{"lblSent", "total: 0"};
-  Label lblBanned{"lblBanned", "banned: 0"};
-  Label lblPending{"lblPending", "pending: 0"};
+  Label lblSession{"lblSession", kSessionCount(0)};
+  Label lblLists{"lblLists", kListsCount(0)};
+  Label lblMails{"lblMails", kMailsCount(0)};
+  Label lblSent{"lblSent", kTotalCount(0)};
+  Label lblBanned{"lblBanned", kBannedCount(0)};
+  Label lblPending{"lblPending", kPendingCount(0)};
   Label cmdStart{"cmdStart", "&start"};
   Label cmdPause{"cmdPause", "&pause"};
   Label picTitle{"picTitle", ""};
@@ -116,7 +117,7 @@ struct FrmMain {
 
   ListBox& lstPending() { return pending.list(); }
   const ListBox& lstPending() const { return pending.list(); }
-  void SetStatus(const std::string& text) { status.Draw(text, "#4488BB"); }
+  void SetStatus(const std::string& text) { status.Draw(text, kBandColour); }
 };
 
 // The contexts the request handling and the serving jobs work in, each on

@@ -6,6 +6,7 @@
 #include "client/client_tree.h"
 #include "client/room_buster.h"
 #include "client/session.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "requests/ban_policy.h"
 #include "requests/reply_order.h"
@@ -20,11 +21,7 @@
 
 namespace quorvex {
 
-namespace {
-
-constexpr const char* kTitle = kWindowTitle;
-
-}  // namespace
+namespace {}  // namespace
 
 QuorvexApp::QuorvexApp(Ports ports)
     : frm_(ports),
@@ -76,6 +73,13 @@ SettingsMenuContext QuorvexApp::MenuContext() {
 
 void QuorvexApp::Say(const std::string& text) { ChatSend(client_, text); }
 
+void QuorvexApp::SayBanner(const std::string& how) {
+  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
+  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
+      "</B></U> mails sent since installed");
+  Say(how + " by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+}
+
 void QuorvexApp::Load() {
   Ports& p = frm_.ports;
   LoadSettings(frm_.settings, frm_.menus, p.registry, frm_.lblSent,
@@ -84,7 +88,7 @@ void QuorvexApp::Load() {
   LoadBanning(p.registry, frm_.frmBanning);
   p.registry.Save(kApp, "Settings", "Load", "True");
   p.registry.Save(kApp, "Settings", "Version", kVersion);
-  frm_.picTitle.Set(kTitle);
+  frm_.picTitle.Set(kWindowTitle);
   frm_.SetStatus("status: idle");
   main_form_.Open();
   Emit(&frm_.events, JobOutcome::kStarted, "", "program");
@@ -107,10 +111,7 @@ void QuorvexApp::Load() {
                                 [&p, ini] { return p.machine.FileExists(ini); },
                                 [&p, ini] { p.machine.RemoveFile(ini); }},
                     frm_.lblPending);
-  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
-  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
-      "</B></U> mails sent since installed");
-  Say("loaded by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+  SayBanner("loaded");
 }
 
 void QuorvexApp::Unload() {
@@ -121,10 +122,7 @@ void QuorvexApp::Unload() {
 }
 
 void QuorvexApp::lblExit_Click() {
-  Say("quorvex\xC2\xB0\xC2\xB7\xC2\xB2 mail server by kestrin");
-  Say("<B><U>" + std::to_string(frm_.settings.TotalSent) +
-      "</B></U> mails sent since installed");
-  Say("unloaded by <B><U>" + LCase(frm_.settings.Handle) + "</B></U>");
+  SayBanner("unloaded");
   SaveSettings(frm_.settings, frm_.ports.registry);
   if (frm_.Timer1) frm_.Timer1->SetEnabled(false);
   if (frm_.Timer2) frm_.Timer2->SetEnabled(false);

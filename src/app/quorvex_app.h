@@ -52,6 +52,9 @@ class QuorvexApp {
   void OnChatLine(const std::string& screen_name, const std::string& text);
   // ChatSend through the client's chat input.
   void Say(const std::string& text);
+  // The program's banner in the room, ending "`how` by" the handle
+  // ("loaded", "unloaded").
+  void SayBanner(const std::string& how);
 
   // Controls by name, as the control table declares them. `index` is the
   // 1-based item of a preset group (0: none). Names may be qualified by

@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "model/draw_status.h"
 #include "model/form.h"
 #include "model/label.h"
 #include "ports/prompter.h"
 
 namespace quorvex {
 
-// The title every window of the program paints on its title bar.
-inline constexpr const char* kWindowTitle = "quorvex mail server by kestrin";
 inline constexpr const char* kContactInfoTitle = "contact info";
 inline constexpr const char* kContactInfoText =
     "aol: Kestrin Qv\r\naim: KestrinQuorvex";

@@ -118,4 +118,12 @@ void GetRoomPeople(WindowApi& api, ListBox& list, bool unique) {
   api.CloseHandle(process);
 }
 
+void SayFramed(const ClientContext& c, const bool& ended, std::string_view text,
+               ThenPause then) {
+  PauseSeconds(c.host, kBeforeLine);
+  if (!ended) ChatSend(c, text);
+  if (then == ThenPause::kLine) PauseSeconds(c.host, kBeforeLine);
+  if (then == ThenPause::kReply) PauseSeconds(c.host, kAfterReply);
+}
+
 }  // namespace quorvex

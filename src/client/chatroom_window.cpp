@@ -4,12 +4,12 @@
 
 #include "client/chat_room.h"
 #include "client/wait.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 
 namespace quorvex {
 
 namespace {
-constexpr const char* kTitle = "quorvex mail server by kestrin";
 constexpr int kReturn = 13;
 }  // namespace
 
@@ -38,7 +38,7 @@ void FrmChatroom::Form_Load(ChatScanner& scanner) {
       });
   scanner.SetEnabled(reader_, true);
   // Kept on top by the view; the title is painted in the program's blue.
-  picTitle.Set(kTitle);
+  picTitle.Set(kWindowTitle);
   Timer1->SetEnabled(true);
   form.Open();
 }
@@ -52,7 +52,7 @@ void FrmChatroom::Form_Unload() {
   txtChat.Set("");
   txtSend.Set("");
   lstPeople.Clear();
-  lblPeople.Set("people: 0");
+  lblPeople.Set(kPeopleCount(0));
   picTitle.Set("");
   form.Close();
 }
@@ -66,7 +66,7 @@ void FrmChatroom::Chat1_ChatLine(const std::string& sn,
 void FrmChatroom::Timer1_Timer() {
   lstPeople.Clear();
   GetRoomPeople(c_.api, lstPeople, kChatroomPeopleUnique);
-  lblPeople.Set("people: " + std::to_string(lstPeople.Count()));
+  lblPeople.Set(kPeopleCount(lstPeople.Count()));
   if (Len(txtChat.text) >= kChatroomMirrorLimit) txtChat.Set("");
 }
 
@@ -78,9 +78,7 @@ void FrmChatroom::txtSend_KeyPress(int key) {
     // The serving loop says it in its turn.
     queue_(text);
   } else {
-    PauseSeconds(c_.host, 0.55f);
-    ChatSend(c_, text);
-    PauseSeconds(c_.host, 0.45f);
+    SayFramed(c_, /*ended=*/false, text, ThenPause::kReply);
   }
   txtSend.Set("");
 }

@@ -41,7 +41,7 @@ class FrmChatroom {
   TextBox txtChat;  // the mirrored chat, one "sn:text" line each
   TextBox txtSend;  // the line to say
   ListBox lstPeople{"frmChatroom.lstPeople"};
-  Label lblPeople{"frmChatroom.lblPeople", "people: 0"};
+  Label lblPeople{"frmChatroom.lblPeople", kPeopleCount(0)};
   Label picTitle{"frmChatroom.picTitle", ""};
   std::unique_ptr<HostTimer> Timer1;
 

@@ -24,9 +24,7 @@ Hwnd VisibleMenu(WindowApi& api) {
 // The wait for a tool-bar menu has no limit: the member sees the client
 // and can help it. A click the busy client lost is made again, at a pace.
 WaitOptions MenuClickedAgain(WindowApi& api, Hwnd icon) {
-  return {.repeat = [&api, icon] { PostClickIcon(api, icon); },
-          .pace = kAskAgainSeconds,
-          .pace_max = kAskAgainMaxSeconds};
+  return AskingAgain(nullptr, [&api, icon] { PostClickIcon(api, icon); });
 }
 
 }  // namespace

@@ -19,18 +19,17 @@ void SendIM(const ClientContext& c, std::string_view recipient,
   // A client signed off opens no window and sends nothing: the wait ends
   // there, and the caller's next step finds the client signed off.
   Hwnd window = 0, field = 0, send = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  window = FindDocument(api, kSendIm);
-                  field = FindChild(api, window, aol::kRichTextClass);
-                  send =
-                      FindNthChildAfter(api, window, field, aol::kIconClass, 9);
-                  return window && field && send;
-                },
-                {.give_up = SignedOff(api),
-                 .repeat = [&] { Keyword(api, address); },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            window = FindDocument(api, kSendIm);
+            field = FindChild(api, window, aol::kRichTextClass);
+            send = FindNthChildAfter(api, window, field, aol::kIconClass,
+                                     aol::kImSendIcon);
+            return window && field && send;
+          },
+          AskingAgain(SignedOff(api), [&] { Keyword(api, address); })) !=
+      WaitEnd::kMet)
     return;
 
   SetText(api, field, message);
@@ -41,18 +40,17 @@ void SendIM(const ClientContext& c, std::string_view recipient,
   // shows (a key posted to a button not yet made goes nowhere, and one
   // taken before the box shows is undone by the box taking the focus).
   Hwnd box = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  box = api.FindWindowA(aol::kDialogClass, "America Online");
-                  window = FindDocument(api, kSendIm);
-                  return box ? api.IsWindowVisible(box) &&
-                                   FindChild(api, box, "Button") != 0
-                             : !window;
-                },
-                {.give_up = SignedOff(api),
-                 .repeat = [&] { ClickIcon(api, send); },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            box = api.FindWindowA(aol::kDialogClass, "America Online");
+            window = FindDocument(api, kSendIm);
+            return box ? api.IsWindowVisible(box) &&
+                             FindChild(api, box, "Button") != 0
+                       : !window;
+          },
+          AskingAgain(SignedOff(api), [&] { ClickIcon(api, send); })) !=
+      WaitEnd::kMet)
     return;
   if (!box) return;  // sent without an answer box
   PostKey(api, FindChild(api, box, "Button"), win::kVkSpace);

@@ -11,7 +11,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr int kWriteSendNow = 16;
 // How long the previous "Write Mail" window may take to go out.
 constexpr double kPreviousMailSeconds = 60;
 
@@ -63,7 +62,7 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
   MailControls mail;
   if (WaitUntil(c.host,
                 [&] {
-                  mail.Find(api, window, 14, later);
+                  mail.Find(api, window, aol::kForwardSendNowIcon, later);
                   // Icons are counted by position: a window still being
                   // built must not pass its first ones off as these.
                   for (int i = 1; i <= 4; ++i)
@@ -120,19 +119,18 @@ bool WaitForPreviousWrite(const ClientContext& c) {
     }
     return w == 0;
   };
-  const WaitEnd end = WaitUntil(c.host, none_left,
-                                {.give_up = SignedOff(api),
-                                 .repeat =
-                                     [&] {
-                                       const Hwnd send_now = FindNthChild(
-                                           api, FindWriteMail(api),
-                                           aol::kIconClass, kWriteSendNow);
-                                       if (GetText(api, send_now) == "Send Now")
-                                         ClickIcon(api, send_now);
-                                     },
-                                 .pace = kAskAgainSeconds,
-                                 .pace_max = kAskAgainMaxSeconds,
-                                 .within = kPreviousMailSeconds});
+  const WaitEnd end =
+      WaitUntil(c.host, none_left,
+                AskingAgain(
+                    SignedOff(api),
+                    [&] {
+                      const Hwnd send_now =
+                          FindNthChild(api, FindWriteMail(api), aol::kIconClass,
+                                       aol::kWriteSendNowIcon);
+                      if (GetText(api, send_now) == "Send Now")
+                        ClickIcon(api, send_now);
+                    },
+                    kPreviousMailSeconds));
   if (end == WaitEnd::kGaveUp) return false;
   if (end == WaitEnd::kOutOfTime) {
     return WaitUntil(c.host, [&] { return FindWriteMail(api) == 0; },
@@ -154,22 +152,19 @@ void Write(const ClientContext& c, std::string_view recipients,
 
   MailControls mail;
   Hwnd window = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  window = FindWriteMail(api);
-                  mail.Find(api, window, kWriteSendNow, true);
-                  return !GetText(api, mail.send_now).empty() &&
-                         (!later || !GetText(api, mail.send_later).empty());
-                },
-                {.give_up = SignedOff(api),
-                 // Asked again only while no window has come: one that
-                 // came is still filling in its icons.
-                 .repeat =
-                     [&] {
-                       if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
-                     },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            window = FindWriteMail(api);
+            mail.Find(api, window, aol::kWriteSendNowIcon, true);
+            return !GetText(api, mail.send_now).empty() &&
+                   (!later || !GetText(api, mail.send_later).empty());
+          },
+          // Asked again only while no window has come: one that
+          // came is still filling in its icons.
+          AskingAgain(SignedOff(api), [&] {
+            if (!FindWriteMail(api)) PostClickIcon(api, write_icon);
+          })) != WaitEnd::kMet)
     return;
 
   SetText(api, mail.edit[0], recipients);

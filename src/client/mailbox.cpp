@@ -1,11 +1,13 @@
 #include "client/mailbox.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -78,6 +80,13 @@ bool IsForeignListTitle(std::string_view title) {
   return Like(title, "*velo-grid list number *");
 }
 
+bool KeepsMailTitle(std::string_view title, int position, bool skipForeignLists,
+                    std::vector<int>* positions) {
+  if (skipForeignLists && IsForeignListTitle(title)) return false;
+  if (positions) positions->push_back(position);
+  return true;
+}
+
 void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
                  StatusStrip& status, std::vector<int>* positions) {
   WindowApi& api = c.api;
@@ -94,15 +103,15 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
 
   for (int i = 0; i < count; ++i) {
     c.host.DoEvents();
+    // Added before it is judged, as the list shows it for a moment.
     list.Add(MailTitleOf(ListText(api, tree, i)));
-    if (skipForeignLists && IsForeignListTitle(list.Item(list.Count() - 1)))
+    if (!KeepsMailTitle(list.Item(list.Count() - 1), i, skipForeignLists,
+                        positions))
       list.Remove(list.Count() - 1);
-    else if (positions)
-      positions->push_back(i);
     // The index, not the number read: the first report says 0 mails.
     if (i % 10 == 0)
       status.Draw("status: refreshed " + std::to_string(i) + " mails",
-                  "#4488BB");
+                  kBandColour);
   }
 }
 
@@ -128,14 +137,41 @@ void OpenMail(const ClientContext& c, int position) {
   PostKey(api, tree, win::kVkReturn);
 }
 
-void DeleteSentMail(const ClientContext& c) {
-  WindowApi& api = c.api;
-  Hwnd box = 0;
-  WaitUntil(c.host, [&] { return (box = FindTabbedMailbox(api)) != 0; },
+namespace {
+
+// Opens a window from the tool bar's mail menu, asking until `find` finds
+// it.
+Hwnd OpenFromMailMenu(const ClientContext& c, char key,
+                      const std::function<Hwnd()>& find) {
+  Hwnd window = 0;
+  WaitUntil(c.host, [&] { return (window = find()) != 0; },
             {.every = 1, .repeat = [&] {
-               RunToolbarMenu(c, aol::kToolbarMailIcon, 'S');
+               RunToolbarMenu(c, aol::kToolbarMailIcon, key);
                Pause(c.host, 0.8);
              }});
+  return window;
+}
+
+// Clicks `icon` until `list` is empty; false when the client signed off
+// first.
+bool ClickUntilEmpty(const ClientContext& c, Hwnd icon, Hwnd list) {
+  WindowApi& api = c.api;
+  return WaitUntil(c.host,
+                   [&] {
+                     DoEvents(c.host, 2);
+                     ClickIcon(api, icon);
+                     DoEvents(c.host, 2);
+                     return ListCount(api, list) == 0;
+                   },
+                   {.give_up = SignedOff(api)}) == WaitEnd::kMet;
+}
+
+}  // namespace
+
+void DeleteSentMail(const ClientContext& c) {
+  WindowApi& api = c.api;
+  const Hwnd box =
+      OpenFromMailMenu(c, 'S', [&] { return FindTabbedMailbox(api); });
   const Hwnd tabs = FindChild(api, box, aol::kTabControlClass);
   const Hwnd sent = FindChild(
       api, FindNthChild(api, tabs, aol::kTabPageClass, 3), aol::kTreeClass);
@@ -155,15 +191,7 @@ void DeleteSentMail(const ClientContext& c) {
     return;
 
   if (count != 0) {
-    if (WaitUntil(c.host,
-                  [&] {
-                    DoEvents(c.host, 2);
-                    ClickIcon(api, delete_icon);
-                    DoEvents(c.host, 2);
-                    return ListCount(api, sent) == 0;
-                  },
-                  {.give_up = SignedOff(api)}) != WaitEnd::kMet)
-      return;
+    if (!ClickUntilEmpty(c, delete_icon, sent)) return;
     PauseSeconds(c.host, 1);
   }
   CloseWindow(api, box);
@@ -171,25 +199,12 @@ void DeleteSentMail(const ClientContext& c) {
 
 void DeleteMailWaiting(const ClientContext& c) {
   WindowApi& api = c.api;
-  Hwnd box = 0;
-  WaitUntil(c.host,
-            [&] { return (box = FindDocument(api, kMailWaiting)) != 0; },
-            {.every = 1, .repeat = [&] {
-               RunToolbarMenu(c, aol::kToolbarMailIcon, 'b');
-               Pause(c.host, 0.8);
-             }});
+  const Hwnd box =
+      OpenFromMailMenu(c, 'b', [&] { return FindDocument(api, kMailWaiting); });
   const Hwnd delete_icon =
       FindNthChild(api, box, aol::kIconClass, aol::kWaitingDeleteIcon);
   const Hwnd queued = FindChild(api, box, aol::kTreeClass);
-  if (WaitUntil(c.host,
-                [&] {
-                  DoEvents(c.host, 2);
-                  ClickIcon(api, delete_icon);
-                  DoEvents(c.host, 2);
-                  return ListCount(api, queued) == 0;
-                },
-                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
-    return;
+  if (!ClickUntilEmpty(c, delete_icon, queued)) return;
   PauseSeconds(c.host, 1);
   CloseWindow(api, box);
 }
@@ -209,11 +224,8 @@ void ShrinkMailWindows(const ClientContext& c) {
   const int position =
       std::max(0, std::min(kShrinkMail, GetMailCount(api) - 1));
   auto open = [&] { OpenMail(c, position); };
-  const WaitOptions nudged{.give_up = signed_off,
-                           .repeat = open,
-                           .pace = kAskAgainSeconds,
-                           .pace_max = kAskAgainMaxSeconds,
-                           .within = kShrinkWindowSeconds};
+  const WaitOptions nudged =
+      AskingAgain(signed_off, open, kShrinkWindowSeconds);
   open();
   // The mail's window with its Forward icon, which the client makes after
   // the window.
@@ -234,8 +246,8 @@ void ShrinkMailWindows(const ClientContext& c) {
 
   ClickIcon(api, forward_icon);
   Hwnd forward = 0;
-  WaitOptions click_again = nudged;
-  click_again.repeat = [&] { ClickIcon(api, forward_icon); };
+  const WaitOptions click_again = AskingAgain(
+      signed_off, [&] { ClickIcon(api, forward_icon); }, kShrinkWindowSeconds);
   if (WaitUntil(
           c.host, [&] { return (forward = FindComposeWindow(api)) != 0; },
           click_again) != WaitEnd::kMet)
@@ -247,10 +259,11 @@ void ShrinkMailWindows(const ClientContext& c) {
   const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
   Hwnd write = 0;
-  click_again.repeat = [&] { PostClickIcon(api, write_icon); };
   if (WaitUntil(
           c.host, [&] { return (write = FindWriteMail(api)) != 0; },
-          click_again) != WaitEnd::kMet)
+          AskingAgain(
+              signed_off, [&] { PostClickIcon(api, write_icon); },
+              kShrinkWindowSeconds)) != WaitEnd::kMet)
     return;
   RememberSmall(c, write);
   CloseAll(c, FindWriteMail);

@@ -27,6 +27,11 @@ void LoadMailbox(const ClientContext& c, ListBox& list, bool skipForeignLists,
                  StatusStrip& status, std::vector<int>* positions = nullptr);
 // Whether a title is the list mail of another server.
 bool IsForeignListTitle(std::string_view title);
+// Whether a read of the mailbox keeps the title of the mail at zero-based
+// `position`: with skipForeignLists, not another server's list mail. A
+// kept title's position goes to `positions`, when given.
+bool KeepsMailTitle(std::string_view title, int position, bool skipForeignLists,
+                    std::vector<int>* positions);
 // Mails in "Incoming/Saved Mail"; 0 when it is not open.
 int GetMailCount(WindowApi& api);
 // The title at a zero-based position, "" past the end.

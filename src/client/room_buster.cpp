@@ -6,6 +6,7 @@
 #include "client/error_boxes.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -13,7 +14,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr const char* kTitle = "quorvex mail server by kestrin";
 constexpr const char* kRoomAddress = "aol://2719:2-2-";
 
 // The client's message box: here, the refusal of a full room.
@@ -43,7 +43,7 @@ void FrmRoomBuster::Form_Load() {
   if (form.open()) return;
   form.Open();
   // Kept on top by the view; the title is painted in the program's blue.
-  picTitle.Set(kTitle);
+  picTitle.Set(kWindowTitle);
 }
 
 void FrmRoomBuster::Form_Unload() {
@@ -56,7 +56,7 @@ void FrmRoomBuster::Form_Unload() {
   txtRoom.Set("");
   txtRoom.SetEnabled(true);
   cmdStart.Set("&start");
-  lblBusts.Set("busts: 0");
+  lblBusts.Set(kBustsCount(0));
   picTitle.Set("");
 }
 
@@ -88,7 +88,7 @@ void FrmRoomBuster::Stop() {
   tries_ = 0;
   busts_ = 0;
   if (restart == BusterRestart::kBust) restart = BusterRestart::kNone;
-  lblBusts.Set("busts: 0");
+  lblBusts.Set(kBustsCount(0));
   cmdStart.Set("&start");
 }
 
@@ -123,7 +123,7 @@ void FrmRoomBuster::Timer1_Timer() {
   if (Hwnd box = FindClientMessageBox(api)) {
     CloseWindow(api, box);
     ++busts_;
-    lblBusts.Set("busts: " + std::to_string(busts_));
+    lblBusts.Set(kBustsCount(busts_));
   }
 }
 

@@ -44,7 +44,7 @@ class FrmRoomBuster {
   Form form{"frmRoomBuster"};
   TextBox txtRoom;
   Label cmdStart{"frmRoomBuster.cmdStart", "&start"};
-  Label lblBusts{"frmRoomBuster.lblBusts", "busts: 0"};
+  Label lblBusts{"frmRoomBuster.lblBusts", kBustsCount(0)};
   Label picTitle{"frmRoomBuster.picTitle", ""};
   std::unique_ptr<HostTimer> Timer1;
   BusterRestart restart = BusterRestart::kNone;

@@ -8,6 +8,7 @@
 #include "client/instant_messages.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
 
@@ -15,7 +16,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr unsigned kBmGetCheck = 240;
 // GetPrivateProfileStringA's buffer: the path is cut to one less.
 constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
@@ -25,7 +25,7 @@ constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
 void SetStatus(const SessionContext& s, const char* text) {
-  s.status.Draw(text, "#4488BB");
+  s.status.Draw(text, kBandColour);
 }
 
 // Starts a program with normal focus and yields once.
@@ -235,11 +235,10 @@ void SetMailPreferences(const ClientContext& c) {
                              aol::kIconClass, "Mail");
   };
   Keyword(api, "Preferences");
-  if (WaitUntil(c.host, [&] { return mail_tab() != 0; },
-                {.give_up = signed_off,
-                 .repeat = [&] { Keyword(api, "Preferences"); },
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host, [&] { return mail_tab() != 0; }, AskingAgain(signed_off, [&] {
+            Keyword(api, "Preferences");
+          })) != WaitEnd::kMet)
     return;
 
   // Its "Mail" tab opens the page, a modal of check boxes.
@@ -247,35 +246,30 @@ void SetMailPreferences(const ClientContext& c) {
   click_mail_tab();
   Hwnd page = 0;
   auto ok_icon = [&] { return api.FindWindowExA(page, 0, "_AOL_icon", "OK"); };
-  if (WaitUntil(c.host,
-                [&] {
-                  page = api.FindWindowA(aol::kModalClass, "Mail Preferences");
-                  if (!page || !ok_icon()) return false;
-                  for (const MailPreference& p : kMailPreferences)
-                    if (!api.FindWindowExA(page, 0, aol::kCheckboxClass,
-                                           p.label))
-                      return false;
-                  return true;
-                },
-                {.give_up = signed_off,
-                 .repeat = click_mail_tab,
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            page = api.FindWindowA(aol::kModalClass, "Mail Preferences");
+            if (!page || !ok_icon()) return false;
+            for (const MailPreference& p : kMailPreferences)
+              if (!api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label))
+                return false;
+            return true;
+          },
+          AskingAgain(signed_off, click_mail_tab)) != WaitEnd::kMet)
     return;
 
   // A click toggles a box: only those not yet as wanted are clicked.
   for (const MailPreference& p : kMailPreferences) {
     const Hwnd box = api.FindWindowExA(page, 0, aol::kCheckboxClass, p.label);
-    if (box != 0 && api.SendMessageA(box, kBmGetCheck, 0, 0) != p.checked)
+    if (box != 0 && api.SendMessageA(box, win::kBmGetCheck, 0, 0) != p.checked)
       ClickIcon(api, box);
   }
   auto click_ok = [&] { ClickIcon(api, ok_icon()); };
   click_ok();
-  WaitUntil(c.host, [&] { return !api.IsWindow(page); },
-            {.give_up = signed_off,
-             .repeat = click_ok,
-             .pace = kAskAgainSeconds,
-             .pace_max = kAskAgainMaxSeconds});
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(page); },
+      AskingAgain(signed_off, click_ok));
   CloseWindow(api, FindDocument(api, "Preferences"));
 }
 

@@ -2,11 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "model/text_util.h"
 #include "ports/wait_trace.h"
 
 namespace quorvex {
+
+WaitOptions AskingAgain(std::function<bool()> give_up,
+                        std::function<void()> repeat, double within) {
+  return {.give_up = std::move(give_up),
+          .repeat = std::move(repeat),
+          .pace = kAskAgainSeconds,
+          .pace_max = kAskAgainMaxSeconds,
+          .within = within};
+}
 
 WaitEnd WaitUntil(Host& host, const std::function<bool()>& met,
                   const WaitOptions& how, WaitPlace where) {

@@ -50,6 +50,12 @@ enum class WaitEnd { kMet, kGaveUp, kOutOfRounds, kOutOfTime };
 inline constexpr double kAskAgainSeconds = 10;
 inline constexpr double kAskAgainMaxSeconds = 40;
 
+// A wait that asks the client again with `repeat` at that pace, giving up
+// when `give_up` holds and, with `within` above 0, that many seconds after
+// it began.
+WaitOptions AskingAgain(std::function<bool()> give_up,
+                        std::function<void()> repeat, double within = 0);
+
 // Polls `met` until it holds. A round: poll; give up?; met?; out of rounds?;
 // yield (DoEvents); pause; repeat action. There is no time limit of its
 // own: a virtual host ends a run by throwing out of DoEvents (at its end,

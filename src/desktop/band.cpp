@@ -62,7 +62,7 @@ void Drag(HWND hwnd) {
   BandState* s = State(hwnd);
   const std::string text = s->text;
   s->fore = RGB(0xE0, 0xE0, 0xE0);
-  SetBand(hwnd, kDragColour, kTitleText);
+  SetBand(hwnd, kDragColour, kWindowTitle);
   UpdateWindow(hwnd);
   ReleaseCapture();
   SendMessageW(GetAncestor(hwnd, GA_ROOT), WM_NCLBUTTONDOWN, HTCAPTION, 0);

@@ -17,9 +17,6 @@ inline constexpr const wchar_t* kCreditsClass = L"QuorvexCredits";
 inline constexpr const wchar_t* kChatroomClass = L"QuorvexChatroom";
 inline constexpr const wchar_t* kBandClass = L"QuorvexBand";
 
-// Every window's title, drawn on its title bar.
-inline constexpr const char* kTitleText = "quorvex mail server by kestrin";
-
 enum ControlId : int {
   // Shared by every window.
   kIdPicTitle = 100,

@@ -9,7 +9,7 @@
 namespace quorvex::desktop {
 
 void MainWindow::Create() {
-  CreateTopLevel(kMainClass, kTitleText, 80, 60, kWidth, kHeight);
+  CreateTopLevel(kMainClass, kWindowTitle, 80, 60, kWidth, kHeight);
   CreateControls();
   Bind();
   ShowWindow(hwnd(), SW_SHOW);

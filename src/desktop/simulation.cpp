@@ -41,12 +41,7 @@ Simulation::Simulation(Host& host, const fs::path& root)
       client_.Start();
   });
   machine_.SetRebootHook([] {});
-  const std::string client_folder = "C:\\Program Files\\AOL";
-  profiles_.WriteString(machine_.HostPath("C:\\Windows\\Win.INI"), "WAOL",
-                        "AppPath", client_folder);
-  const fs::path program = machine_.HostPath(client_folder + "\\AOL.exe");
-  fs::create_directories(program.parent_path());
-  std::ofstream(program, std::ios::binary) << "MZ";
+  sim::InstallClient(machine_, profiles_, room_);
   client_.Launch();
 }
 

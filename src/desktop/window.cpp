@@ -10,6 +10,7 @@
 #include "desktop/band.h"
 #include "desktop/control_ids.h"
 #include "desktop/wide_text.h"
+#include "model/draw_status.h"
 #include "model/text_util.h"
 
 namespace quorvex::desktop {
@@ -148,7 +149,7 @@ void SmallWindow::CreateSmall(const wchar_t* class_name,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
   HWND title = CreateBand(hwnd(), kIdPicTitle, 0, 0, w, 20, true);
-  SetBand(title, "#4488BB", kTitleText);
+  SetBand(title, kBandColour, kWindowTitle);
   if (with_exit) {
     HWND exit = Child(L"STATIC", "x", SS_CENTER | SS_NOTIFY, w - 18, 3, 14, 14,
                       kIdLblExit);

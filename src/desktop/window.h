@@ -16,7 +16,6 @@ namespace quorvex::desktop {
 // The colours of the program's windows.
 inline constexpr COLORREF kBackColour = RGB(24, 40, 56);
 inline constexpr COLORREF kForeColour = RGB(230, 238, 245);
-inline constexpr COLORREF kTitleBase = RGB(68, 136, 187);
 
 class Window {
  public:

@@ -21,6 +21,9 @@ struct Rgb {
 inline constexpr const char* kBandColour = "#4488BB";
 inline constexpr const char* kDragColour = "#66AADD";
 
+// The text every window of the program paints on its title bar.
+inline constexpr const char* kWindowTitle = "quorvex mail server by kestrin";
+
 // A picture needs at least this many rows for a shaded band; a lower one
 // (where the shading step would divide by zero) is painted flat in the
 // base colour.

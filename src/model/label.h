@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "model/draw_status.h"
 #include "model/observers.h"
 
 namespace quorvex {
@@ -35,6 +36,23 @@ class Label {
   Observers<const Label&> observers_;
 };
 
+// The caption of a counter's label: its word, a colon and the count
+// ("pending: 12").
+struct CountCaption {
+  const char* word;
+  std::string operator()(long long n) const {
+    return std::string(word) + ": " + std::to_string(n);
+  }
+};
+inline constexpr CountCaption kSessionCount{"session"};
+inline constexpr CountCaption kListsCount{"lists"};
+inline constexpr CountCaption kMailsCount{"mails"};
+inline constexpr CountCaption kTotalCount{"total"};
+inline constexpr CountCaption kBannedCount{"banned"};
+inline constexpr CountCaption kPendingCount{"pending"};
+inline constexpr CountCaption kBustsCount{"busts"};
+inline constexpr CountCaption kPeopleCount{"people"};
+
 // The status strip (`picStatus`) painted by DrawStatus: a text and the
 // colour of its band.
 class StatusStrip {
@@ -44,7 +62,7 @@ class StatusStrip {
   const std::string& text() const { return text_; }
   const std::string& colour() const { return colour_; }
   // DrawStatus(picStatus, colour, text).
-  void Draw(std::string text, std::string colour = "#4488BB") {
+  void Draw(std::string text, std::string colour = kBandColour) {
     bool changed = text != text_;
     text_ = std::move(text);
     colour_ = std::move(colour);
@@ -55,7 +73,7 @@ class StatusStrip {
 
  private:
   std::string text_;
-  std::string colour_ = "#4488BB";
+  std::string colour_ = kBandColour;
   Observers<const StatusStrip&> observers_;
 };
 

@@ -37,6 +37,15 @@ inline constexpr int kToolbarWriteIcon = 2;     // "Write"
 inline constexpr int kOpenMailForwardIcon = 8;  // an open mail's "Forward"
 inline constexpr int kMailboxDeleteIcon = 7;    // the online mailbox's "Delete"
 inline constexpr int kWaitingDeleteIcon = 2;    // mail waiting to be sent
-inline constexpr int kImSendIcon = 9;           // after the IM's text field
+// A forward window's "Send Now", then its "Send Later".
+inline constexpr int kForwardSendNowIcon = 14;
+inline constexpr int kForwardSendLaterIcon = 15;
+// Write Mail's "Send Now", then its "Send Later".
+inline constexpr int kWriteSendNowIcon = 16;
+inline constexpr int kWriteSendLaterIcon = 17;
+// An instant message's "Send", counted from its text field; the window's
+// own count has the icons before the field ("Address Book") too.
+inline constexpr int kImSendIcon = 9;
+inline constexpr int kImIconsBeforeText = 1;
 
 }  // namespace quorvex::aol

@@ -30,8 +30,11 @@ constexpr unsigned kEmGetLine = 196;
 constexpr unsigned kWmKeyDown = 256;
 constexpr unsigned kWmKeyUp = 257;
 constexpr unsigned kWmChar = 258;
+constexpr unsigned kBmGetCheck = 240;
+constexpr unsigned kBmSetCheck = 241;
 constexpr unsigned kWmCommand = 273;
 constexpr unsigned kLbSetCurSel = 390;
+constexpr unsigned kLbGetCurSel = 392;
 constexpr unsigned kLbGetText = 393;
 constexpr unsigned kLbGetTextLen = 394;
 constexpr unsigned kLbGetCount = 395;
@@ -60,6 +63,8 @@ constexpr int kVkUp = 38;
 constexpr int kVkRight = 39;
 
 constexpr std::uint32_t kProcessVmReadStd = 0xF0010;
+// What a list box answers for no item (LB_ERR).
+constexpr std::intptr_t kLbErr = -1;
 }  // namespace win
 
 struct Point {

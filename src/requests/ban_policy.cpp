@@ -43,7 +43,7 @@ std::string ReadCombo(const Registry& registry, const char* key,
 void Ban(BanContext& ctx, const std::string& sn) {
   ctx.MistakeList.Add(sn + "-banned");
   ctx.lstBanned.Add(sn);
-  ctx.lblBanned.Set("banned: " + std::to_string(ctx.lstBanned.Count()));
+  ctx.lblBanned.Set(kBannedCount(ctx.lstBanned.Count()));
   ctx.pending.RemovePerson(sn);
   ctx.say("(" + sn + ") you are now banned");
   Emit(ctx.events, JobOutcome::kBanned, sn, "too many mistakes");
@@ -131,7 +131,7 @@ void AddMistake(BanContext& ctx, const std::string& sn) {
 void BannedLeftClick(ListBox& lstBanned, Label& lblBanned) {
   if (lstBanned.Empty()) return;
   lstBanned.Remove(lstBanned.selected());
-  lblBanned.Set("banned: " + std::to_string(lstBanned.Count()));
+  lblBanned.Set(kBannedCount(lstBanned.Count()));
 }
 
 }  // namespace quorvex

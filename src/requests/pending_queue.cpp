@@ -337,14 +337,14 @@ void PendingQueue::Load(const PendingFile& file, Label& lblPending) {
   if (IsNumeric(total)) {
     std::vector<std::string> lines = section.Numbered("Pending ", total);
     // The lines loaded, which a damaged count may overstate.
-    lblPending.Set("pending: " + std::to_string(lines.size()));
+    lblPending.Set(kPendingCount(lines.size()));
     for (std::string& line : lines) lstPending_.Add(std::move(line));
   }
   file.remove();
 }
 
 void PendingQueue::RefreshLabel(Label& lblPending) const {
-  lblPending.Set("pending: " + std::to_string(lstPending_.Count()));
+  lblPending.Set(kPendingCount(lstPending_.Count()));
 }
 
 }  // namespace quorvex

@@ -18,7 +18,7 @@ std::string RoomForm::DoubleClick(ListBox& lstBanned, Label& lblBanned,
   if (selected < 0) return "";
   std::string name = lstRoom.Item(selected);
   lstBanned.Add(name);
-  lblBanned.Set("banned: " + std::to_string(lstBanned.Count()));
+  lblBanned.Set(kBannedCount(lstBanned.Count()));
   pending.RemoveRequester(name, true);
   lstRoom.Remove(selected);
   pending.RefreshLabel(lblPending);

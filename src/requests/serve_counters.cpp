@@ -38,14 +38,14 @@ void AdvanceServeCounters(const CounterView& view, std::int64_t n) {
   std::int32_t total = SaturatingAdd(StoredTotal(view.registry), n);
   view.registry.Save(kApp, "Settings", "TotalSent", std::to_string(total));
   view.settings.TotalSent = total;
-  view.lblSent.Set("total: " + std::to_string(total));
+  view.lblSent.Set(kTotalCount(total));
 
   ServeCounters& c = view.counters;
   c.session = SaturatingAdd(c.session, n);
   c.AOLCount = SaturatingAdd(c.AOLCount, n);
   c.CPUCount = SaturatingAdd(c.CPUCount, n);
   c.SentCount = SaturatingAdd(c.SentCount, n);
-  view.lblSession.Set("session: " + std::to_string(c.session));
+  view.lblSession.Set(kSessionCount(c.session));
 }
 
 }  // namespace quorvex

@@ -1,9 +1,11 @@
 #include "server/error_sweep.h"
 
+#include "client/chat_room.h"
 #include "client/error_boxes.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
 #include "model/text_util.h"
+#include "server/dead_mail.h"
 #include "server/forward_job.h"
 #include "server/server_common.h"
 
@@ -11,77 +13,25 @@ namespace quorvex {
 
 namespace {
 
-constexpr float kAroundLine = 0.55f;
-constexpr double kAfterError = 2;
 constexpr std::int64_t kHandlerRounds = 300;
 
-// Closes the forward window the box was about, if it is still there.
-bool CloseForwardWindow(WindowApi& api) {
-  const Hwnd forward = FindForwardWindow(api);
-  if (forward) CloseWindow(api, forward);
-  return forward != 0;
-}
-
-void AnnounceDeadMail(const MailJobContext& m, const ClientContext& c,
-                      const std::string& sn, const std::string& number) {
-  PauseSeconds(c.host, kAroundLine);
-  Say(c, m.ended, DeadMailLine(sn, number));
-  PauseSeconds(c.host, kAroundLine);
-}
-
-// Nobody waits for a mail that cannot be sent: every other mail entry for
-// the number leaves the queue, each told so, found through the queue's
-// index of mail lines by number.
-void DropDeadRequests(const MailJobContext& m, const ClientContext& c,
-                      const std::string& number) {
-  // One at a time: each notice pauses, and new lines may come meanwhile.
-  // Only those queued when the walk began: people who keep asking for the
-  // mail would otherwise keep this walk, and the tick, going for ever;
-  // later ones are told by the next ticks, one each.
-  const std::uint64_t queued = m.pending.IdsBelowFuture();
-  while (std::optional<std::string> sn =
-             m.pending.TakeFirstMailFor(number, queued)) {
-    m.pending.RefreshLabel(m.lblPending);
-    AnnounceDeadMail(m, c, *sn, number);
-    Emit(m.events, JobOutcome::kDeadMail, *sn, "send " + number);
-  }
-}
-
 void HandleErrorWindow(const MailJobContext& m, const ClientContext& c,
-                       ForwardScratch& f, Hwnd error) {
+                       ForwardUnderWay& f, Hwnd error) {
   WindowApi& api = c.api;
   const std::string text = GetErrorText(api, error);
   const auto dash = text.find('-');
   if (dash != std::string::npos && dash >= 1) {
     for (const std::string& sn : FullMailboxNames(text)) {
       m.pending.DropFullMailbox(sn, m.ReplyQueue);
-      Emit(m.events, JobOutcome::kFullMailbox, sn, f.what);
-      f.full_mailboxes.push_back(sn);
+      Emit(m.events, JobOutcome::kFullMailbox, sn, f.what());
+      f.RefusedBy(sn);
     }
     m.pending.RefreshLabel(m.lblPending);
   }
   DismissErrorWindow(api, error);
   CloseForwardWindow(api);
   m.status.Draw("status: pausing 2 secs");
-  Pause(c.host, kAfterError);
-}
-
-void HandleDeadMail(const MailJobContext& m, const ClientContext& c,
-                    ForwardScratch& f, Hwnd box) {
-  WindowApi& api = c.api;
-  PressButton(api, FindDialogButton(api, box, "OK"));
-  CloseForwardWindow(api);
-  // The job's values may change while this pauses; the notice is about
-  // the mail that was being forwarded when the box came.
-  const std::string sn = f.sn;
-  const std::string number = f.number;
-  m.status.Draw("status: mail " + number + " is a dead mail");
-  m.status.Draw("status: pausing 2 secs");
-  Pause(c.host, kAfterError);
-  AnnounceDeadMail(m, c, sn, number);
-  if (!IsDeadMail(m.dead_mails, number)) m.dead_mails.push_back(number);
-  ForwardFailed(f);
-  DropDeadRequests(m, c, number);
+  Pause(c.host, kAfterClientBoxSeconds);
 }
 
 }  // namespace
@@ -107,7 +57,7 @@ std::vector<std::string> FullMailboxNames(std::string_view error_text) {
 }
 
 void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
-                         ForwardScratch& f) {
+                         ForwardUnderWay& f) {
   WindowApi& api = c.api;
   Hwnd error = 0;
   Hwnd box = 0;
@@ -122,17 +72,16 @@ void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
   if (error)
     HandleErrorWindow(m, c, f, error);
   else if (box)
-    HandleDeadMail(m, c, f, box);
+    HandleDeadMailBox(m, c, f, box);
 }
 
 void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
-                       ForwardScratch& f) {
-  if (f.in_sweep) return;
-  f.in_sweep = true;
+                       ForwardUnderWay& f) {
+  if (!f.EnterSweep()) return;
   struct Done {
-    bool& flag;
-    ~Done() { flag = false; }
-  } done{f.in_sweep};
+    ForwardUnderWay& f;
+    ~Done() { f.LeaveSweep(); }
+  } done{f};
 
   WindowApi& api = c.api;
   if (const Hwnd waol = FindDialog(api, "Waol")) CloseWindow(api, waol);
@@ -140,7 +89,7 @@ void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
     PressButton(api, FindDialogButton(api, box, "OK"));
     // The refused forward would stay open, and the job wait for it to
     // close, for ever; it was not sent, so no "sent" is said for it.
-    if (CloseForwardWindow(api)) ForwardFailed(f);
+    if (CloseForwardWindow(api)) f.Failed();
   }
   if (FindErrorWindow(api)) ForwardErrorHandler(m, c, f);
   if (FindClientBox(api, kDeadMailBoxText)) ForwardErrorHandler(m, c, f);

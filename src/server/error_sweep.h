@@ -14,16 +14,19 @@
 
 namespace quorvex {
 
+// The pause after answering one of the client's boxes.
+inline constexpr double kAfterClientBoxSeconds = 2;
+
 // One pass over the boxes, in a fixed order, answering each one found. A
 // sweep started while another is under way (Timer2 inside a pause of the
 // sweep) returns at once.
 void ForwardErrorSweep(const MailJobContext& m, const ClientContext& c,
-                       ForwardScratch& f);
+                       ForwardUnderWay& f);
 
 // Waits up to 300 rounds for the "Error" window or the dead-mail box and
 // handles whichever came.
 void ForwardErrorHandler(const MailJobContext& m, const ClientContext& c,
-                         ForwardScratch& f);
+                         ForwardUnderWay& f);
 
 // The lower-case screen names of the "Error" window's text: one per line,
 // before the line's first "-" (and after a ":" that comes before it),

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "client/chat_room.h"
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/mail_send.h"
@@ -11,6 +12,7 @@
 #include "client/window_ops.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
+#include "server/dead_mail.h"
 #include "server/error_sweep.h"
 #include "server/server_common.h"
 #include "settings/random_number.h"
@@ -19,9 +21,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr float kBeforeLine = 0.55f;
-constexpr float kAfterLine = 0.45f;
-constexpr int kSendNow = 14, kSendLater = 15;  // of a forward window
 // How long the mail's window and its forward window may take to come.
 constexpr double kMailWindowSeconds = 60;
 
@@ -45,28 +44,13 @@ std::string NotifyText(const MailJobContext& m, Host& host) {
   return chat.Item(pick - 1);
 }
 
-bool IsDeadMail(const std::vector<std::string>& dead_mails,
-                std::string_view number) {
-  return std::find(dead_mails.begin(), dead_mails.end(), number) !=
-         dead_mails.end();
-}
-
-std::string DeadMailLine(std::string_view sn, std::string_view number) {
-  return std::string(sn) + " mail <U>" + std::string(number) +
-         "</U> is a dead mail";
+bool CloseForwardWindow(WindowApi& api) {
+  const Hwnd forward = FindForwardWindow(api);
+  if (forward) CloseWindow(api, forward);
+  return forward != 0;
 }
 
 namespace {
-
-// A mail whose window never came: said dead, and not opened again.
-void GiveUpDeadMail(const MailJobContext& m, const ClientContext& c,
-                    ForwardScratch& f) {
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, m.ended, DeadMailLine(f.sn, f.number));
-  PauseSeconds(c.host, kAfterLine);
-  if (!IsDeadMail(m.dead_mails, f.number)) m.dead_mails.push_back(f.number);
-  ForwardFailed(f);
-}
 
 // Where mail `number` (1-based in lstMails) stands in the mailbox.
 int MailboxPosition(const MailJobContext& m, int number) {
@@ -108,9 +92,9 @@ Hwnd FindForwardWindow(WindowApi& api) {
 bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
                        int number, std::string_view recipients,
                        std::string_view body, const ForwardSteps& steps,
-                       ForwardScratch& f) {
+                       ForwardUnderWay& f) {
   WindowApi& api = c.api;
-  f.handed = false;
+  f.StartForward();
   // The parser checks numbers against the mailbox; a mailbox that shrank
   // since would leave the job waiting for a mail that never opens.
   if (number < 1 || number > m.mailbox.lstMails.Count()) return false;
@@ -129,14 +113,8 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   };
   // Asked again at a pace a slow client can answer, and not for ever: a
   // mail whose window does not come is given up as a dead one.
-  const WaitOptions nudged{.give_up = SignedOff(api),
-                           .pace = kAskAgainSeconds,
-                           .pace_max = kAskAgainMaxSeconds,
-                           .within = kMailWindowSeconds};
   auto with_repeat = [&](std::function<void()> repeat) {
-    WaitOptions how = nudged;
-    how.repeat = std::move(repeat);
-    return how;
+    return AskingAgain(SignedOff(api), std::move(repeat), kMailWindowSeconds);
   };
   auto give_up = [&](WaitEnd end) {
     if (end == WaitEnd::kOutOfTime) GiveUpDeadMail(m, c, f);
@@ -180,7 +158,7 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
     ForwardMailNow(c, recipients, forward, body);
 
   // The mail is the client's now, whatever cuts the wait below short.
-  f.handed = true;
+  f.Handed();
   m.status.Draw(steps.sent);
   // The forward window goes first, the mail's window with or after it. A
   // forward still there long after its clicks had every one of them lost
@@ -188,16 +166,12 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   // is sending takes no more clicks).
   const Hwnd send_again =
       FindNthChild(api, forward, aol::kIconClass,
-                   m.settings.MailMethod ? kSendLater : kSendNow);
-  const WaitOptions poll{.speed = steps.speed,
-                         .give_up = SignedOff(api),
-                         .repeat =
-                             [&] {
-                               if (api.IsWindow(forward))
-                                 ClickIcon(api, send_again);
-                             },
-                         .pace = kAskAgainSeconds,
-                         .pace_max = kAskAgainMaxSeconds};
+                   m.settings.MailMethod ? aol::kForwardSendLaterIcon
+                                         : aol::kForwardSendNowIcon);
+  WaitOptions poll = AskingAgain(SignedOff(api), [&] {
+    if (api.IsWindow(forward)) ClickIcon(api, send_again);
+  });
+  poll.speed = steps.speed;
   for (const Hwnd window : {forward, mail, forward}) {
     if (WaitUntil(
             c.host, [&] { return !api.IsWindow(window); }, poll) !=
@@ -224,14 +198,9 @@ std::string RequestersBut(std::string_view requesters,
   return out;
 }
 
-void ForwardFailed(ForwardScratch& f) {
-  f.error = true;
-  ++f.failures;
-}
-
 JobOutcome FailedForwardOutcome(const MailJobContext& m, const ClientContext& c,
-                                const ForwardScratch& f, bool failed) {
-  if (failed && IsDeadMail(m.dead_mails, f.number))
+                                const ForwardUnderWay& f, bool failed) {
+  if (failed && IsDeadMail(m.dead_mails, f.number()))
     return JobOutcome::kDeadMail;
   if (!IsSignedOn(c.api)) return JobOutcome::kLostWithSignOff;
   return JobOutcome::kNotSent;
@@ -243,16 +212,15 @@ namespace {
 // had taken by then is logged as sent on the way out.
 class SentIfUnwound {
  public:
-  SentIfUnwound(const MailJobContext& m, const ForwardScratch& f,
+  SentIfUnwound(const MailJobContext& m, const ForwardUnderWay& f,
                 const std::string& requesters)
       : m_(m), f_(f), requesters_(requesters) {}
   ~SentIfUnwound() {
-    if (std::uncaught_exceptions() <= exceptions_ || !f_.handed) return;
+    if (std::uncaught_exceptions() <= exceptions_ || !f_.handed()) return;
     try {
-      const std::string received =
-          RequestersBut(requesters_, f_.full_mailboxes);
+      const std::string received = RequestersBut(requesters_, f_.refused());
       if (!received.empty())
-        Emit(m_.events, JobOutcome::kSent, received, f_.what);
+        Emit(m_.events, JobOutcome::kSent, received, f_.what());
     } catch (...) {
       // The log loses the line; the unwinding goes on.
     }
@@ -262,7 +230,7 @@ class SentIfUnwound {
 
  private:
   const MailJobContext& m_;
-  const ForwardScratch& f_;
+  const ForwardUnderWay& f_;
   const std::string& requesters_;
   const int exceptions_ = std::uncaught_exceptions();
 };
@@ -270,26 +238,20 @@ class SentIfUnwound {
 }  // namespace
 
 void RunMailJob(const MailJobContext& m, const ClientContext& c,
-                ForwardScratch& f) {
+                ForwardUnderWay& f) {
   const TakenGroup group = m.pending.TakeNextMail(
       /*lists=*/false, m.lblPending, m.counters);
   if (group.requesters.empty() || group.wanted == "list") return;
 
   const std::string sn = FirstRequester(group.requesters);
   const std::string& number = group.wanted;
-  f.sn = sn;
-  f.number = number;
-  f.what = "send " + number;
-  f.full_mailboxes.clear();
-  f.handed = false;
+  f.BeginJob();
+  f.Begin(sn, number, "send " + number);
   const std::string notify = NotifyText(m, c.host);
-  const int failures = f.failures;
+  const int failures = f.failures();
 
   if (IsDeadMail(m.dead_mails, number)) {
-    PauseSeconds(c.host, kBeforeLine);
-    Say(c, m.ended, DeadMailLine(sn, number));
-    PauseSeconds(c.host, kAfterLine);
-    Emit(m.events, JobOutcome::kDeadMail, group.requesters, f.what);
+    AnswerDeadMail(m, c, sn, number, group.requesters, f.what());
     return;
   }
 
@@ -306,27 +268,26 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
                      m.settings.MailSpeed};
   const SentIfUnwound on_exit(m, f, group.requesters);
   if (!ForwardMailNumber(m, c, position, group.requesters, body, steps, f)) {
-    const bool failed = f.failures != failures;
-    if (f.handed && !failed)
-      Emit(m.events, JobOutcome::kSent, group.requesters, f.what);
+    const bool failed = f.failures() != failures;
+    if (f.handed() && !failed)
+      Emit(m.events, JobOutcome::kSent, group.requesters, f.what());
     else if (!m.ended)
       Emit(m.events, FailedForwardOutcome(m, c, f, failed), group.requesters,
-           f.what);
+           f.what());
     return;
   }
 
   ForwardErrorSweep(m, c, f);
-  if (m.settings.MailNotify && !f.error)
+  if (m.settings.MailNotify && !f.error())
     Say(c, m.ended, sn + " mail <U>" + number + "</U> " + notify);
   // Those whose mailbox refused it were logged as they were found.
-  const std::string received =
-      RequestersBut(group.requesters, f.full_mailboxes);
+  const std::string received = RequestersBut(group.requesters, f.refused());
   if (!m.ended && !received.empty())
     Emit(m.events,
-         f.failures != failures ? FailedForwardOutcome(m, c, f, true)
-                                : JobOutcome::kSent,
-         received, f.what);
-  f.error = false;
+         f.failures() != failures ? FailedForwardOutcome(m, c, f, true)
+                                  : JobOutcome::kSent,
+         received, f.what());
+  f.ClearError();
   m.status.Draw("status: scanning chat");
 }
 

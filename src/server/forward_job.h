@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "client/client_context.h"
@@ -49,13 +50,6 @@ struct MailJobContext {
 // editor's chat list when it has any.
 std::string NotifyText(const MailJobContext& m, Host& host);
 
-// Whether the number is in the dead-mail cache.
-bool IsDeadMail(const std::vector<std::string>& dead_mails,
-                std::string_view number);
-
-// sn + " mail <U>" + number + "</U> is a dead mail".
-std::string DeadMailLine(std::string_view sn, std::string_view number);
-
 // "bob" from "(bob)(amy)"; "" when there is none.
 std::string FirstRequester(std::string_view requesters);
 
@@ -77,30 +71,72 @@ struct ForwardSteps {
 // A forward window: a mail being written that is not a "Write Mail" one.
 Hwnd FindForwardWindow(WindowApi& api);
 
-// What a forward leaves for the error sweep that follows it, and the
-// sweep for the forward: the first requester and the mail number being
-// forwarded, which a dead-mail notice names; whether the sweep found the
-// forward failed (set by the sweep, cleared at the end of each forward);
-// and a sweep under way (Timer2 fires inside the sweep's own pauses and
-// must not answer the same box twice). The mail job, the list job and the
-// sweep of one serving engine share one.
-struct ForwardScratch {
-  std::string sn;
-  std::string number;
-  std::string what;  // what was asked, as the log names it ("send 5")
-  bool error = false;
-  // Counts every failure that sets `error`: a job compares it before and
-  // after its forward, whatever `error` held when it began.
-  int failures = 0;
-  // Whose mailbox refused the forward under way (lower case): not among
-  // those it was sent to.
-  std::vector<std::string> full_mailboxes;
-  // The forward under way was handed to the client (its send clicked): a
-  // sign-off or an exit after that leaves the mail sent, the client's to
-  // deliver.
-  bool handed = false;
-  bool in_sweep = false;
+// The forward under way, as the mail and list jobs start it and the
+// forward-error sweep (after each forward, and every second from Timer2)
+// reports on it: whom and which mail it is for, which a dead-mail notice
+// names; whether it failed; whose mailbox refused it; whether the client
+// has taken it. The jobs and the sweep of one serving engine share one.
+class ForwardUnderWay {
+ public:
+  // A job's start: no mailbox refused it yet, nothing handed.
+  void BeginJob() {
+    refused_.clear();
+    handed_ = false;
+  }
+  // The mail about to be forwarded for `sn` ("send 5" is `what`).
+  void Begin(std::string sn, std::string number, std::string what) {
+    sn_ = std::move(sn);
+    number_ = std::move(number);
+    what_ = std::move(what);
+  }
+  const std::string& sn() const { return sn_; }
+  const std::string& number() const { return number_; }
+  const std::string& what() const { return what_; }
+
+  // The forward failed (a dead mail, a refused one): counted, so that a
+  // job compares failures() before and after its forward whatever error()
+  // held when it began; error() holds until the job clears it.
+  void Failed() {
+    error_ = true;
+    ++failures_;
+  }
+  int failures() const { return failures_; }
+  bool error() const { return error_; }
+  void ClearError() { error_ = false; }
+
+  // `sn`'s mailbox (lower case) refused the forward: not among those it
+  // was sent to.
+  void RefusedBy(std::string sn) { refused_.push_back(std::move(sn)); }
+  const std::vector<std::string>& refused() const { return refused_; }
+
+  // The client took the forward (its send clicked): a sign-off or an exit
+  // after that leaves the mail sent, the client's to deliver. Each
+  // forward starts not handed.
+  void StartForward() { handed_ = false; }
+  void Handed() { handed_ = true; }
+  bool handed() const { return handed_; }
+
+  // A sweep under way: Timer2 fires inside the sweep's own pauses and
+  // must not answer the same box twice. EnterSweep() is false when one
+  // is.
+  bool EnterSweep() { return !std::exchange(in_sweep_, true); }
+  void LeaveSweep() { in_sweep_ = false; }
+  bool in_sweep() const { return in_sweep_; }
+
+ private:
+  std::string sn_;
+  std::string number_;
+  std::string what_;
+  bool error_ = false;
+  int failures_ = 0;
+  std::vector<std::string> refused_;
+  bool handed_ = false;
+  bool in_sweep_ = false;
 };
+
+// Closes the forward window the client's box was about, if it is still
+// there; whether there was one.
+bool CloseForwardWindow(WindowApi& api);
 
 // Opens mail `number` (1-based position in lstMails), forwards it to
 // `recipients` with `body` (send later or send now as MailMethod says) and
@@ -112,24 +148,21 @@ struct ForwardScratch {
 bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
                        int number, std::string_view recipients,
                        std::string_view body, const ForwardSteps& steps,
-                       ForwardScratch& f);
+                       ForwardUnderWay& f);
 
 // "(bob)(amy)" without the names listed (case ignored), in the same form.
 std::string RequestersBut(std::string_view requesters,
                           const std::vector<std::string>& names);
 
-// Marks the forward under way as failed.
-void ForwardFailed(ForwardScratch& f);
-
 // How a forward that did not go ended, for the log: a dead mail (when
 // `failed` and the mail is now known dead), lost with a sign-off, or not
 // sent.
 JobOutcome FailedForwardOutcome(const MailJobContext& m, const ClientContext& c,
-                                const ForwardScratch& f, bool failed);
+                                const ForwardUnderWay& f, bool failed);
 
 // Step 8 of the tick: takes the next mail group and, unless it is a list
 // group or nothing, forwards it.
 void RunMailJob(const MailJobContext& m, const ClientContext& c,
-                ForwardScratch& f);
+                ForwardUnderWay& f);
 
 }  // namespace quorvex

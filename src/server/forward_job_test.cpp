@@ -12,6 +12,7 @@
 #include "client/mailbox.h"
 #include "client/wait.h"
 #include "client/window_ops.h"
+#include "server/dead_mail.h"
 #include "server/error_sweep.h"
 #include "server/lists_finds.h"
 #include "testing/controls_later.h"
@@ -36,7 +37,7 @@ class ForwardJobTest : public ServerTest {
     statuses.clear();
   }
 
-  ForwardScratch scratch;
+  ForwardUnderWay scratch;
 
   void Queue(std::initializer_list<const char*> lines) {
     for (const char* line : lines) frm.pending.Append(line);
@@ -151,7 +152,7 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
                              "lee mail <U>4</U> is a dead mail"}));
     EXPECT_EQ(frm.dead_mails, Lines{"4"});
     EXPECT_EQ(Pending(), (Lines{"amy-2", "amy~4"}));
-    EXPECT_FALSE(scratch.error);
+    EXPECT_FALSE(scratch.error());
     EXPECT_EQ(FindForwardWindow(sim), 0u);
   }
 }
@@ -218,7 +219,7 @@ TEST_F(ForwardJobTest, TheSecondClockAnswersAFullMailboxOutsideAForward) {
   EXPECT_EQ(Pending(), (Lines{"bob~x", "amy-2"}));
   EXPECT_EQ(frm.ReplyQueue.Items(), Lines{"bob-mailbox"});
   EXPECT_EQ(statuses, Lines{"status: pausing 2 secs"});
-  EXPECT_FALSE(scratch.in_sweep);
+  EXPECT_FALSE(scratch.in_sweep());
 }
 
 class ListsFindsTest : public ForwardJobTest {

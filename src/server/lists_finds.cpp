@@ -10,6 +10,7 @@
 #include "client/window_ops.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
+#include "server/dead_mail.h"
 #include "server/error_sweep.h"
 #include "server/forward_job.h"
 #include "server/server_common.h"
@@ -56,7 +57,7 @@ int CollectLists(const MailboxLists& mailbox) {
     if (rest.empty() || rest[0] < '0' || rest[0] > '9') continue;
     mailbox.lstLists.Add(NumberText(Val(rest)) + " " + Str(i + 1));
   }
-  mailbox.lblLists.Set("lists: " + Str(mailbox.lstLists.Count()));
+  mailbox.lblLists.Set(kListsCount(mailbox.lstLists.Count()));
   return mailbox.lstLists.Count();
 }
 
@@ -95,7 +96,7 @@ void BuildLists(const MailJobContext& m, const ClientContext& c) {
   // The lists are in the mailbox now; read it again so that they are
   // served this session, as they would be after the next start.
   ReadMailbox(m.mailbox, c, m.status);
-  m.mailbox.lblMails.Set("mails: " + Str(m.mailbox.lstMails.Count()));
+  m.mailbox.lblMails.Set(kMailsCount(m.mailbox.lstMails.Count()));
   CollectLists(m.mailbox);
 }
 
@@ -104,15 +105,13 @@ void RunAutomaticAol(const ClientContext& c) {
   auto open = [&] { RunToolbarMenu(c, aol::kToolbarMailIcon, 'a'); };
   open();
   Hwnd session = 0;
-  if (WaitUntil(c.host,
-                [&] {
-                  session = api.FindWindowA(aol::kModalClass, kSessionCaption);
-                  return session != 0;
-                },
-                {.give_up = SignedOff(api),
-                 .repeat = open,
-                 .pace = kAskAgainSeconds,
-                 .pace_max = kAskAgainMaxSeconds}) != WaitEnd::kMet)
+  if (WaitUntil(
+          c.host,
+          [&] {
+            session = api.FindWindowA(aol::kModalClass, kSessionCaption);
+            return session != 0;
+          },
+          AskingAgain(SignedOff(api), open)) != WaitEnd::kMet)
     return;
 
   // "AOL session is in progress." until every waiting mail went out.
@@ -131,15 +130,13 @@ void RunAutomaticAol(const ClientContext& c) {
     ClickIcon(api, FindChild(api, session, aol::kIconClass));
   };
   close();
-  WaitUntil(c.host, [&] { return !api.IsWindow(session); },
-            {.give_up = SignedOff(api),
-             .repeat = close,
-             .pace = kAskAgainSeconds,
-             .pace_max = kAskAgainMaxSeconds});
+  WaitUntil(
+      c.host, [&] { return !api.IsWindow(session); },
+      AskingAgain(SignedOff(api), close));
 }
 
 void RunListJob(const MailJobContext& m, const ClientContext& c,
-                ForwardScratch& f) {
+                ForwardUnderWay& f) {
   // The list step ran: the interval starts again, served or not.
   m.ListSeconds = 0;
   const int lists = m.mailbox.lstLists.Count();
@@ -150,8 +147,8 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
   const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string range = "lists <U>1-" + Str(lists) + "</U>";
-  const int failures = f.failures;
-  f.full_mailboxes.clear();
+  const int failures = f.failures();
+  f.BeginJob();
   if (!s.ListNotify) Say(c, m.ended, range + " are being processed");
 
   const ForwardSteps steps{"status: opening list", "status: clicking forward",
@@ -161,28 +158,25 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
     const ListMail list = ListMailAt(m.mailbox.lstLists, i);
     // A list mail the client refused once is not tried again.
     if (IsDeadMail(m.dead_mails, list.position)) continue;
-    f.sn = sn;
-    f.number = list.position;
-    f.what = "send list";
+    f.Begin(sn, list.position, "send list");
     const std::string body =
         ForwardBody(m, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(m, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps, f)) {
       if (!m.ended)
-        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures != failures),
+        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures() != failures),
              group.requesters, "send list");
       return;
     }
     ForwardErrorSweep(m, c, f);
-    if (s.ListNotify && !f.error)
+    if (s.ListNotify && !f.error())
       Say(c, m.ended,
           sn + " list <U>" + list.k + "</U> " + NotifyText(m, c.host));
-    f.error = false;
+    f.ClearError();
   }
   if (!s.ListNotify) Say(c, m.ended, range + " were sent");
   // Lists that failed on the way (a dead one) leave the others sent.
-  const std::string received =
-      RequestersBut(group.requesters, f.full_mailboxes);
+  const std::string received = RequestersBut(group.requesters, f.refused());
   if (!m.ended && !received.empty())
     Emit(m.events, JobOutcome::kListMailed, received, "send list");
   m.status.Draw("status: scanning chat");

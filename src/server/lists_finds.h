@@ -39,7 +39,7 @@ void RunAutomaticAol(const ClientContext& c);
 // Step 10 of the tick: takes every list request and forwards each list
 // mail to all of them at once.
 void RunListJob(const MailJobContext& m, const ClientContext& c,
-                ForwardScratch& f);
+                ForwardUnderWay& f);
 
 // The "[ n ] - title" lines of the titles that contain `text` (case
 // ignored), pausing with `speed` between titles; *count says how many.

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "client/chat_room.h"
 #include "client/client_tree.h"
 #include "client/wait.h"
 #include "model/text_util.h"
@@ -60,19 +61,19 @@ void LoadRestartState(const RestartContext& r) {
   double sent = RoundHalfEven(Val(state.Get("TotalSent")));
   r.counters.session =
       SaturatingAdd(0, static_cast<std::int64_t>(std::clamp(sent, -3e9, 3e9)));
-  r.lblSession.Set("session: " + std::to_string(r.counters.session));
+  r.lblSession.Set(kSessionCount(r.counters.session));
 
   // Each label shows the lines loaded, which a damaged count may overstate.
   const std::string pending = state.Get("TotalPending");
   if (IsNumeric(pending) && Val(pending) >= 0) {
     std::vector<std::string> lines = state.Numbered("Pending ", pending);
-    r.lblPending.Set("pending: " + std::to_string(lines.size()));
+    r.lblPending.Set(kPendingCount(lines.size()));
     for (std::string& line : lines) r.pending.Append(std::move(line));
   }
   const std::string banned = state.Get("TotalBanned");
   if (IsNumeric(banned) && Val(banned) > 0) {
     std::vector<std::string> names = state.Numbered("Banned ", banned);
-    r.lblBanned.Set("banned: " + std::to_string(names.size()));
+    r.lblBanned.Set(kBannedCount(names.size()));
     for (std::string& name : names) r.lstBanned.Add(std::move(name));
   }
 }
@@ -143,7 +144,7 @@ void ResumeServing(ServeEngine& engine, const RestartContext& r,
   if (engine.aol_restart) engine.aol_restart();
   PauseSeconds(c.host, 1);
   Say(c, r.ended, "quorvex restarted <B><U>cpu</B></U>");
-  PauseSeconds(c.host, 0.45f);
+  PauseSeconds(c.host, kAfterReply);
   if (r.ended) return;
   engine.cmdStart_Click();
 }

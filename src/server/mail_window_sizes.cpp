@@ -1,5 +1,8 @@
 #include "server/mail_window_sizes.h"
 
+#include <functional>
+#include <utility>
+
 #include "client/client_menus.h"
 #include "client/client_tree.h"
 #include "client/mailbox.h"
@@ -41,11 +44,7 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   // Asked again at a pace: a slow client answers each request with one
   // more window.
   auto open = [&] { OpenMail(c, 0); };
-  const WaitOptions nudged{.give_up = SignedOff(api),
-                           .repeat = open,
-                           .pace = kAskAgainSeconds,
-                           .pace_max = kAskAgainMaxSeconds,
-                           .within = kWindowSeconds};
+  const WaitOptions nudged = AskingAgain(SignedOff(api), open, kWindowSeconds);
   open();
   // The mail's window with its Forward icon, which the client makes after
   // the window.
@@ -64,10 +63,13 @@ void ForgetMailWindowSizes(const ClientContext& c) {
   RunClientMenu(api, kWindowMenu, kForgetSize);
 
   ClickIcon(api, forward_icon);
-  WaitOptions click_again = nudged;
-  click_again.repeat = [&] { ClickIcon(api, forward_icon); };
+  // Each click the busy client lost is made again, at the same pace.
+  auto clicked_again = [&](std::function<void()> click) {
+    return AskingAgain(SignedOff(api), std::move(click), kWindowSeconds);
+  };
   end = WaitUntil(
-      c.host, [&] { return FindComposeWindow(api) != 0; }, click_again);
+      c.host, [&] { return FindComposeWindow(api) != 0; },
+      clicked_again([&] { ClickIcon(api, forward_icon); }));
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
   CloseAll(c, FindComposeWindow);
@@ -75,9 +77,9 @@ void ForgetMailWindowSizes(const ClientContext& c) {
 
   const Hwnd write_icon = FindToolbarIcon(api, aol::kToolbarWriteIcon);
   PostClickIcon(api, write_icon);
-  click_again.repeat = [&] { PostClickIcon(api, write_icon); };
   end = WaitUntil(
-      c.host, [&] { return FindWriteMail(api) != 0; }, click_again);
+      c.host, [&] { return FindWriteMail(api) != 0; },
+      clicked_again([&] { PostClickIcon(api, write_icon); }));
   if (end != WaitEnd::kMet) return;
   RunClientMenu(api, kWindowMenu, kForgetSize);
   CloseAll(c, FindWriteMail);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "client/chat_room.h"
 #include "client/mail_send.h"
 #include "client/wait.h"
 #include "server/server_common.h"
@@ -12,8 +13,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr float kBeforeLine = 0.55f;
-constexpr float kAfterReply = 0.45f;
 constexpr const char* kCrLf = "\r\n";
 
 std::string Str(long long n) { return std::to_string(n); }
@@ -39,16 +38,14 @@ void ThankYouReply(const ReplyContext& r, const ClientContext& c,
     text = thanks.Item(pick - 1);
   }
   if (r.settings.ScrollMethod) {
-    PauseSeconds(c.host, kBeforeLine);
-    Say(c, r.ended, "(" + sn + ")" + text);
+    SayFramed(c, r.ended, "(" + sn + ")" + text);
     Emit(r.events, JobOutcome::kReplyInRoom, sn, "thanks");
     return;
   }
   std::string body = BannerLine(r.settings) + "quorvex <B><U>thankyou</B></U>" +
                      kCrLf + text + kCrLf;
   MailReply(r, c, "status: typing your welcome", sn, "quorvex thankyou", body);
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, r.ended, "(" + sn + ") thankyou has been sent");
+  SayFramed(c, r.ended, "(" + sn + ") thankyou has been sent");
   Emit(r.events, JobOutcome::kReplyByMail, sn, "thanks");
 }
 
@@ -60,16 +57,14 @@ void StatusReply(const ReplyContext& r, const ClientContext& c,
   const long long k = std::max(st.first_position, 0);
   const long long total = r.pending.list().Count();
   if (r.settings.ScrollMethod) {
-    PauseSeconds(c.host, kBeforeLine);
-    Say(c, r.ended, "(" + sn + ") you have <U>" + Str(n) + "</U> pending");
-    PauseSeconds(c.host, kAfterReply);
+    SayFramed(c, r.ended, "(" + sn + ") you have <U>" + Str(n) + "</U> pending",
+              ThenPause::kReply);
     // k describes the first entry but is said only for several; kept so.
     if (n > 1) {
-      PauseSeconds(c.host, kBeforeLine);
-      Say(c, r.ended, "<U>" + Str(k) + "</U> mails till your next request");
+      SayFramed(c, r.ended,
+                "<U>" + Str(k) + "</U> mails till your next request");
     }
-    PauseSeconds(c.host, kBeforeLine);
-    Say(c, r.ended, "there is <U>" + Str(total) + "</U> total pending");
+    SayFramed(c, r.ended, "there is <U>" + Str(total) + "</U> total pending");
     Emit(r.events, JobOutcome::kReplyInRoom, sn, "status");
     return;
   }
@@ -79,8 +74,7 @@ void StatusReply(const ReplyContext& r, const ClientContext& c,
       Str(k) + "</B></U> mails pending till your next request" + kCrLf +
       "there is <U><B>" + Str(total) + "</B></U> total mails pending" + kCrLf;
   MailReply(r, c, "status: typing status", sn, "quorvex status report", body);
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, r.ended, "(" + sn + ") status report has been sent");
+  SayFramed(c, r.ended, "(" + sn + ") status report has been sent");
   Emit(r.events, JobOutcome::kReplyByMail, sn, "status");
 }
 
@@ -88,21 +82,19 @@ void Advertise(const ReplyContext& r, const ClientContext& c) {
   const Settings& s = r.settings;
   r.ScrollSeconds = 0;
   r.status.Draw("status: advertising");
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, r.ended,
+  SayFramed(
+      c, r.ended,
       "quorvex serving <B><U>" + Str(r.lstMails.Count()) + "</B></U> mails");
   std::string usage = "type /<B>" + s.Handle + "</B> send <U>x" +
                       (s.BlocksXYEnable ? ",x-y</U>" : "</U>");
   if (s.FindsEnable)
     usage +=
         std::string("; find <U>x") + (s.FindsXYEnable ? ",x&y</U>" : "</U>");
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, r.ended, usage);
-  PauseSeconds(c.host, kBeforeLine);
-  Say(c, r.ended,
-      "there are <B><U>" + Str(r.pending.list().Count()) +
-          "</B></U> pending; <B><U>" + Str(r.counters.session) +
-          "</B></U> sent");
+  SayFramed(c, r.ended, usage);
+  SayFramed(c, r.ended,
+            "there are <B><U>" + Str(r.pending.list().Count()) +
+                "</B></U> pending; <B><U>" + Str(r.counters.session) +
+                "</B></U> sent");
 }
 
 void mnuMailSession_Click(const ReplyContext& r, const ClientContext& c) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "client/chat_room.h"
 #include "client/client_tree.h"
 #include "client/instant_messages.h"
 #include "client/mailbox.h"
@@ -15,10 +16,6 @@
 namespace quorvex {
 
 namespace {
-
-// Around every announcement and before every reply; after a reply.
-constexpr float kAround = 0.55f;
-constexpr float kAfterReply = 0.45f;
 
 // ListSeconds and ScrollSeconds were 16-bit: the old runtime stopped with
 // an overflow error after nine hours without a list or an advertisement.
@@ -94,9 +91,8 @@ void ServeEngine::Start() {
     lists = ctx_.mailbox.lstLists.Count();
   }
   if (ctx_.ended) return;
-  ctx_.mailbox.lblMails.Set("mails: " +
-                            std::to_string(ctx_.mailbox.lstMails.Count()));
-  ctx_.mailbox.lblLists.Set("lists: " + std::to_string(lists));
+  ctx_.mailbox.lblMails.Set(kMailsCount(ctx_.mailbox.lstMails.Count()));
+  ctx_.mailbox.lblLists.Set(kListsCount(lists));
 
   ctx_.status.Draw("status: starting server");
   PrepareClient();
@@ -223,24 +219,19 @@ void ServeEngine::Reply(const std::string& sn, const std::string& kind) {
   Host& host = c_.host;
   if (kind == "thankyou") {
     if (jobs_.thank_you) jobs_.thank_you(sn);
-    PauseSeconds(host, kAround);
+    PauseSeconds(host, kBeforeLine);
   } else if (kind == "duplication") {
-    PauseSeconds(host, kAround);
-    Say(c_, ctx_.ended, "(" + sn + ") you made a duplication error");
+    SayFramed(c_, ctx_.ended, "(" + sn + ") you made a duplication error");
   } else if (kind == "mailbox") {
-    PauseSeconds(host, kAround);
-    Say(c_, ctx_.ended, "(" + sn + ") you have a full mailbox");
+    SayFramed(c_, ctx_.ended, "(" + sn + ") you have a full mailbox");
     // A full mailbox counts against the person only when the banning
     // options say so.
     if (jobs_.full_mailbox) jobs_.full_mailbox(sn);
-    PauseSeconds(host, kAround);
+    PauseSeconds(host, kBeforeLine);
   } else if (kind == "pending") {
-    PauseSeconds(host, kAround);
-    Say(c_, ctx_.ended, "(" + sn + ") you have to many pending");
+    SayFramed(c_, ctx_.ended, "(" + sn + ") you have to many pending");
   } else if (sn == ReplyOrder::kSend) {
-    PauseSeconds(host, kAround);
-    Say(c_, ctx_.ended, kind);
-    PauseSeconds(host, kAfterReply);
+    SayFramed(c_, ctx_.ended, kind, ThenPause::kReply);
   } else if (kind == "status") {
     if (jobs_.status) jobs_.status(sn);
     PauseSeconds(host, kAfterReply);
@@ -281,11 +272,8 @@ void ServeEngine::ServeSteps() {
 }
 
 void ServeEngine::Announce(std::initializer_list<std::string> lines) {
-  for (const std::string& line : lines) {
-    PauseSeconds(c_.host, kAround);
-    Say(c_, ctx_.ended, line);
-  }
-  PauseSeconds(c_.host, kAround);
+  for (const std::string& line : lines) SayFramed(c_, ctx_.ended, line);
+  PauseSeconds(c_.host, kBeforeLine);
 }
 
 void ServeEngine::RememberRoom() {

@@ -14,7 +14,7 @@ ServeJobs DefaultServeJobs(const MailJobContext& mail,
   ServeJobs jobs;
   const ClientContext* cc = &c;
   // The forward jobs and the sweep share what a forward leaves behind.
-  auto f = std::make_shared<ForwardScratch>();
+  auto f = std::make_shared<ForwardUnderWay>();
   jobs.mail = [mail, cc, f] { RunMailJob(mail, *cc, *f); };
   jobs.list = [mail, cc, f] { RunListJob(mail, *cc, *f); };
   jobs.find = [mail, cc] { RunFindJob(mail, *cc); };

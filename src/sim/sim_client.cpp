@@ -13,9 +13,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr unsigned kLbGetCurSel = 392;
-constexpr unsigned kBmGetCheck = 240;
-constexpr unsigned kBmSetCheck = 241;
 constexpr std::uint32_t kNoMenuItem = 0xFFFFFFFF;
 constexpr int kTwipsPerPixel = 15;
 constexpr int kDefaultWidth = 480;
@@ -28,8 +25,6 @@ const std::vector<const char*> kToolbarIcons = {
     "My AOL", "Favorites", "Internet",    "Channels", "People",
     "Quotes", "Perks",     "Weather"};
 constexpr int kToolbarRead = 1;
-constexpr int kToolbarWrite = 2;
-constexpr int kToolbarMail = 3;
 constexpr int kToolbarGo = 14;  // the icon after the keyword box
 
 // The frame's menu bar: submenu, then items, by position.
@@ -618,11 +613,11 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
     case win::kLbGetTextLen:
     case win::kLbSetCurSel:
     case win::kLbGetItemData:
-    case kLbGetCurSel:
+    case win::kLbGetCurSel:
       return TreeMessage(*w, msg, wparam, nullptr, 0);
-    case kBmGetCheck:
+    case win::kBmGetCheck:
       return role == kRoleCheck ? w->check : 0;
-    case kBmSetCheck:
+    case win::kBmSetCheck:
       if (role == kRoleCheck) w->check = wparam ? 1 : 0;
       return 0;
     case win::kEmSetSel:
@@ -688,10 +683,10 @@ void SimClient::Click(Hwnd hwnd) {
       if (n == kToolbarRead && signed_on_) {
         MarkBusy();
         Later(knobs_.latency, [this] { OpenOnlineMailbox(0); });
-      } else if (n == kToolbarWrite) {
+      } else if (n == aol::kToolbarWriteIcon) {
         MarkBusy();
         Later(knobs_.latency, [this] { OpenWriteMail(); });
-      } else if (n == kToolbarMail) {
+      } else if (n == aol::kToolbarMailIcon) {
         OpenMailMenu();
       } else if (n == kToolbarGo && keyword_edit_) {
         RunKeyword(tree_.Get(keyword_edit_)->text);
@@ -707,7 +702,7 @@ void SimClient::Click(Hwnd hwnd) {
       }
       break;
     case Kind::kOpenMail:
-      if (n == 8) {
+      if (n == aol::kOpenMailForwardIcon) {
         MarkBusy();
         Later(knobs_.latency, [this, doc] {
           auto it = docs_.find(doc);
@@ -716,18 +711,18 @@ void SimClient::Click(Hwnd hwnd) {
       }
       break;
     case Kind::kForward:
-      if (n == 14 && d->filled) SendMail(*d, true);
-      if (n == 15 && d->filled) SendMail(*d, false);
+      if (n == aol::kForwardSendNowIcon && d->filled) SendMail(*d, true);
+      if (n == aol::kForwardSendLaterIcon && d->filled) SendMail(*d, false);
       break;
     case Kind::kWriteMail:
-      if (n == 16 && d->filled) SendMail(*d, true);
-      if (n == 17 && d->filled) SendMail(*d, false);
+      if (n == aol::kWriteSendNowIcon && d->filled) SendMail(*d, true);
+      if (n == aol::kWriteSendLaterIcon && d->filled) SendMail(*d, false);
       break;
     case Kind::kOnlineMailbox:
-      if (n == 7) DeleteTreeItem(*d, kTreeNew + d->tab);
+      if (n == aol::kMailboxDeleteIcon) DeleteTreeItem(*d, kTreeNew + d->tab);
       break;
     case Kind::kWaiting:
-      if (n == 2) DeleteTreeItem(*d, kTreeWaiting);
+      if (n == aol::kWaitingDeleteIcon) DeleteTreeItem(*d, kTreeWaiting);
       if (n == 3) RunAutomaticAol();
       break;
     case Kind::kError:
@@ -736,7 +731,7 @@ void SimClient::Click(Hwnd hwnd) {
     case Kind::kIm:
       // The address book icon comes first, then eight style icons after
       // the message field, then Send.
-      if (n == 10) SendIm(*d);
+      if (n == aol::kImIconsBeforeText + aol::kImSendIcon) SendIm(*d);
       if (n == 12) CloseDoc(doc);
       break;
     case Kind::kSignOn:

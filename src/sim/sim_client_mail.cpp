@@ -13,8 +13,6 @@ namespace quorvex {
 
 namespace {
 
-constexpr std::intptr_t kLbErr = -1;
-constexpr unsigned kLbGetCurSel = 392;
 constexpr char kNoRecipientText[] = "You must specify at least one recipient.";
 constexpr char kSendingText[] = "Sending mail...";
 
@@ -127,15 +125,15 @@ std::intptr_t SimClient::TreeMessage(SimWindow& w, unsigned msg,
         return count;
       case win::kLbGetItemData:
         return index >= 0 && index < count ? people_entries_[index].item
-                                           : kLbErr;
+                                           : win::kLbErr;
       case win::kLbSetCurSel:
         w.selection =
             index >= 0 && index < count ? static_cast<int>(index) : -1;
-        return w.selection >= 0 ? index : kLbErr;
-      case kLbGetCurSel:
+        return w.selection >= 0 ? index : win::kLbErr;
+      case win::kLbGetCurSel:
         return w.selection;
       default:
-        return kLbErr;
+        return win::kLbErr;
     }
   }
   if (w.role != kRoleTree) return 0;
@@ -148,17 +146,17 @@ std::intptr_t SimClient::TreeMessage(SimWindow& w, unsigned msg,
     case win::kLbGetTextLen:
       return valid ? static_cast<std::intptr_t>(
                          TreeItem(w, static_cast<int>(index)).size())
-                   : kLbErr;
+                   : win::kLbErr;
     case win::kLbGetText: {
-      if (!valid) return kLbErr;
+      if (!valid) return win::kLbErr;
       std::string item = TreeItem(w, static_cast<int>(index));
       if (out) *out = buffer_chars ? item.substr(0, buffer_chars - 1) : "";
       return static_cast<std::intptr_t>(item.size());
     }
     case win::kLbSetCurSel:
       w.selection = valid ? static_cast<int>(index) : -1;
-      return valid ? index : kLbErr;
-    case kLbGetCurSel:
+      return valid ? index : win::kLbErr;
+    case win::kLbGetCurSel:
       return w.selection;
     case win::kLbGetItemData:
       return 0;

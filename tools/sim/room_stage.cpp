@@ -1,9 +1,14 @@
 #include "sim/room_stage.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
 #include <vector>
 
+#include "model/text_util.h"
 #include "settings/settings.h"
+#include "sim/program_events.h"
 
 namespace quorvex::sim {
 
@@ -14,6 +19,27 @@ void StageRegistry(const Scenario& sc, Registry& registry) {
   for (const SetupValue& v : sc.registry)
     changes.push_back({v.section, v.key, v.value});
   registry.Write(kApp, changes);
+}
+
+namespace {
+
+// Where the simulated client is installed, unless the scenario's Win.INI
+// lines say.
+constexpr const char* kClientFolder = "C:\\Program Files\\AOL";
+
+}  // namespace
+
+void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
+                   const Scenario& sc) {
+  for (const SetupValue& v : sc.ini)
+    if (v.file == "Win.INI" && EqualsIgnoreCase(v.section, "WAOL")) return;
+  const std::string win_ini = machine.HostPath(ProfilePath(machine, "Win.INI"));
+  if (!profiles.GetString(win_ini, "WAOL", "AppPath", "").empty()) return;
+  profiles.WriteString(win_ini, "WAOL", "AppPath", std::string(kClientFolder));
+  const std::filesystem::path program =
+      machine.HostPath(std::string(kClientFolder) + "\\AOL.exe");
+  std::filesystem::create_directories(program.parent_path());
+  std::ofstream(program, std::ios::binary) << "MZ";
 }
 
 void StageClient(const Scenario& sc, SimClient& client) {

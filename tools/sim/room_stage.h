@@ -5,7 +5,9 @@
 #pragma once
 
 #include "ports/host.h"
+#include "ports/profile_file.h"
 #include "ports/registry.h"
+#include "sim/folder_machine.h"
 #include "sim/scenario.h"
 #include "sim/sim_client.h"
 
@@ -13,6 +15,12 @@ namespace quorvex::sim {
 
 // The registry values of the set-up.
 void StageRegistry(const Scenario& sc, Registry& registry);
+// Puts the simulated client's program in its folder and the folder in
+// Win.INI's "WAOL" "AppPath", where the program looks for it. A scenario
+// that sets up "WAOL" itself gets nothing; a kept machine keeps what it
+// has.
+void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
+                   const Scenario& sc);
 // The client as it stands at time 0 (not launched yet).
 void StageClient(const Scenario& sc, SimClient& client);
 // Schedules the room's own lines (people saying, joining and leaving) on

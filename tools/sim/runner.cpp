@@ -117,28 +117,6 @@ void WriteProgramFile(const FolderMachine& machine) {
   for (int i = 0; i < 3; ++i) out << block;
 }
 
-// Where the simulated client's program is.
-
-// Where the scenario's client is installed, unless its Win.INI lines say
-// (the stand-in restart above starts the same program).
-constexpr const char* kClientFolder = "C:\\Program Files\\AOL";
-
-// Puts the client's program in its folder and the folder in Win.INI's
-// "WAOL" "AppPath", where the program looks for it. A scenario that sets
-// up "WAOL" itself gets nothing; a kept machine keeps what it has.
-void InstallClient(const FolderMachine& machine, ProfileFile& profiles,
-                   const Scenario& sc) {
-  for (const SetupValue& v : sc.ini)
-    if (v.file == "Win.INI" && EqualsIgnoreCase(v.section, "WAOL")) return;
-  const std::string win_ini = machine.HostPath(ProfilePath(machine, "Win.INI"));
-  if (!profiles.GetString(win_ini, "WAOL", "AppPath", "").empty()) return;
-  profiles.WriteString(win_ini, "WAOL", "AppPath", std::string(kClientFolder));
-  const fs::path program =
-      machine.HostPath(std::string(kClientFolder) + "\\AOL.exe");
-  fs::create_directories(program.parent_path());
-  std::ofstream(program, std::ios::binary) << "MZ";
-}
-
 }  // namespace
 
 ControlCatalogue Controls() {
@@ -237,12 +215,11 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     // so that requests can be made before the server is started; starting
     // reads the mailbox again. As the start reads it: other servers' list
     // mails left out, and each title's place in the mailbox kept.
-    for (std::size_t i = 0; i < sc.mails.size(); ++i) {
-      if (IsForeignListTitle(sc.mails[i])) continue;
-      frm.lstMails.Add(sc.mails[i]);
-      frm.mail_positions.push_back(static_cast<int>(i));
-    }
-    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+    for (std::size_t i = 0; i < sc.mails.size(); ++i)
+      if (KeepsMailTitle(sc.mails[i], static_cast<int>(i), true,
+                         &frm.mail_positions))
+        frm.lstMails.Add(sc.mails[i]);
+    frm.lblMails.Set(kMailsCount(frm.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});
