@@ -135,6 +135,7 @@ mails 10 song
 full-mailbox cal
 at 0.2 say bob: /host send 3
 at 0.3 say cal: /host send 3
+at 0.35 say cal: /host send 5
 at 0.4 say bob: /host find song 1
 at 0.5 answer yes
 at 1 press cmdStart
@@ -143,6 +144,8 @@ run 60
   EXPECT_EQ(log, (std::vector<std::string>{
                      "started||program",
                      "started||serving 11 mails",
+                     // cal's other request leaves the queue with it.
+                     "full mailbox|cal|send 5",
                      "full mailbox|cal|send 3",
                      "sent|bob|send 3",
                      "find mailed|bob|find song 1",
