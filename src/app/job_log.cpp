@@ -50,6 +50,8 @@ const char* OutcomeWord(JobOutcome outcome) {
       return "full mailbox";
     case JobOutcome::kLostWithSignOff:
       return "lost with a sign-off";
+    case JobOutcome::kLostWithExit:
+      return "lost with an exit";
     case JobOutcome::kNotSent:
       return "not sent";
     case JobOutcome::kBanned:

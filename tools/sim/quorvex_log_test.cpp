@@ -152,5 +152,32 @@ run 60
                  }));
 }
 
+TEST(QuorvexLogTest, AJobAnExitCutsShortSaysItsRequestWasLost) {
+  // The exit comes while amy's lists are being forwarded, before the
+  // client took the first: the queue saved at the exit no longer holds
+  // the request, and the log says what became of it.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person amy
+person bob
+mails 10 song
+at 0.5 answer yes
+at 1 press cmdStart
+at 30 say amy: /host send list
+at 30.2 say bob: /host send 4
+at 41.6 press lblExit
+run 100
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 11 mails",
+                     "sent|bob|send 4",
+                     "stopped||program",
+                     "lost with an exit|amy|send list",
+                 }));
+}
+
 }  // namespace
 }  // namespace quorvex::sim
