@@ -234,6 +234,16 @@ bool PressMnemonic(HWND window, wchar_t key) {
   return true;
 }
 
+// An edit or rich-text control of several lines.
+bool IsMultilineText(HWND control) {
+  wchar_t name[32] = L"";
+  GetClassNameW(control, name, 32);
+  const bool text = lstrcmpiW(name, L"Edit") == 0 ||
+                    CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, name, 8,
+                                   L"RichEdit", 8) == CSTR_EQUAL;
+  return text && (GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE) != 0;
+}
+
 }  // namespace
 
 bool WindowKeyboard(HWND window, MSG& msg) {
@@ -248,6 +258,15 @@ bool WindowKeyboard(HWND window, MSG& msg) {
       IsChild(window, focus) &&
       (SendMessageW(focus, WM_GETDLGCODE, 0, 0) & DLGC_UNDEFPUSHBUTTON)) {
     SendMessageW(focus, BM_CLICK, 0, 0);
+    return true;
+  }
+  // Tab and Shift+Tab leave a text of several lines as they leave any
+  // other control (Ctrl+Tab still types a tab in it).
+  if (msg.message == WM_KEYDOWN && msg.wParam == VK_TAB && focus &&
+      IsChild(window, focus) && GetKeyState(VK_CONTROL) >= 0 &&
+      IsMultilineText(focus)) {
+    if (HWND next = GetNextDlgTabItem(window, focus, GetKeyState(VK_SHIFT) < 0))
+      SetFocus(next);
     return true;
   }
   return IsDialogMessageW(window, &msg) != FALSE;
