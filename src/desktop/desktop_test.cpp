@@ -595,6 +595,35 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   EXPECT_EQ(Caption(kIdCmdStart), "&stop");
 }
 
+// A folder stands where the log should be: no line of it can be written.
+class LostLogLinesTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    fs::create_directories(root_ / "C" / "Program Files" / "Quorvex" /
+                           "Quorvex.log");
+    Launch(Program().wstring(),
+           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+  }
+};
+
+TEST_F(LostLogLinesTest, TheMainWindowsTextSaysHowManyLinesWereLost) {
+  // The load's line is lost: the task bar tells, the drawn title does not
+  // change, and the program serves on.
+  auto says = [&](const char* lost) {
+    return WaitFor(
+        [&] {
+          return Text(main_) == std::string(kTitleText) + " - " + lost +
+                                    " of Quorvex.log could not be written";
+        },
+        30);
+  };
+  EXPECT_TRUE(says("1 line")) << Text(main_);
+  Start();
+  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  EXPECT_TRUE(says("2 lines")) << Text(main_);
+}
+
 // quorvex.exe without --simulate drives the real client through the
 // Win32 binding. With no client running it comes up idle, and a start
 // reads the mailbox first: a mailbox that never comes is asked for again

@@ -29,6 +29,7 @@ enum class JobOutcome {
   kSentMailDeleted,   // the client's sent mail (and waiting mail) deleted
   kStarted,           // the program loaded, or serving started
   kStopped,           // serving stopped, or the program exited
+  kLogIncomplete,     // lines of the log itself could not be written
 };
 
 struct JobEvent {

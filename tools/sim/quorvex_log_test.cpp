@@ -179,5 +179,35 @@ run 100
                  }));
 }
 
+TEST(QuorvexLogTest, LinesThatCannotBeWrittenAreCountedForTheRun) {
+  // A folder where the log should be: no line can be written.
+  const fs::path root =
+      fs::temp_directory_path() /
+      ("qv_log_lost_" + std::to_string(std::random_device{}()));
+  const FolderMachine machine(root);
+  fs::create_directories(
+      machine.HostPath("C:\\Program Files\\Quorvex\\Quorvex.log"));
+  RunOptions options;
+  options.root = root.string();
+  int lost = 0;
+  options.on_lost_log_lines = [&lost](int n) { lost = n; };
+  std::ostringstream transcript;
+  RunScenario(ParseScenario("lost.scn", R"(user Host
+room Lobby
+mails 3 song
+at 1 press cmdStart
+at 30 press lblExit
+at 40 start
+run 50
+)",
+                            Controls()),
+              options, transcript);
+  // Started and stopped (no lists made, so no serving); and started by
+  // the program started again.
+  EXPECT_EQ(lost, 3);
+  std::error_code ec;
+  fs::remove_all(root, ec);
+}
+
 }  // namespace
 }  // namespace quorvex::sim
