@@ -171,10 +171,9 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   if (end != WaitEnd::kMet) return give_up(end);
 
   m.status.Draw(steps.sending);
-  if (m.settings.MailMethod)
-    ForwardMail(c, recipients, forward, body);
-  else
-    ForwardMailNow(c, recipients, forward, body);
+  if (!(m.settings.MailMethod ? ForwardMail : ForwardMailNow)(c, recipients,
+                                                              forward, body))
+    return false;
 
   // The mail is the client's now, whatever cuts the wait below short.
   f.handed = true;
