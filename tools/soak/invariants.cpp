@@ -628,7 +628,10 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
                       " waits in the client, and no line says it was sent");
       // Each job ending the accounting names, with a line of that ending
       // (or of another that the same run explains: a dead mail or a full
-      // mailbox whose forward a sign-off or an exit cut short).
+      // mailbox whose forward a sign-off or an exit cut short). A forward
+      // a start cleared away ends as the program saw it: not sent (its
+      // window went), its mail given up as dead, or lost with the exit the
+      // start followed.
       const auto ended = ended_as.find(entry);
       if (ended == ended_as.end() || takes == 0) continue;
       std::set<std::string> allowed;
@@ -638,9 +641,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         allowed.insert({"lost with a sign-off", "sent"});
       if (exit_cut) allowed.insert({"lost with an exit", "sent"});
       const std::string& ending = ended->second.ending;
+      if (ending == "cut short by a start")
+        allowed.insert({"not sent", "dead mail"});
       const bool job_ending = ending == "dead mail" ||
                               ending == "full mailbox" ||
                               ending == "lost with a sign-off" ||
+                              ending == "cut short by a start" ||
                               (ending == "in flight at a stop" && exit_cut);
       if (!job_ending) continue;
       bool found = false;
