@@ -234,13 +234,23 @@ bool PressMnemonic(HWND window, wchar_t key) {
   return true;
 }
 
+// Whether the class name `name` starts with `prefix` (ASCII, case
+// ignored, as Windows compares class names).
+bool ClassStarts(const wchar_t* name, const wchar_t* prefix) {
+  auto lower = [](wchar_t c) {
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+  };
+  for (; *prefix; ++name, ++prefix)
+    if (lower(*name) != lower(*prefix)) return false;
+  return true;
+}
+
 // An edit or rich-text control of several lines.
 bool IsMultilineText(HWND control) {
   wchar_t name[32] = L"";
   GetClassNameW(control, name, 32);
-  const bool text = lstrcmpiW(name, L"Edit") == 0 ||
-                    CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, name, 8,
-                                   L"RichEdit", 8) == CSTR_EQUAL;
+  const bool text = (ClassStarts(name, L"Edit") && name[4] == 0) ||
+                    ClassStarts(name, L"RichEdit");
   return text && (GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE) != 0;
 }
 
