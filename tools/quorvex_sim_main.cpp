@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "app/job_log.h"
 #include "sim/demo.h"
 #include "sim/interrupt.h"
 #include "sim/runner.h"
@@ -54,6 +55,9 @@ int main(int argc, char** argv) {
   }
   options.root = root;
   options.realtime = realtime;
+  // The log is not part of the transcript: its losses are told apart.
+  int lost_log_lines = 0;
+  options.on_lost_log_lines = [&lost_log_lines](int n) { lost_log_lines = n; };
   InstallInterruptHandlers();
   try {
     if (!out_path.empty()) {
@@ -76,5 +80,8 @@ int main(int argc, char** argv) {
     return 1;
   }
   if (demo) std::cout << summary << std::flush;
+  if (lost_log_lines > 0)
+    std::cerr << "quorvex-sim: " << quorvex::LostLinesNotice(lost_log_lines)
+              << "\n";
   return 0;
 }

@@ -50,6 +50,8 @@ const char* OutcomeWord(JobOutcome outcome) {
       return "full mailbox";
     case JobOutcome::kLostWithSignOff:
       return "lost with a sign-off";
+    case JobOutcome::kLostWithExit:
+      return "lost with an exit";
     case JobOutcome::kNotSent:
       return "not sent";
     case JobOutcome::kBanned:
@@ -74,6 +76,8 @@ const char* OutcomeWord(JobOutcome outcome) {
       return "started";
     case JobOutcome::kStopped:
       return "stopped";
+    case JobOutcome::kLogIncomplete:
+      return "log incomplete";
   }
   return "?";
 }
@@ -120,23 +124,37 @@ std::string JobLog::Path() const {
 
 std::string JobLog::OldPath() const { return Path() + kOldLogSuffix; }
 
+std::string LostLinesNotice(int lost) {
+  return std::to_string(lost) + (lost == 1 ? " line" : " lines") + " of " +
+         kLogName + " could not be written";
+}
+
 bool JobLog::Write(const JobEvent& event) {
-  const std::string line = FormatLogLine(host_.Now(), event);
+  // The lines lost since the last one written are owned up to first, in
+  // the same write: the notice never stands without the line after it.
+  std::string line;
+  if (unreported_ > 0)
+    line = FormatLogLine(host_.Now(), {JobOutcome::kLogIncomplete, "",
+                                       LostLinesNotice(unreported_)});
+  line += FormatLogLine(host_.Now(), event);
   const std::string path = Path();
   const std::int64_t size = machine_.FileLength(path);
   const auto line_size = static_cast<std::int64_t>(line.size());
   // A full log becomes the old one before the line goes in; a log that
   // cannot be moved aside takes no more lines, so the disk cannot fill.
   if (size > 0 && size + line_size > limit_ &&
-      !machine_.MoveFileOver(path, OldPath())) {
-    ++failures_;
-    return false;
-  }
-  if (!machine_.AppendToFile(path, line)) {
-    ++failures_;
-    return false;
-  }
+      !machine_.MoveFileOver(path, OldPath()))
+    return Failed();
+  if (!machine_.AppendToFile(path, line)) return Failed();
+  unreported_ = 0;
   return true;
+}
+
+bool JobLog::Failed() {
+  ++failures_;
+  ++unreported_;
+  observers_.Notify(*this);
+  return false;
 }
 
 }  // namespace quorvex

@@ -10,16 +10,22 @@
 // flushed to disk at once; a line that would take the file past the limit
 // first renames it to Quorvex.log.1 (replacing the older one) in one step,
 // so the two files together never hold more than twice the limit. A write
-// that fails is counted and dropped: the program serves on.
+// that fails is counted and dropped: the program serves on, and the next
+// line written is preceded by one that says how many were lost:
+//
+//   2026-11-25 04:19:02<TAB>log incomplete<TAB>-<TAB>3 lines of Quorvex.log
+//   could not be written
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "model/job_event.h"
+#include "model/observers.h"
 #include "ports/host.h"
 #include "ports/machine.h"
 
@@ -45,6 +51,10 @@ struct LogLine {
 };
 std::optional<LogLine> ParseLogLine(std::string_view line);
 
+// What a person is told when `lost` lines could not be written: "3 lines
+// of Quorvex.log could not be written".
+std::string LostLinesNotice(int lost);
+
 class JobLog {
  public:
   static constexpr std::int64_t kDefaultLimit = std::int64_t{1} << 20;
@@ -60,13 +70,25 @@ class JobLog {
   // The Windows path of the log and of the older one.
   std::string Path() const;
   std::string OldPath() const;
+  // Lines lost since the log was made; those of them not yet owned up to
+  // in the log itself.
   int failures() const { return failures_; }
+  int unreported() const { return unreported_; }
+  // Views that show the losses hear of each one.
+  int Subscribe(Observers<const JobLog&>::Observer o) {
+    return observers_.Add(std::move(o));
+  }
+  void Unsubscribe(int id) { observers_.Remove(id); }
 
  private:
+  bool Failed();
+
   Machine& machine_;
   const Host& host_;
   std::int64_t limit_;
   int failures_ = 0;
+  int unreported_ = 0;
+  Observers<const JobLog&> observers_;
 };
 
 }  // namespace quorvex

@@ -44,9 +44,10 @@ TEST(LogLineTest, FieldsAreTimeOutcomeRequestersWhatAndReadBack) {
 
 TEST(LogLineTest, EveryOutcomeHasAWordOfItsOwn) {
   std::set<std::string> words;
-  for (int o = 0; o <= static_cast<int>(JobOutcome::kStopped); ++o)
+  for (int o = 0; o <= static_cast<int>(JobOutcome::kLogIncomplete); ++o)
     words.insert(OutcomeWord(static_cast<JobOutcome>(o)));
-  EXPECT_EQ(words.size(), static_cast<std::size_t>(JobOutcome::kStopped) + 1);
+  EXPECT_EQ(words.size(),
+            static_cast<std::size_t>(JobOutcome::kLogIncomplete) + 1);
   EXPECT_FALSE(words.count("?"));
 }
 
@@ -139,6 +140,47 @@ TEST_F(JobLogTest, AFailedWriteIsCountedAndNothingElseHappens) {
   EXPECT_FALSE(log.Write(EventOfSize(30)));
   EXPECT_EQ(full.FileLength(log.Path()), 45);
   EXPECT_EQ(log.failures(), 2);
+}
+
+// A disk that fills and is freed again.
+class FlakyMachine : public FolderMachine {
+ public:
+  using FolderMachine::FolderMachine;
+  bool AppendToFile(std::string_view path, std::string_view text) override {
+    return !failing && FolderMachine::AppendToFile(path, text);
+  }
+  bool failing = false;
+};
+
+TEST_F(JobLogTest, TheFirstLineWrittenAgainSaysHowManyWereLost) {
+  FlakyMachine flaky(root.path());
+  JobLog log(flaky, host);
+  std::vector<int> heard;
+  const int id =
+      log.Subscribe([&](const JobLog& l) { heard.push_back(l.failures()); });
+  flaky.failing = true;
+  EXPECT_FALSE(log.Write({JobOutcome::kSent, "(bob)", "send 1"}));
+  EXPECT_FALSE(log.Write({JobOutcome::kSent, "(amy)", "send 2"}));
+  EXPECT_EQ(heard, (std::vector<int>{1, 2}));
+  flaky.failing = false;
+  ASSERT_TRUE(log.Write({JobOutcome::kStopped, "", "serving"}));
+  ASSERT_TRUE(log.Write({JobOutcome::kStarted, "", "serving 3 mails"}));
+  // One lost later is owned up to on its own; the total stays.
+  flaky.failing = true;
+  EXPECT_FALSE(log.Write({JobOutcome::kSent, "(cy)", "send 3"}));
+  flaky.failing = false;
+  ASSERT_TRUE(log.Write({JobOutcome::kStopped, "", "program"}));
+  EXPECT_EQ(Read(log.Path()),
+            "2026-11-05 04:07:09\tlog incomplete\t-\t2 lines of Quorvex.log "
+            "could not be written\r\n"
+            "2026-11-05 04:07:09\tstopped\t-\tserving\r\n"
+            "2026-11-05 04:07:09\tstarted\t-\tserving 3 mails\r\n"
+            "2026-11-05 04:07:09\tlog incomplete\t-\t1 line of Quorvex.log "
+            "could not be written\r\n"
+            "2026-11-05 04:07:09\tstopped\t-\tprogram\r\n");
+  EXPECT_EQ(log.failures(), 3);
+  EXPECT_EQ(log.unreported(), 0);
+  log.Unsubscribe(id);
 }
 
 }  // namespace

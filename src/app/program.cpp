@@ -15,6 +15,7 @@ QuorvexProgram::~QuorvexProgram() = default;
 void QuorvexProgram::MakeApp() {
   if (app_) {
     app_->End();
+    earlier_lost_log_lines_ += app_->log().failures();
     app_.reset();
   }
   app_ = std::make_unique<QuorvexApp>(ports_);

@@ -53,6 +53,11 @@ class QuorvexProgram {
   QuorvexApp& app() { return *app_; }
   const QuorvexApp& app() const { return *app_; }
   FrmSplash& splash() { return splash_; }
+  // Lines of Quorvex.log that could not be written, by every start of the
+  // program so far.
+  int LostLogLines() const {
+    return earlier_lost_log_lines_ + (app_ ? app_->log().failures() : 0);
+  }
 
  private:
   void MakeApp();
@@ -66,6 +71,7 @@ class QuorvexProgram {
   FrmSplash splash_;
   std::unique_ptr<QuorvexApp> app_;
   std::string to_start_;
+  int earlier_lost_log_lines_ = 0;
 };
 
 }  // namespace quorvex

@@ -34,6 +34,7 @@ class QuorvexApp {
   const FrmMain& frm() const { return frm_; }
   ClientContext& client() { return client_; }
   const JobLog& log() const { return log_; }
+  JobLog& log() { return log_; }
   // The serving engine behind cmdStart, cmdPause and the timers; its
   // hooks (the client's restart) are set by whoever provides them.
   ServeEngine& engine() { return *engine_; }

@@ -52,7 +52,7 @@ struct MailControls {
   }
 };
 
-void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
+bool Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
              std::string_view body, Send how) {
   WindowApi& api = c.api;
   const bool later = how == Send::kNowThenLater;
@@ -74,8 +74,12 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
                          (!later ||
                           GetText(api, mail.send_later) == "Send Later");
                 },
-                {.give_up = SignedOff(api)}) != WaitEnd::kMet)
-    return;
+                // A window closed under it (a start clears the client's
+                // mail windows) never gets its icons.
+                {.give_up = [&api, off = SignedOff(api), window] {
+                  return off() || !api.IsWindow(window);
+                }}) != WaitEnd::kMet)
+    return false;
 
   const std::string text = c.ExpandInserts(std::string(body));
   SetText(api, mail.edit[0], recipients);
@@ -97,6 +101,7 @@ void Forward(const ClientContext& c, std::string_view recipients, Hwnd window,
     PostEscape(api, frame);
   }
   ShrinkStatusWindow(api);
+  return true;
 }
 
 // A "Write Mail" window still open is the previous mail going out: a new
@@ -201,14 +206,14 @@ void Write(const ClientContext& c, std::string_view recipients,
 
 }  // namespace
 
-void ForwardMail(const ClientContext& c, std::string_view recipients,
+bool ForwardMail(const ClientContext& c, std::string_view recipients,
                  Hwnd forward_window, std::string_view body) {
-  Forward(c, recipients, forward_window, body, Send::kNowThenLater);
+  return Forward(c, recipients, forward_window, body, Send::kNowThenLater);
 }
 
-void ForwardMailNow(const ClientContext& c, std::string_view recipients,
+bool ForwardMailNow(const ClientContext& c, std::string_view recipients,
                     Hwnd forward_window, std::string_view body) {
-  Forward(c, recipients, forward_window, body, Send::kNow);
+  return Forward(c, recipients, forward_window, body, Send::kNow);
 }
 
 void WriteMail(const ClientContext& c, std::string_view recipients,

@@ -11,10 +11,12 @@ namespace quorvex {
 
 // Forward window: recipients, the subject from its caption, the body
 // (inserts expanded); Send Now clicked 3 times, then Send Later 8 times.
-void ForwardMail(const ClientContext& c, std::string_view recipients,
+// False, with nothing typed, when the client signed off or the window went
+// before its send icons came.
+bool ForwardMail(const ClientContext& c, std::string_view recipients,
                  Hwnd forward_window, std::string_view body);
 // The same, Send Now clicked 5 times and no Send Later.
-void ForwardMailNow(const ClientContext& c, std::string_view recipients,
+bool ForwardMailNow(const ClientContext& c, std::string_view recipients,
                     Hwnd forward_window, std::string_view body);
 
 // A new mail from the tool bar's Write icon: Send Now then Send Later.

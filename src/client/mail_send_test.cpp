@@ -62,10 +62,23 @@ TEST_F(MailSendTest, AForwardWindowIsFilledOnlyWhenSendNowIsThere) {
   const Hwnd second = OpenForwardWindow(1);
   const double start = host.Elapsed();
   sim.SignOffAfter(0.3);
-  ForwardMailNow(c, "(Ann)", second, "body");
+  EXPECT_FALSE(ForwardMailNow(c, "(Ann)", second, "body"));
   EXPECT_LT(host.Elapsed() - start, 0.5);
   Run(3);
   EXPECT_EQ(mails.size(), 1u);
+}
+
+TEST_F(MailSendTest, AForwardWindowClosedBeforeItsIconsCameIsGivenUp) {
+  // A start clears the client's mail windows while a forward waits.
+  sim.SetLatency(1.0);
+  Launch();
+  const Hwnd forward = OpenForwardWindow(0);
+  host.Schedule(0.3, [&] { CloseWindow(api, forward); });
+  const double start = host.Elapsed();
+  EXPECT_FALSE(ForwardMail(c, "(Ann)", forward, "body"));
+  EXPECT_LT(host.Elapsed() - start, 0.5);
+  Run(3);
+  EXPECT_TRUE(mails.empty());
 }
 
 TEST_F(MailSendTest, EachWriteWaitsForThePreviousWindowToGo) {

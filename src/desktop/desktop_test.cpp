@@ -524,7 +524,50 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   PressKey(VK_ESCAPE);
   EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
 
-  // The message editor: Alt+E is its exit, and Escape does the same.
+  // The message editor: Tab goes through each page's list, line and
+  // insert button, then save, exit and the tab strip, whose arrow keys
+  // turn the page; Shift+Tab goes back. Return on an insert button opens
+  // its menu.
+  PickMenu(main_, "mnuMessages");
+  HWND editor = WaitWindow(kMessagesClass, nullptr, 20);
+  ASSERT_NE(editor, nullptr);
+  ASSERT_TRUE(ToFront(editor));
+  auto focused = [&](int id) {
+    return WaitFor([&] { return Focus(editor) == GetDlgItem(editor, id); }, 10);
+  };
+  auto tab_through = [&](std::initializer_list<int> ids, bool back) {
+    for (int id : ids) {
+      PressKey(VK_TAB, back);
+      if (!focused(id)) return testing::AssertionFailure() << "control " << id;
+    }
+    return testing::AssertionSuccess();
+  };
+  ASSERT_TRUE(focused(kIdLstChat));
+  EXPECT_TRUE(tab_through(
+      {kIdTxtAdd0, kIdCmdInsert0, kIdCmdSave, kIdCmdExit, kIdTab, kIdLstChat},
+      false));
+  EXPECT_TRUE(tab_through(
+      {kIdTab, kIdCmdExit, kIdCmdSave, kIdCmdInsert0, kIdTxtAdd0, kIdLstChat},
+      true));
+  PressKey(VK_TAB, true);  // back from the list to the tab strip
+  ASSERT_TRUE(focused(kIdTab));
+  PressKey(VK_RIGHT);  // mail: the text and its insert button
+  EXPECT_TRUE(tab_through({kIdTxtAdd1, kIdCmdInsert1}, false));
+  // The mail's text, of several lines, was left without a tab typed in.
+  EXPECT_EQ(Text(GetDlgItem(editor, kIdTxtAdd1)).find('\t'), std::string::npos);
+  PressKey(VK_RETURN);
+  EXPECT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(L"#32768"); }, 10));
+  EXPECT_TRUE(Showing(kMessagesClass));
+  EXPECT_TRUE(tab_through({kIdTxtAdd1, kIdTab}, true));
+  PressKey(VK_RIGHT);  // thank you: its list, line and insert button
+  EXPECT_TRUE(tab_through(
+      {kIdLstThankyou, kIdTxtAdd2, kIdCmdInsert2, kIdCmdSave}, false));
+  PressKey(VK_ESCAPE);
+  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+
+  // Alt+E is its exit, and Escape does the same.
   for (const auto& [key, alt] : {std::pair<WORD, bool>{'E', true},
                                  std::pair<WORD, bool>{VK_ESCAPE, false}}) {
     PickMenu(main_, "mnuMessages");
@@ -550,6 +593,35 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   PressKey(VK_ESCAPE);
   EXPECT_TRUE(WaitFor([] { return !Showing(kChatroomClass); }, 20));
   EXPECT_EQ(Caption(kIdCmdStart), "&stop");
+}
+
+// A folder stands where the log should be: no line of it can be written.
+class LostLogLinesTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    fs::create_directories(root_ / "C" / "Program Files" / "Quorvex" /
+                           "Quorvex.log");
+    Launch(Program().wstring(),
+           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+  }
+};
+
+TEST_F(LostLogLinesTest, TheMainWindowsTextSaysHowManyLinesWereLost) {
+  // The load's line is lost: the task bar tells, the drawn title does not
+  // change, and the program serves on.
+  auto says = [&](const char* lost) {
+    return WaitFor(
+        [&] {
+          return Text(main_) == std::string(kTitleText) + " - " + lost +
+                                    " of Quorvex.log could not be written";
+        },
+        30);
+  };
+  EXPECT_TRUE(says("1 line")) << Text(main_);
+  Start();
+  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  EXPECT_TRUE(says("2 lines")) << Text(main_);
 }
 
 // quorvex.exe without --simulate drives the real client through the

@@ -1,5 +1,6 @@
 #include "desktop/main_window.h"
 
+#include "app/job_log.h"
 #include "desktop/band.h"
 #include "desktop/control_ids.h"
 #include "desktop/desktop.h"
@@ -7,6 +8,10 @@
 #include "model/draw_status.h"
 
 namespace quorvex::desktop {
+
+std::string LostLogLinesTitle(int lost) {
+  return std::string(kTitleText) + " - " + LostLinesNotice(lost);
+}
 
 void MainWindow::Create() {
   CreateTopLevel(kMainClass, kWindowTitle, 80, 60, kWidth, kHeight);
@@ -90,6 +95,13 @@ void MainWindow::Bind() {
   BindList(Item(kIdLstMails), frm.lstMails, subs_);
   BindList(Item(kIdLstPending), frm.lstPending(), subs_);
   BindList(Item(kIdLstBanned), frm.lstBanned, subs_);
+  // Lines of Quorvex.log that could not be written are told in the
+  // window's text (its task-bar button, Alt+Tab); the drawn title and the
+  // status strip keep theirs, and nothing waits for a click.
+  HWND main = hwnd();
+  subs_.Add(desktop_.app().log(), [main](const JobLog& log) {
+    SetText(main, LostLogLinesTitle(log.failures()));
+  });
 }
 
 LRESULT MainWindow::Handle(UINT msg, WPARAM wp, LPARAM lp) {

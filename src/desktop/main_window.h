@@ -3,11 +3,17 @@
 // buttons, each bound to the core's model of it.
 #pragma once
 
+#include <string>
+
 #include "desktop/window.h"
 
 namespace quorvex::desktop {
 
 class Desktop;
+
+// The main window's text (its task-bar button, Alt+Tab) once `lost` lines
+// of Quorvex.log could not be written.
+std::string LostLogLinesTitle(int lost);
 
 class MainWindow : public Window {
  public:

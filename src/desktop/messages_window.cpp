@@ -34,7 +34,8 @@ void MessagesWindow::Open() {
     item.pszText = const_cast<wchar_t*>(captions[i]);
     SendMessageW(tab, TCM_INSERTITEMW, i, reinterpret_cast<LPARAM>(&item));
   }
-  const DWORD list = LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER;
+  const DWORD list =
+      LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP;
   const DWORD edit = ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP;
   Child(L"LISTBOX", "", list, 10, 50, 280, 116, kIdLstChat);
   Child(L"EDIT", "",
@@ -44,17 +45,21 @@ void MessagesWindow::Open() {
   Child(L"LISTBOX", "", list, 10, 50, 280, 116, kIdLstThankyou);
   for (int i = 0; i < 3; ++i) {
     if (i != 1) Child(L"EDIT", "", edit, 10, 170, 212, 22, kIdTxtAdd0 + i);
-    Child(L"BUTTON", "&insert", BS_PUSHBUTTON, 226, 170, 64, 22,
+    Child(L"BUTTON", "&insert", BS_PUSHBUTTON | WS_TABSTOP, 226, 170, 64, 22,
           kIdCmdInsert0 + i);
   }
   Child(L"BUTTON", "&save && exit", BS_PUSHBUTTON | WS_TABSTOP, 4, 206, 144, 24,
         kIdCmdSave);
   Child(L"BUTTON", "&exit", BS_PUSHBUTTON | WS_TABSTOP, 152, 206, 144, 24,
         kIdCmdExit);
-  for (HWND c : {Item(kIdLstChat), Item(kIdTxtAdd1), Item(kIdLstThankyou),
-                 Item(kIdTxtAdd0), Item(kIdTxtAdd2), Item(kIdCmdInsert0),
-                 Item(kIdCmdInsert1), Item(kIdCmdInsert2)})
+  // The pages' controls are drawn over the tab strip, and Tab goes as
+  // they stand from the top: a page's list, its line, its insert button,
+  // then save, exit and the tab strip itself.
+  for (HWND c : {Item(kIdCmdInsert2), Item(kIdCmdInsert1), Item(kIdCmdInsert0),
+                 Item(kIdTxtAdd2), Item(kIdTxtAdd0), Item(kIdLstThankyou),
+                 Item(kIdTxtAdd1), Item(kIdLstChat)})
     SetWindowPos(c, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+  SetWindowPos(tab, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
   BindList(Item(kIdLstChat), form.lstChat, subs_);
   BindList(Item(kIdLstThankyou), form.lstThankyou, subs_);
 

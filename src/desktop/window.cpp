@@ -235,6 +235,26 @@ bool PressMnemonic(HWND window, wchar_t key) {
   return true;
 }
 
+// Whether the class name `name` starts with `prefix` (ASCII, case
+// ignored, as Windows compares class names).
+bool ClassStarts(const wchar_t* name, const wchar_t* prefix) {
+  auto lower = [](wchar_t c) {
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+  };
+  for (; *prefix; ++name, ++prefix)
+    if (lower(*name) != lower(*prefix)) return false;
+  return true;
+}
+
+// An edit or rich-text control of several lines.
+bool IsMultilineText(HWND control) {
+  wchar_t name[32] = L"";
+  GetClassNameW(control, name, 32);
+  const bool text = (ClassStarts(name, L"Edit") && name[4] == 0) ||
+                    ClassStarts(name, L"RichEdit");
+  return text && (GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE) != 0;
+}
+
 }  // namespace
 
 bool WindowKeyboard(HWND window, MSG& msg) {
@@ -249,6 +269,15 @@ bool WindowKeyboard(HWND window, MSG& msg) {
       IsChild(window, focus) &&
       (SendMessageW(focus, WM_GETDLGCODE, 0, 0) & DLGC_UNDEFPUSHBUTTON)) {
     SendMessageW(focus, BM_CLICK, 0, 0);
+    return true;
+  }
+  // Tab and Shift+Tab leave a text of several lines as they leave any
+  // other control (Ctrl+Tab still types a tab in it).
+  if (msg.message == WM_KEYDOWN && msg.wParam == VK_TAB && focus &&
+      IsChild(window, focus) && GetKeyState(VK_CONTROL) >= 0 &&
+      IsMultilineText(focus)) {
+    if (HWND next = GetNextDlgTabItem(window, focus, GetKeyState(VK_SHIFT) < 0))
+      SetFocus(next);
     return true;
   }
   return IsDialogMessageW(window, &msg) != FALSE;

@@ -16,6 +16,7 @@ enum class JobOutcome {
   kDeadMail,          // a mail that cannot be forwarded; the requester told
   kFullMailbox,       // the requester's mailbox refused the forward
   kLostWithSignOff,   // the client signed off before the job was done
+  kLostWithExit,      // the program exited before the job was done
   kNotSent,           // the client refused the mail (too long, no such mail)
   kBanned,            // a person banned, their requests removed
   kListMailed,        // the lists forwarded
@@ -28,6 +29,7 @@ enum class JobOutcome {
   kSentMailDeleted,   // the client's sent mail (and waiting mail) deleted
   kStarted,           // the program loaded, or serving started
   kStopped,           // serving stopped, or the program exited
+  kLogIncomplete,     // lines of the log itself could not be written
 };
 
 struct JobEvent {

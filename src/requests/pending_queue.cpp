@@ -219,16 +219,18 @@ TakenGroup PendingQueue::TakeNextFind(Label& lblPending) {
   return taken;
 }
 
-void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
+std::vector<std::string> PendingQueue::DropFullMailbox(const std::string& sn,
+                                                       ListBox& ReplyQueue) {
   QueueReply(ReplyQueue, sn, "mailbox");
   auto it = by_dash_name_.find(sn);
-  if (it == by_dash_name_.end()) return;
+  if (it == by_dash_name_.end()) return {};
 
   // Replays the walk by index over the positions before any removal: a
   // removal shifts the next line into the current slot and the index moves
   // on, so the line right after a removed one is never looked at. An
   // empty line that is looked at ends the walk.
   std::vector<std::uint64_t> drop;
+  std::vector<std::string> dropped;
   int last_removed = -2;
   std::uint64_t looked_up_to = 0;  // ids below this have been passed
   for (std::uint64_t id : it->second) {
@@ -247,9 +249,11 @@ void PendingQueue::DropFullMailbox(const std::string& sn, ListBox& ReplyQueue) {
     if (line.find('~') != std::string::npos) continue;
     if (pos == last_removed + 1) continue;  // moved into a removed slot
     drop.push_back(id);
+    dropped.push_back(line.substr(line.find('-') + 1));
     last_removed = pos;
   }
   RemoveIds(drop);
+  return dropped;
 }
 
 std::uint64_t PendingQueue::IdsBelowFuture() const {

@@ -90,8 +90,10 @@ class PendingQueue {
   // A requester's mailbox is full: orders the "-mailbox" reply and drops
   // their mail and list lines, except that the line right after a dropped
   // one is not looked at (so of two adjacent lines only the first goes).
-  // Finds stay. The label is not refreshed here.
-  void DropFullMailbox(const std::string& sn, ListBox& ReplyQueue);
+  // Finds stay. The label is not refreshed here. Returns what each dropped
+  // line asked for ("5", "list"), in the list's order.
+  std::vector<std::string> DropFullMailbox(const std::string& sn,
+                                           ListBox& ReplyQueue);
 
   // A mail the client will not forward: removes the first mail line that
   // wants `number` and gives its requester; nothing when none is left.

@@ -129,9 +129,11 @@ Lines DropSlowly(Lines lines, const std::string& sn) {
 
 TEST_F(PendingQueueTest, DropFullMailboxSkipsTheLineAfterEachDrop) {
   ListBox replies{"ReplyQueue"};
-  Queue({"bob-1", "bob-2", "bob-3", "amy-4"});
-  q.DropFullMailbox("bob", replies);
-  EXPECT_EQ(q.list().Items(), (Lines{"bob-2", "amy-4"}));  // adjacent: kept
+  Queue({"bob-1", "bob-2", "bob-3", "bob-list", "amy-4"});
+  // What each dropped line asked for, for the log.
+  EXPECT_EQ(q.DropFullMailbox("bob", replies), (Lines{"1", "3"}));
+  EXPECT_EQ(q.list().Items(),
+            (Lines{"bob-2", "bob-list", "amy-4"}));  // adjacent: kept
   EXPECT_EQ(replies.Items(), Lines{"bob-mailbox"});
 
   std::mt19937 rng(7);

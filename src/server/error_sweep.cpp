@@ -22,7 +22,8 @@ void HandleErrorWindow(const MailJobContext& m, const ClientContext& c,
   const auto dash = text.find('-');
   if (dash != std::string::npos && dash >= 1) {
     for (const std::string& sn : FullMailboxNames(text)) {
-      m.pending.DropFullMailbox(sn, m.ReplyQueue);
+      for (const std::string& w : m.pending.DropFullMailbox(sn, m.ReplyQueue))
+        Emit(m.events, JobOutcome::kFullMailbox, sn, "send " + w);
       Emit(m.events, JobOutcome::kFullMailbox, sn, f.what());
       f.RefusedBy(sn);
     }

@@ -152,10 +152,9 @@ bool ForwardMailNumber(const MailJobContext& m, const ClientContext& c,
   if (end != WaitEnd::kMet) return give_up(end);
 
   m.status.Draw(steps.sending);
-  if (m.settings.MailMethod)
-    ForwardMail(c, recipients, forward, body);
-  else
-    ForwardMailNow(c, recipients, forward, body);
+  if (!(m.settings.MailMethod ? ForwardMail : ForwardMailNow)(c, recipients,
+                                                              forward, body))
+    return false;
 
   // The mail is the client's now, whatever cuts the wait below short.
   f.Handed();
@@ -209,15 +208,21 @@ JobOutcome FailedForwardOutcome(const MailJobContext& m, const ClientContext& c,
 namespace {
 
 // An exit in the middle of a forward unwinds the job: a mail the client
-// had taken by then is logged as sent on the way out.
+// had taken by then is logged as sent on the way out, one it had not as
+// lost with the exit.
 class SentIfUnwound {
  public:
   SentIfUnwound(const MailJobContext& m, const ForwardUnderWay& f,
                 const std::string& requesters)
       : m_(m), f_(f), requesters_(requesters) {}
   ~SentIfUnwound() {
-    if (std::uncaught_exceptions() <= exceptions_ || !f_.handed()) return;
+    if (std::uncaught_exceptions() <= exceptions_) return;
     try {
+      if (!f_.handed()) {
+        if (m_.ended)
+          Emit(m_.events, JobOutcome::kLostWithExit, requesters_, f_.what());
+        return;
+      }
       const std::string received = RequestersBut(requesters_, f_.refused());
       if (!received.empty())
         Emit(m_.events, JobOutcome::kSent, received, f_.what());
@@ -247,6 +252,7 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
   const std::string& number = group.wanted;
   f.BeginJob();
   f.Begin(sn, number, "send " + number);
+  const SentIfUnwound on_exit(m, f, group.requesters);
   const std::string notify = NotifyText(m, c.host);
   const int failures = f.failures();
 
@@ -266,12 +272,11 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
   ForwardSteps steps{"status: opening mail", "status: forwarding mail",
                      "status: sending mail", "status: sent mail",
                      m.settings.MailSpeed};
-  const SentIfUnwound on_exit(m, f, group.requesters);
   if (!ForwardMailNumber(m, c, position, group.requesters, body, steps, f)) {
     const bool failed = f.failures() != failures;
     if (f.handed() && !failed)
       Emit(m.events, JobOutcome::kSent, group.requesters, f.what());
-    else if (!m.ended)
+    else
       Emit(m.events, FailedForwardOutcome(m, c, f, failed), group.requesters,
            f.what());
     return;
@@ -282,7 +287,7 @@ void RunMailJob(const MailJobContext& m, const ClientContext& c,
     Say(c, m.ended, sn + " mail <U>" + number + "</U> " + notify);
   // Those whose mailbox refused it were logged as they were found.
   const std::string received = RequestersBut(group.requesters, f.refused());
-  if (!m.ended && !received.empty())
+  if (!received.empty())
     Emit(m.events,
          f.failures() != failures ? FailedForwardOutcome(m, c, f, true)
                                   : JobOutcome::kSent,

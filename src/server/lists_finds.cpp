@@ -10,6 +10,7 @@
 #include "client/window_ops.h"
 #include "model/text_util.h"
 #include "ports/client_windows.h"
+#include "server/cut_short.h"
 #include "server/dead_mail.h"
 #include "server/error_sweep.h"
 #include "server/forward_job.h"
@@ -149,6 +150,8 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
   const std::string range = "lists <U>1-" + Str(lists) + "</U>";
   const int failures = f.failures();
   f.BeginJob();
+  const LostIfCutShort on_exit(m.events, m.ended, group.requesters,
+                               "send list");
   if (!s.ListNotify) Say(c, m.ended, range + " are being processed");
 
   const ForwardSteps steps{"status: opening list", "status: clicking forward",
@@ -163,9 +166,8 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
         ForwardBody(m, "list number <B><U>" + list.k + "</B></U>");
     if (!ForwardMailNumber(m, c, static_cast<int>(Val(list.position)),
                            group.requesters, body, steps, f)) {
-      if (!m.ended)
-        Emit(m.events, FailedForwardOutcome(m, c, f, f.failures() != failures),
-             group.requesters, "send list");
+      Emit(m.events, FailedForwardOutcome(m, c, f, f.failures() != failures),
+           group.requesters, "send list");
       return;
     }
     ForwardErrorSweep(m, c, f);
@@ -177,7 +179,7 @@ void RunListJob(const MailJobContext& m, const ClientContext& c,
   if (!s.ListNotify) Say(c, m.ended, range + " were sent");
   // Lists that failed on the way (a dead one) leave the others sent.
   const std::string received = RequestersBut(group.requesters, f.refused());
-  if (!m.ended && !received.empty())
+  if (!received.empty())
     Emit(m.events, JobOutcome::kListMailed, received, "send list");
   m.status.Draw("status: scanning chat");
 }
@@ -204,6 +206,8 @@ void RunFindJob(const MailJobContext& m, const ClientContext& c) {
   const Settings& s = m.settings;
   const std::string sn = FirstRequester(group.requesters);
   const std::string& text = group.wanted;
+  const LostIfCutShort on_exit(m.events, m.ended, group.requesters,
+                               "find " + text);
   m.status.Draw("status: finding find");
   int count = 0;
   const std::string lines =
@@ -226,8 +230,7 @@ void RunFindJob(const MailJobContext& m, const ClientContext& c) {
     WriteMailNow(c, group.requesters, subject, body);
   AdvanceServeCounters(m.counters, 1);
   Say(c, m.ended, sn + " results for <U>" + text + "</U> sent");
-  if (!m.ended)
-    Emit(m.events, JobOutcome::kFindMailed, group.requesters, "find " + text);
+  Emit(m.events, JobOutcome::kFindMailed, group.requesters, "find " + text);
   m.status.Draw("status: sent find");
 }
 

@@ -6,6 +6,7 @@
 #include "client/chat_room.h"
 #include "client/mail_send.h"
 #include "client/wait.h"
+#include "server/cut_short.h"
 #include "server/server_common.h"
 #include "settings/random_number.h"
 
@@ -31,6 +32,7 @@ void MailReply(const ReplyContext& r, const ClientContext& c,
 
 void ThankYouReply(const ReplyContext& r, const ClientContext& c,
                    const std::string& sn) {
+  const LostIfCutShort on_exit(r.events, r.ended, sn, "thanks");
   const ListBox& thanks = r.frmMessages.lstThankyou;
   std::string text = "you are welcome";
   if (!thanks.Empty()) {
@@ -51,6 +53,7 @@ void ThankYouReply(const ReplyContext& r, const ClientContext& c,
 
 void StatusReply(const ReplyContext& r, const ClientContext& c,
                  const std::string& sn) {
+  const LostIfCutShort on_exit(r.events, r.ended, sn, "status");
   PendingStatus st = r.pending.StatusOf(sn);
   const long long n = st.count;
   // Nobody ahead when the person has nothing queued.

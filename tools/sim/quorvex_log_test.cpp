@@ -135,6 +135,7 @@ mails 10 song
 full-mailbox cal
 at 0.2 say bob: /host send 3
 at 0.3 say cal: /host send 3
+at 0.35 say cal: /host send 5
 at 0.4 say bob: /host find song 1
 at 0.5 answer yes
 at 1 press cmdStart
@@ -143,10 +144,69 @@ run 60
   EXPECT_EQ(log, (std::vector<std::string>{
                      "started||program",
                      "started||serving 11 mails",
+                     // cal's other request leaves the queue with it.
+                     "full mailbox|cal|send 5",
                      "full mailbox|cal|send 3",
                      "sent|bob|send 3",
                      "find mailed|bob|find song 1",
                  }));
+}
+
+TEST(QuorvexLogTest, AJobAnExitCutsShortSaysItsRequestWasLost) {
+  // The exit comes while amy's lists are being forwarded, before the
+  // client took the first: the queue saved at the exit no longer holds
+  // the request, and the log says what became of it.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person amy
+person bob
+mails 10 song
+at 0.5 answer yes
+at 1 press cmdStart
+at 30 say amy: /host send list
+at 30.2 say bob: /host send 4
+at 41.6 press lblExit
+run 100
+)");
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 11 mails",
+                     "sent|bob|send 4",
+                     "stopped||program",
+                     "lost with an exit|amy|send list",
+                 }));
+}
+
+TEST(QuorvexLogTest, LinesThatCannotBeWrittenAreCountedForTheRun) {
+  // A folder where the log should be: no line can be written.
+  const fs::path root =
+      fs::temp_directory_path() /
+      ("qv_log_lost_" + std::to_string(std::random_device{}()));
+  const FolderMachine machine(root);
+  fs::create_directories(
+      machine.HostPath("C:\\Program Files\\Quorvex\\Quorvex.log"));
+  RunOptions options;
+  options.root = root.string();
+  int lost = 0;
+  options.on_lost_log_lines = [&lost](int n) { lost = n; };
+  std::ostringstream transcript;
+  RunScenario(ParseScenario("lost.scn", R"(user Host
+room Lobby
+mails 3 song
+at 1 press cmdStart
+at 30 press lblExit
+at 40 start
+run 50
+)",
+                            Controls()),
+              options, transcript);
+  // Started and stopped (no lists made, so no serving); and started by
+  // the program started again.
+  EXPECT_EQ(lost, 3);
+  std::error_code ec;
+  fs::remove_all(root, ec);
 }
 
 }  // namespace

@@ -324,6 +324,8 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   } catch (const RunEnded&) {
     // The power went off: the state stands as it is.
   }
+  if (options.on_lost_log_lines && program.LostLogLines() > 0)
+    options.on_lost_log_lines(program.LostLogLines());
   ordered_json final_state =
       FinalState(program.app(), registry, profiles, machine, client);
   if (options.on_final) options.on_final(final_state);

@@ -17,6 +17,8 @@ struct RunOptions {
   bool realtime = false;  // pace virtual time to the wall clock
   // Hears the final state before it is written (the demo's summary).
   std::function<void(const nlohmann::ordered_json&)> on_final;
+  // Hears how many lines of Quorvex.log could not be written, when any.
+  std::function<void(int)> on_lost_log_lines;
 };
 
 // The names quorvex-sim accepts for press, select and set.

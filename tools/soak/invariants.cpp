@@ -403,12 +403,36 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     const auto b = banned_at.find(NoSpaces(entry.first));
     return b == banned_at.end() ? 0 : removed_then(entry, b->second);
   };
+  // Removed at the moment of a clear, or of a ban of `sn`.
+  auto at_any = [](double r, const std::vector<double>& moments) {
+    for (double c : moments)
+      if (std::abs(r - c) < 0.0015) return true;
+    return false;
+  };
+  auto by_user_at = [&](double r) { return at_any(r, clears); };
+  auto by_ban_at = [&](const std::string& sn, double r) {
+    const auto b = banned_at.find(NoSpaces(sn));
+    return b != banned_at.end() && at_any(r, b->second);
+  };
+  // Taken shortly before an exit.
+  auto exited_within = [&](double t, double seconds) {
+    for (double x : exits)
+      if (x >= t && x - t <= seconds) return true;
+    return false;
+  };
   // Taken shortly before the program stopped (an exit, or the run's end).
   auto stopped_within = [&](double t, double seconds) {
     for (double x : exits)
       if (x >= t && x - t <= seconds) return true;
     return last_t - t <= seconds;
   };
+  // The ending each entry not received was accounted to, and whether a
+  // sign-off may have lost it too.
+  struct EndedAs {
+    std::string ending;
+    bool signed_off = false;
+  };
+  std::map<std::pair<std::string, int>, EndedAs> ended_as;
   for (const auto& [entry, asked_n] : accepted) {
     fig->accepted += asked_n;
     const auto& [sn, n] = entry;
@@ -508,6 +532,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       if (ending) fig->in_flight += asked_n - got - left;
     }
     if (ending) {
+      ended_as[entry] = {ending, lost_by_client};
       fig->excused += asked_n - got - left;
       fig->endings[ending] += asked_n - got - left;
       continue;
@@ -522,6 +547,11 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     // what) and by requester alone.
     std::set<std::tuple<std::string, std::string, std::string>> logged;
     std::set<std::pair<std::string, std::string>> logged_names;
+    // Lines that say what became of a mail request, by (requester, what).
+    static const std::set<std::string> kJobEndings = {
+        "sent",     "dead mail",        "full mailbox", "lost with a sign-off",
+        "not sent", "lost with an exit"};
+    std::map<std::pair<std::string, std::string>, int> job_lines;
     std::istringstream lines(*log);
     for (std::string text; std::getline(lines, text);) {
       const std::optional<LogLine> l = ParseLogLine(text);
@@ -536,6 +566,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         const std::string sn = LCase(who);
         logged.insert({l->outcome, sn, l->what});
         logged_names.insert({l->outcome, NoSpaces(sn)});
+        if (kJobEndings.count(l->outcome)) ++job_lines[{sn, l->what}];
         const std::string line =
             "log: " + l->outcome + " " + sn + " " + l->what;
         if (l->outcome == "sent" && n > 0 && !listed.count({sn, n}))
@@ -573,6 +604,62 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
           bad.push_back(
               "log: " + sn + "'s request for mail " + std::to_string(n) +
               " was removed by a ban, and no line says " + sn + " was banned");
+      }
+      // Each time a job took the request, a line says what became of it;
+      // but for a take the run's end cut short (the power went off: the
+      // program writes nothing more).
+      int takes = 0;
+      bool exit_cut = false;
+      if (removed_at.count(entry))
+        for (double r : removed_at.at(entry)) {
+          if (by_user_at(r) || by_ban_at(sn, r)) continue;
+          const bool exit_after = exited_within(r, kForwardSeconds);
+          exit_cut |= exit_after;
+          if (exit_after || last_t - r > kForwardSeconds) ++takes;
+        }
+      const int told =
+          job_lines.count({sn, what}) ? job_lines.at({sn, what}) : 0;
+      if (told < takes)
+        bad.push_back("log: " + sn + "'s request for mail " +
+                      std::to_string(n) + " was taken " +
+                      std::to_string(takes) + " times, and " +
+                      std::to_string(told) + " lines say what became of it");
+      // Handed to the client and still waiting to be sent: sent.
+      if (waiting.count(entry) && !logged.count({"sent", sn, what}))
+        bad.push_back("log: " + sn + "'s mail " + std::to_string(n) +
+                      " waits in the client, and no line says it was sent");
+      // Each job ending the accounting names, with a line of that ending
+      // (or of another that the same run explains: a dead mail or a full
+      // mailbox whose forward a sign-off or an exit cut short). A forward
+      // a start cleared away ends as the program saw it: not sent (its
+      // window went), its mail given up as dead, or lost with the exit the
+      // start followed.
+      const auto ended = ended_as.find(entry);
+      if (ended == ended_as.end() || takes == 0) continue;
+      std::set<std::string> allowed;
+      if (dead.count(n) || told_dead.count(n)) allowed.insert("dead mail");
+      if (full.count(sn)) allowed.insert("full mailbox");
+      if (ended->second.signed_off)
+        allowed.insert({"lost with a sign-off", "sent"});
+      if (exit_cut) allowed.insert({"lost with an exit", "sent"});
+      const std::string& ending = ended->second.ending;
+      if (ending == "cut short by a start")
+        allowed.insert({"not sent", "dead mail"});
+      const bool job_ending = ending == "dead mail" ||
+                              ending == "full mailbox" ||
+                              ending == "lost with a sign-off" ||
+                              ending == "cut short by a start" ||
+                              (ending == "in flight at a stop" && exit_cut);
+      if (!job_ending) continue;
+      bool found = false;
+      for (const std::string& o : allowed)
+        if (logged.count({o, sn, what})) found = true;
+      if (found) {
+        ++fig->log_matched;
+      } else {
+        bad.push_back("log: " + sn + "'s request for mail " +
+                      std::to_string(n) + " ended as " + ending +
+                      ", and no line says so");
       }
     }
   }

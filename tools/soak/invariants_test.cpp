@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "app/job_log.h"
@@ -409,6 +410,70 @@ TEST_F(LogAgreementTest, WhatTheLogClaimsMustHaveHappened) {
             std::string::npos);
   EXPECT_NE(bad[2].find("that mailbox is not full"), std::string::npos);
   EXPECT_NE(bad[3].find("unreadable line: half a line"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quorvex::soak
+
+namespace quorvex::soak {
+namespace {
+
+// Requests jobs took and did not deliver, and the lines of their endings.
+class LoggedEndingsTest : public InvariantsTest {
+ protected:
+  LoggedEndingsTest() {
+    sc.run_until = 1000;
+    sc.dead_mails = {3};
+    sc.full_mailboxes = {"Amy"};
+    sc.timeline.push_back({.line = 1, .at = 50, .verb = "signoff"});
+    sc.timeline.push_back(
+        {.line = 2, .at = 200, .verb = "press", .name = "lblExit"});
+    Add(1, "bob-3");  // a dead mail
+    Remove(2, "bob-3");
+    Add(1, "amy-1");  // a full mailbox
+    Remove(3, "amy-1");
+    Add(1, "cy-2");  // lost with the sign-off at 50
+    Remove(45, "cy-2");
+    Add(100, "dan-2");  // lost with the exit at 200
+    Remove(190, "dan-2");
+    Add(300, "fay-1");  // taken as the run ended: the power went off
+    Remove(980, "fay-1");
+  }
+  void LogAllBut(JobOutcome left_out) {
+    for (const auto& [outcome, who, what] :
+         {std::tuple{JobOutcome::kDeadMail, "(bob)", "send 3"},
+          std::tuple{JobOutcome::kFullMailbox, "amy", "send 1"},
+          std::tuple{JobOutcome::kLostWithSignOff, "(cy)", "send 2"},
+          std::tuple{JobOutcome::kLostWithExit, "(dan)", "send 2"}})
+      if (outcome != left_out) Log(outcome, who, what);
+  }
+};
+
+TEST_F(LoggedEndingsTest, EachEndingHasItsLine) {
+  LogAllBut(JobOutcome::kSent);
+  EXPECT_TRUE(Check({}).empty()) << testing::PrintToString(Check({}));
+  EXPECT_EQ(figures.log_matched, 4);
+}
+
+TEST_F(LoggedEndingsTest, AnEndingWithoutItsLineIsAViolation) {
+  LogAllBut(JobOutcome::kDeadMail);
+  auto bad = Check({});
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: bob's request for mail 3 was taken 1 times, and 0 lines say "
+            "what became of it");
+  EXPECT_EQ(bad[1],
+            "log: bob's request for mail 3 ended as dead mail, and no line "
+            "says so");
+  // A line of another ending says what became of it, but not the same.
+  log.clear();
+  LogAllBut(JobOutcome::kLostWithExit);
+  Log(JobOutcome::kNotSent, "(dan)", "send 2");
+  bad = Check({});
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: dan's request for mail 2 ended as in flight at a stop, and "
+            "no line says so");
 }
 
 }  // namespace

@@ -202,7 +202,7 @@ int main(int argc, char** argv) {
             << " requests said during a start; " << restored_lines
             << " lines restored from damaged files";
   std::cout << "\n  log: " << log_lines << " lines read, " << log_matched
-            << " deliveries and bans found in it as accounted";
+            << " deliveries, bans and other endings found in it as accounted";
   std::cout << "\n  faults injected: " << injected;
   for (const auto& [kind, n] : faults) std::cout << ", " << kind << " " << n;
   std::cout << "\n  client faults drawn:";
