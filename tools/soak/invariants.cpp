@@ -495,15 +495,19 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     // The client signed off during a forward, before it took the mail:
     // the step ends there and the group is lost, as the program intends.
     // Any of the entry's takes (one asked twice may lose the first).
+    // A sign-off between a take and the first hand-over since (which
+    // may be a later take's, the request asked again) lost that take.
     if (removed_at.count(entry)) {
       for (double taken : removed_at.at(entry)) {
-        bool handed_since = false;
+        double first_hand = taken + kForwardSeconds + 1;
         if (handed.count(entry))
           for (double h : handed.at(entry))
-            if (h >= taken && h - taken <= kForwardSeconds) handed_since = true;
-        if (handed_since) continue;
+            if (h >= taken && h - taken <= kForwardSeconds)
+              first_hand = std::min(first_hand, h);
         for (double o : signoffs)
-          if (o >= taken && o - taken <= kForwardSeconds) lost_by_client = true;
+          if (o >= taken && o - taken <= kForwardSeconds && o < first_hand)
+            lost_by_client = true;
+        if (first_hand <= taken + kForwardSeconds) continue;
         // Or it was already off when the group was taken (it signed off
         // earlier in the same tick): the forward ends at once.
         if (SignedOffAt(client_off, client_on, taken)) lost_by_client = true;

@@ -241,6 +241,41 @@ TEST_F(InvariantsTest, AGroupTakenWhileTheClientWasOffIsLostByDesign) {
   EXPECT_EQ(figures.excused, 1);
 }
 
+// Asked twice: the first take is lost to a sign-off, the second is
+// handed over and received. The later hand-over must not excuse the
+// first take from its sign-off, nor one sign-off too late.
+TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
+  auto signoff = [this](double t) {
+    sim::TimedLine off;
+    off.at = t;
+    off.verb = "signoff";
+    sc.timeline.push_back(off);
+  };
+  auto takes = [this] {
+    Add(1, "amy-2");
+    Remove(20, "amy-2");
+    Add(40, "amy-2");
+    Remove(50, "amy-2");
+    Line(52, R"x("ev":"mail","from":"Host","to":"(amy)","subject":"x",)x"
+             R"x("body":"[mail number <B><U>2</B></U>]")x");
+  };
+  sc.run_until = 1000;
+  takes();
+  signoff(21);
+  const auto first = Check({{"amy", 2}});
+  EXPECT_TRUE(first.empty()) << testing::PrintToString(first);
+  EXPECT_EQ(figures.excused, 1);
+
+  // Signed off well after the hand-over: nothing excuses the first take.
+  text.clear();
+  sc.timeline.clear();
+  takes();
+  signoff(58);
+  const auto bad = Check({{"amy", 2}});
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("amy-2"), std::string::npos);
+}
+
 TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
   EXPECT_TRUE(Check({}, "[]", "sent: 7", "7").empty());
   text.clear();
