@@ -613,7 +613,7 @@ TEST_F(LostLogLinesTest, TheMainWindowsTextSaysHowManyLinesWereLost) {
   auto says = [&](const char* lost) {
     return WaitFor(
         [&] {
-          return Text(main_) == std::string(kTitleText) + " - " + lost +
+          return Text(main_) == std::string(kWindowTitle) + " - " + lost +
                                     " of Quorvex.log could not be written";
         },
         30);

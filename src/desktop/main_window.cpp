@@ -10,7 +10,7 @@
 namespace quorvex::desktop {
 
 std::string LostLogLinesTitle(int lost) {
-  return std::string(kTitleText) + " - " + LostLinesNotice(lost);
+  return std::string(kWindowTitle) + " - " + LostLinesNotice(lost);
 }
 
 void MainWindow::Create() {
