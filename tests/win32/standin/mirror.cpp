@@ -178,6 +178,10 @@ HWND Mirror::Create(const SimWindow& w, HWND parent) {
 void Mirror::Sync() {
   if (syncing_) return;
   syncing_ = true;
+  // Every window's place is checked after a sync that made or moved
+  // windows, or after a window was moved from outside.
+  checking_ = !order_known_;
+  order_known_ = true;
   SyncChildren(0, nullptr);
   // Windows the client no longer has.
   const WindowTree& tree = sim_.tree();
@@ -208,9 +212,11 @@ void Mirror::SyncChildren(Hwnd parent, HWND real_parent) {
     if (!parent && IsModalClass(w->class_name)) continue;
     Real& r = reals_[child];
     if (!r.hwnd || !::IsWindow(r.hwnd)) {
+      OrderChanged();
       r.hwnd = Create(*w, real_parent);
       r.text = w->text;
       r.visible = !w->visible;  // forces the first ShowWindow
+      r.above = r.hwnd;         // and a look at its place
       if (!r.hwnd) continue;
     }
     if (r.text != w->text) {
@@ -223,12 +229,18 @@ void Mirror::SyncChildren(Hwnd parent, HWND real_parent) {
       r.visible = w->visible;
       ::ShowWindow(r.hwnd, w->visible ? SW_SHOWNA : SW_HIDE);
     }
-    // Sibling order: each child right after the one before it.
-    if (real_parent) {
-      HWND above = ::GetWindow(r.hwnd, GW_HWNDPREV);
-      if (above != previous)
+    // Sibling order: each child right after the one before it. Asking the
+    // system where a window stands is a round trip to the window server
+    // under Wine, and a sync follows every message the program sends (two
+    // a mail title): it is asked only when the client's order changed
+    // here or the real order may have changed (see order_known_).
+    if (real_parent && (checking_ || r.above != previous)) {
+      if (::GetWindow(r.hwnd, GW_HWNDPREV) != previous) {
         ::SetWindowPos(r.hwnd, previous ? previous : HWND_TOP, 0, 0, 0, 0,
                        SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        OrderChanged();
+      }
+      r.above = previous;
     }
     previous = r.hwnd;
     if (w->class_name == "AOL Frame25") SyncMenu(child, r.hwnd);
@@ -364,7 +376,13 @@ LRESULT CALLBACK Mirror::Proc(HWND hwnd, UINT msg, WPARAM wparam,
       original = it->second;
     if (auto it = m->sims_.find(hwnd); it != m->sims_.end()) sim = it->second;
   }
+  // A window moved among its siblings, by this process or another: the
+  // next sync checks every window's place.
+  if (msg == WM_WINDOWPOSCHANGED && m &&
+      !(reinterpret_cast<const WINDOWPOS*>(lparam)->flags & SWP_NOZORDER))
+    m->OrderChanged();
   if (msg == WM_NCDESTROY && m) {
+    m->OrderChanged();
     m->sims_.erase(hwnd);
     m->original_.erase(hwnd);
   }

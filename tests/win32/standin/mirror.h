@@ -50,6 +50,7 @@ class Mirror {
     HWND hwnd = nullptr;
     std::string text;
     bool visible = true;
+    HWND above = nullptr;  // the sibling it was last put or found after
   };
   static LRESULT CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wparam,
                                LPARAM lparam);
@@ -58,6 +59,7 @@ class Mirror {
   HWND Create(const SimWindow& w, HWND parent);
   void SyncChildren(Hwnd parent, HWND real_parent);
   void SyncMenu(Hwnd frame, HWND real);
+  void OrderChanged() { order_known_ = false; }
   void SyncMemory();
   // Queues the client's new boxes and shows the next box or the menu.
   void SyncModals();
@@ -79,6 +81,11 @@ class Mirror {
   std::map<HWND, WNDPROC> original_;
   HWND menu_owner_ = nullptr;
   bool syncing_ = false;
+  // The real windows stand in the order last put or found (every `above`
+  // holds) since a sync checked them all; a window made, destroyed or
+  // moved makes the next sync check them all again (`checking_`).
+  bool order_known_ = false;
+  bool checking_ = false;
   bool own_destroy_ = false;
   void* memory_ = nullptr;
   std::uintptr_t heap_base_ = 0;
