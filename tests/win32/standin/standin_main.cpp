@@ -33,7 +33,7 @@
 //   say NAME|TEXT   join NAME   leave NAME   signoff   full NAME (a full
 //   mailbox)   mail TITLE   dead N (mail N is dead)   knob NAME VALUE
 //   (SimKnobs)   refuse ROOM|TIMES   capacity ROOM|N   dump PATH (the
-//   client as it stands now, as JSON)   quit
+//   client as it stands now, as JSON, its incoming mailbox left out)   quit
 #include <windows.h>
 
 #include <cstdint>
@@ -186,7 +186,11 @@ void Dump(const std::string& path) {
     for (Hwnd doc : tree.Children(mdi))
       j["windows"].push_back("AOL Child:" + tree.Get(doc)->text);
   }
+  // Without the mailbox being served: the tests ask for what the client
+  // sent and holds, and the test that serves 50 000 mails asks every few
+  // seconds (writing and reading them took a second each time).
   j["client"] = g_app->sim.SaveState();
+  j["client"].erase("incoming");
   WriteWhole(path, j.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
@@ -237,6 +241,9 @@ LRESULT CALLBACK ControlProc(HWND h, UINT msg, WPARAM w, LPARAM l) {
     std::string line(static_cast<const char*>(cd->lpData), cd->cbData);
     g_app->host.Schedule(0, [line] {
       Command(line);
+      // A dump changes nothing to save (a save of 50 000 mails takes a
+      // tenth of a second on a quiet machine).
+      if (line.starts_with("dump ")) return;
       if (g_app->mirror) g_app->mirror->Sync();
       g_app->Save();
     });
