@@ -28,7 +28,7 @@ QuorvexApp::QuorvexApp(Ports ports)
       client_{ports.api, ports.host, frm_.settings, {}},
       log_(ports.machine, ports.host) {
   // A log that cannot be written loses its line, never the serving.
-  frm_.events = [this](const JobEvent& e) { log_.Write(e); };
+  frm_.events = [this](std::span<const JobEvent> e) { log_.Write(e); };
   client_.expand_inserts = [this](const std::string& text) {
     InsertValues v = MakeInsertValues(
         frm_.settings, frm_.ports.host.Now(), frm_.pending.Count(),
