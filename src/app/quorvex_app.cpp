@@ -117,8 +117,17 @@ void QuorvexApp::Load() {
 void QuorvexApp::Unload() {
   Ports& p = frm_.ports;
   p.registry.Save(kApp, "Settings", "Load", "False");
-  frm_.pending.Save(p.profiles,
-                    p.machine.HostPath(p.machine.AppPath() + "\\Quorvex.INI"));
+  const PendingQueue& queue = frm_.pending;
+  if (queue.Save(p.profiles,
+                 p.machine.HostPath(p.machine.AppPath() + "\\Quorvex.INI")))
+    return;
+  // Not lost when the state a machine restart saved holds it: the next
+  // start restores that one.
+  if (queue.HeldIn(p.profiles.Dump(p.machine.HostPath(kRestartStateFile)),
+                   kRestartSection))
+    return;
+  Emit(&frm_.events,
+       RequestEvents(JobOutcome::kLostWithFailedSave, queue.list().Items()));
 }
 
 void QuorvexApp::lblExit_Click() {

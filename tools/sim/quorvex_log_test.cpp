@@ -179,6 +179,74 @@ run 100
                  }));
 }
 
+TEST(QuorvexLogTest, RequestsTheUserRemovesAreLoggedAsTheyGo) {
+  // Not serving: the requests wait until the user takes them off the
+  // list, one selected, one person's, then the rest.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person amy
+person dan
+person eve
+mails 10 song
+at 1 say bob: /host send 2
+at 1.1 say amy: /host send 2
+at 1.2 say dan: /host send 7
+at 1.3 say eve: /host find song
+at 1.4 say dan: /host send list
+at 5 select lstPending 2
+at 5 press mnuRemoveSelected
+at 6 press mnuRemoveSelected
+at 7 answer eve
+at 7 press mnuClearSN
+at 8 press mnuClearALL
+at 9 press mnuClearALL
+run 20
+)");
+  // A removal of nothing (no line selected, an empty list) is no line;
+  // one request asked by two is one line naming both.
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "removed by the user|dan|send 7",
+                     "removed by the user|eve|find song",
+                     "removed by the user|bob,amy|send 2",
+                     "removed by the user|dan|send list",
+                 }));
+}
+
+TEST(QuorvexLogTest, AQueueTheExitCannotSaveIsLoggedAsLost) {
+  // Every write of a profile file fails: the queue saved at the exit does
+  // not read back, so its requests are gone with the program.
+  const std::string room = R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person amy
+person eve
+mails 10 song
+at 1 say bob: /host send 2
+at 1.1 say amy: /host send 2
+at 1.2 say eve: /host find song
+at 5 press lblExit
+at 6 start
+run 20
+)";
+  EXPECT_EQ(RunAndReadLog("fault profile-write 100\n" + room),
+            (std::vector<std::string>{
+                "started||program",
+                "lost with a failed save|bob,amy|send 2",
+                "lost with a failed save|eve|find song",
+                "stopped||program",
+                "started||program",
+            }));
+  // Saved whole, the queue comes back with the next start: no loss.
+  EXPECT_EQ(RunAndReadLog(room),
+            (std::vector<std::string>{"started||program", "stopped||program",
+                                      "started||program"}));
+}
+
 TEST(QuorvexLogTest, LinesThatCannotBeWrittenAreCountedForTheRun) {
   // A folder where the log should be: no line can be written.
   const fs::path root =
