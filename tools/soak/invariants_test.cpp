@@ -513,3 +513,105 @@ TEST_F(LoggedEndingsTest, AnEndingWithoutItsLineIsAViolation) {
 
 }  // namespace
 }  // namespace quorvex::soak
+
+namespace quorvex::soak {
+namespace {
+
+// Requests no job took: removed by the user, or in the queue when the
+// exit at 10 saved it (each test says how that save went). The program
+// started again at 11 restores nothing; at 21 it restores eve's, which a
+// clean save kept.
+class UntakenRequestsTest : public InvariantsTest {
+ protected:
+  UntakenRequestsTest() {
+    for (const auto& [at, name] :
+         std::vector<std::pair<double, const char*>>{{5, "mnuRemoveSelected"},
+                                                     {6, "mnuClearALL"},
+                                                     {10, "lblExit"},
+                                                     {15, "mnuClearALL"},
+                                                     {20, "lblExit"}})
+      sc.timeline.push_back(
+          {.line = 1, .at = at, .verb = "press", .name = name});
+    for (double at : {11, 21})
+      sc.timeline.push_back({.line = 2, .at = at, .verb = "start"});
+    Add(1, "bob-1");
+    Add(1, "amy-2");
+    Add(1, "cy-2");
+    Remove(5, "bob-1");
+    Line(6, R"("ev":"list","name":"lstPending","op":"clear")");
+    Add(7, "dan-3");
+    // The list is empty by then: dan's request went with the exit.
+    Line(15, R"("ev":"list","name":"lstPending","op":"clear")");
+    Add(16, "eve-1");
+    Add(21, "eve-1");
+  }
+  void Fault(double t, const std::string& kind) {
+    Line(t, R"("ev":"fault","kind":")" + kind +
+                R"(","what":"/r/C/Program Files/Quorvex/Quorvex.INI")");
+  }
+  std::vector<std::string> CheckWith() { return Check({}, R"(["eve-1"])"); }
+  void LogAllBut(const std::string& left_out) {
+    for (const auto& [outcome, who, what] :
+         {std::tuple{JobOutcome::kRemovedByUser, "(bob)", "send 1"},
+          std::tuple{JobOutcome::kRemovedByUser, "(amy)(cy)", "send 2"},
+          std::tuple{JobOutcome::kLostWithFailedSave, "(dan)", "send 3"}})
+      if (std::string(who) != left_out) Log(outcome, who, what);
+  }
+};
+
+TEST_F(UntakenRequestsTest, EachRemovalAndEachLossOfTheSaveHasItsLine) {
+  Fault(10, "profile-write");
+  LogAllBut("");
+  const auto bad = CheckWith();
+  EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
+  EXPECT_EQ(figures.log_matched, 4);
+  EXPECT_EQ(figures.endings.at("cleared or removed by the user"), 3);
+  EXPECT_EQ(figures.endings.at("lost with a fault of the queue's file"), 1);
+}
+
+TEST_F(UntakenRequestsTest, ARemovalOrALossWithoutItsLineIsAViolation) {
+  Fault(10, "disk-full");
+  LogAllBut("(amy)(cy)");
+  Log(JobOutcome::kRemovedByUser, "(amy)", "send 2");
+  auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: cy's request for mail 2 was removed by the user 1 times, "
+            "and 0 lines say so");
+  log.clear();
+  LogAllBut("(dan)");
+  bad = CheckWith();
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: dan's request for mail 3 was in the queue 1 times when its "
+            "save failed, and 0 lines say it was lost");
+}
+
+TEST_F(UntakenRequestsTest, AFileThatVanishedNeedsNoLineButALineNeedsAFault) {
+  // The file vanished before the start read it: the program never knew.
+  Fault(10.5, "vanish");
+  LogAllBut("(dan)");
+  const auto unseen = CheckWith();
+  EXPECT_TRUE(unseen.empty()) << testing::PrintToString(unseen);
+  EXPECT_EQ(figures.endings.at("lost with a fault of the queue's file"), 1);
+
+  // Without any fault of the queue's file, a loss of it is a false line;
+  // so is a removal of a request never listed.
+  text.clear();
+  log.clear();
+  Add(16, "eve-1");
+  Add(21, "eve-1");
+  Log(JobOutcome::kLostWithFailedSave, "(eve)", "send 1");
+  Log(JobOutcome::kRemovedByUser, "(zed)", "send 2");
+  const auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: lost with a failed save eve send 1, but no save of the "
+            "queue failed");
+  EXPECT_EQ(bad[1],
+            "log: removed by the user zed send 2, which was never in the "
+            "list");
+}
+
+}  // namespace
+}  // namespace quorvex::soak
