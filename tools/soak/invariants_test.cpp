@@ -276,6 +276,37 @@ TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
   EXPECT_NE(bad[0].find("amy-2"), std::string::npos);
 }
 
+// The moments that decide whether a sign-off lost a take: one at the very
+// moment of the hand-over, and a hand-over at the very end of the
+// forward's minute.
+TEST_F(InvariantsTest, ASignOffOrAHandOverAtTheExactBoundsOfATake) {
+  auto handed = [this](double t, const std::string& to) {
+    Line(t, R"x("ev":"mail","from":"Host","to":"()x" + to +
+                R"x()","subject":"x","body":"[mail number <B><U>1</B></U>]")x");
+  };
+  sc.run_until = 1000;
+  // Signed off as the client took amy's mail: it went with the client.
+  Add(1, "amy-1");
+  Remove(20, "amy-1");
+  handed(30, "amy");
+  sc.timeline.push_back({.line = 1, .at = 30, .verb = "signoff"});
+  // The client was already off when bob's and cy's were taken (at 100);
+  // bob's was handed over at the end of the forward's minute, so the
+  // client had it; cy's a moment later, by another take.
+  Line(90, R"("ev":"client","what":"signs off")");
+  Add(1, "bob-1");
+  Add(1, "cy-1");
+  Remove(100, "bob-1");
+  Remove(100, "cy-1");
+  handed(160, "bob");
+  handed(160.5, "cy");
+  const auto bad = Check({});
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "bob-1: asked 1 times, delivered 0, pending 0, and no reason why");
+  EXPECT_EQ(figures.endings.at("lost with a sign-off"), 2);
+}
+
 TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
   EXPECT_TRUE(Check({}, "[]", "sent: 7", "7").empty());
   text.clear();
@@ -378,15 +409,29 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
                          .verb = "say",
                          .name = "early4",
                          .text = "/srv send 4"});
-  Add(5.25, "early1-3");  // taken
-  Add(5.5, "early2-3");   // taken
+  // Heard exactly two seconds after it was said, and a moment later.
+  for (const auto& [who, at] : std::vector<std::pair<std::string, double>>{
+           {"early5", 5.5}, {"early6", 5.75}})
+    sc.timeline.push_back({.line = 3,
+                           .at = at,
+                           .verb = "say",
+                           .name = who,
+                           .text = "/srv send 2"});
+  Add(5.25, "early1-3");   // taken
+  Add(5.5, "early2-3");    // taken
+  Add(7.5, "early5-2");    // taken, at the bound
+  Add(7.875, "early6-2");  // too late
   // early3's is refused; early4 asks for a mail beyond the list.
-  const auto bad = Check({}, R"(["early1-3","early2-3"])");
-  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  const auto bad =
+      Check({}, R"(["early1-3","early2-3","early5-2","early6-2"])");
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
   EXPECT_EQ(bad[0],
             "early3-3: asked for while a start read the mailbox, "
             "refused");
-  EXPECT_EQ(figures.early_requests, 3);
+  EXPECT_EQ(bad[1],
+            "early6-2: asked for while a start read the mailbox, "
+            "refused");
+  EXPECT_EQ(figures.early_requests, 5);
 }
 
 }  // namespace
