@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <sstream>
@@ -21,16 +22,20 @@ namespace {
 namespace fs = std::filesystem;
 
 // The log's lines (outcome, requesters, what) after running `text` in a
-// folder of its own; each line's time as written is checked on the way.
-std::vector<std::string> RunAndReadLog(const std::string& text) {
+// folder of its own, which `prepare` may furnish first; each line's time
+// as written is checked on the way.
+std::vector<std::string> RunAndReadLog(
+    const std::string& text,
+    const std::function<void(const FolderMachine&)>& prepare = nullptr) {
   const fs::path root =
       fs::temp_directory_path() /
       ("qv_log_e2e_" + std::to_string(std::random_device{}()));
+  const FolderMachine machine(root);
+  if (prepare) prepare(machine);
   RunOptions options;
   options.root = root.string();
   std::ostringstream transcript;
   RunScenario(ParseScenario("log.scn", text, Controls()), options, transcript);
-  const FolderMachine machine(root);
   // Read whole and closed before the folder goes (Windows removes no file
   // that is open).
   std::istringstream in([&] {
@@ -245,6 +250,43 @@ run 20
   EXPECT_EQ(RunAndReadLog(room),
             (std::vector<std::string>{"started||program", "stopped||program",
                                       "started||program"}));
+}
+
+TEST(QuorvexLogTest, AQueueTheRestartStateHoldsIsNotLostWithQuorvexIni) {
+  // Quorvex.INI cannot be written (a folder of that name holds a file):
+  // the queue saved as the machine goes down is in RestartSettings.INI
+  // alone, which the program resumes from, so nothing was lost.
+  const std::vector<std::string> log = RunAndReadLog(
+      R"(clock 20:00:00 2004-05-01
+registry Settings Handle = srv
+registry Settings CPURestart = 2
+registry Settings MailResize = False
+person bob
+person amy
+mails 20 title
+at 0.5 answer yes
+at 1 press cmdStart
+at 5 say bob: /srv send 3
+at 5.1 say amy: /srv send 4
+at 5.2 say amy: /srv send 5
+run 120
+)",
+      [](const FolderMachine& machine) {
+        const fs::path blocked =
+            machine.HostPath("C:\\Program Files\\Quorvex\\Quorvex.INI");
+        fs::create_directories(blocked);
+        std::ofstream(blocked / "in the way") << "x";
+      });
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 21 mails",
+                     "sent|bob|send 3",
+                     "sent|amy|send 4",
+                     "machine restarted||after 2 mails",
+                     "started||program",
+                     "started||serving 21 mails",
+                     "sent|amy|send 5",
+                 }));
 }
 
 TEST(QuorvexLogTest, LinesThatCannotBeWrittenAreCountedForTheRun) {
