@@ -572,6 +572,7 @@ class UntakenRequestsTest : public InvariantsTest {
     for (const auto& [at, name] :
          std::vector<std::pair<double, const char*>>{{5, "mnuRemoveSelected"},
                                                      {6, "mnuClearALL"},
+                                                     {8, "mnuRemoveSelected"},
                                                      {10, "lblExit"},
                                                      {15, "mnuClearALL"},
                                                      {20, "lblExit"}})
@@ -582,8 +583,12 @@ class UntakenRequestsTest : public InvariantsTest {
     Add(1, "bob-1");
     Add(1, "amy-2");
     Add(1, "cy-2");
+    Add(1, "gus~cats");
     Remove(5, "bob-1");
     Line(6, R"("ev":"list","name":"lstPending","op":"clear")");
+    // Removed before the exit: not in the queue its save lost.
+    Add(7, "fay-2");
+    Remove(8, "fay-2");
     Add(7, "dan-3");
     // The list is empty by then: dan's request went with the exit.
     Line(15, R"("ev":"list","name":"lstPending","op":"clear")");
@@ -599,6 +604,8 @@ class UntakenRequestsTest : public InvariantsTest {
     for (const auto& [outcome, who, what] :
          {std::tuple{JobOutcome::kRemovedByUser, "(bob)", "send 1"},
           std::tuple{JobOutcome::kRemovedByUser, "(amy)(cy)", "send 2"},
+          std::tuple{JobOutcome::kRemovedByUser, "(gus)", "find cats"},
+          std::tuple{JobOutcome::kRemovedByUser, "(fay)", "send 2"},
           std::tuple{JobOutcome::kLostWithFailedSave, "(dan)", "send 3"}})
       if (std::string(who) != left_out) Log(outcome, who, what);
   }
@@ -609,8 +616,8 @@ TEST_F(UntakenRequestsTest, EachRemovalAndEachLossOfTheSaveHasItsLine) {
   LogAllBut("");
   const auto bad = CheckWith();
   EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
-  EXPECT_EQ(figures.log_matched, 4);
-  EXPECT_EQ(figures.endings.at("cleared or removed by the user"), 3);
+  EXPECT_EQ(figures.log_matched, 5);
+  EXPECT_EQ(figures.endings.at("cleared or removed by the user"), 4);
   EXPECT_EQ(figures.endings.at("lost with a fault of the queue's file"), 1);
 }
 
