@@ -60,6 +60,10 @@ Control Typed(std::string name, ControlKind kind, Put set,
 
 int KeyOf(int index) { return index == 0 ? kReturn : index; }
 
+void RemovedByUser(FrmMain& f, const std::vector<std::string>& lines) {
+  Emit(&f.events, RequestEvents(JobOutcome::kRemovedByUser, lines));
+}
+
 // A check box's value as typed: its leading number.
 int CheckValue(const std::string& value) {
   return static_cast<int>(Val(value));
@@ -87,14 +91,18 @@ std::vector<Control> MakeTable() {
   t.push_back(
       Listed("lstMails", [](QuorvexApp& a) { return &a.frm().lstMails; }));
 
+  // The pending list's pop-up: what it removes is logged as it goes.
   t.push_back(Clicked("mnuClearALL", K::kMenu, [](QuorvexApp& a, int) {
-    a.frm().pending.mnuClearALL(a.frm().lblPending);
+    FrmMain& f = a.frm();
+    RemovedByUser(f, f.pending.mnuClearALL(f.lblPending));
   }));
   t.push_back(Clicked("mnuClearSN", K::kMenu, [](QuorvexApp& a, int) {
-    a.frm().pending.mnuClearSN(a.frm().ports.prompter, a.frm().lblPending);
+    FrmMain& f = a.frm();
+    RemovedByUser(f, f.pending.mnuClearSN(f.ports.prompter, f.lblPending));
   }));
   t.push_back(Clicked("mnuRemoveSelected", K::kMenu, [](QuorvexApp& a, int) {
-    a.frm().pending.mnuRemoveSelected(a.frm().lblPending);
+    FrmMain& f = a.frm();
+    RemovedByUser(f, f.pending.mnuRemoveSelected(f.lblPending));
   }));
   t.push_back(Clicked("mnuMailSession", K::kMenu, [](QuorvexApp& a, int) {
     mnuMailSession_Click(MakeReplyContext(a.frm()), a.client());

@@ -56,6 +56,10 @@ const char* OutcomeWord(JobOutcome outcome) {
       return "not sent";
     case JobOutcome::kBanned:
       return "banned";
+    case JobOutcome::kRemovedByUser:
+      return "removed by the user";
+    case JobOutcome::kLostWithFailedSave:
+      return "lost with a failed save";
     case JobOutcome::kListMailed:
       return "list mailed";
     case JobOutcome::kFindMailed:
@@ -130,13 +134,19 @@ std::string LostLinesNotice(int lost) {
 }
 
 bool JobLog::Write(const JobEvent& event) {
+  return Write(std::span<const JobEvent>(&event, 1));
+}
+
+bool JobLog::Write(std::span<const JobEvent> events) {
+  if (events.empty()) return true;
   // The lines lost since the last one written are owned up to first, in
   // the same write: the notice never stands without the line after it.
   std::string line;
+  const CivilTime now = host_.Now();
   if (unreported_ > 0)
-    line = FormatLogLine(host_.Now(), {JobOutcome::kLogIncomplete, "",
-                                       LostLinesNotice(unreported_)});
-  line += FormatLogLine(host_.Now(), event);
+    line = FormatLogLine(
+        now, {JobOutcome::kLogIncomplete, "", LostLinesNotice(unreported_)});
+  for (const JobEvent& event : events) line += FormatLogLine(now, event);
   const std::string path = Path();
   const std::int64_t size = machine_.FileLength(path);
   const auto line_size = static_cast<std::int64_t>(line.size());
@@ -144,15 +154,16 @@ bool JobLog::Write(const JobEvent& event) {
   // cannot be moved aside takes no more lines, so the disk cannot fill.
   if (size > 0 && size + line_size > limit_ &&
       !machine_.MoveFileOver(path, OldPath()))
-    return Failed();
-  if (!machine_.AppendToFile(path, line)) return Failed();
+    return Failed(static_cast<int>(events.size()));
+  if (!machine_.AppendToFile(path, line))
+    return Failed(static_cast<int>(events.size()));
   unreported_ = 0;
   return true;
 }
 
-bool JobLog::Failed() {
-  ++failures_;
-  ++unreported_;
+bool JobLog::Failed(int lines) {
+  failures_ += lines;
+  unreported_ += lines;
   observers_.Notify(*this);
   return false;
 }

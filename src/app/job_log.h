@@ -19,6 +19,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,6 +67,9 @@ class JobLog {
 
   // Writes the event's line; false, and counted, when it could not be.
   bool Write(const JobEvent& event);
+  // Writes the lines of events of one moment in one append and one flush;
+  // they are kept or lost together.
+  bool Write(std::span<const JobEvent> events);
 
   // The Windows path of the log and of the older one.
   std::string Path() const;
@@ -81,7 +85,7 @@ class JobLog {
   void Unsubscribe(int id) { observers_.Remove(id); }
 
  private:
-  bool Failed();
+  bool Failed(int lines);
 
   Machine& machine_;
   const Host& host_;

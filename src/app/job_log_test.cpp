@@ -183,5 +183,25 @@ TEST_F(JobLogTest, TheFirstLineWrittenAgainSaysHowManyWereLost) {
   log.Unsubscribe(id);
 }
 
+TEST_F(JobLogTest, EventsOfOneMomentAreOneWriteKeptOrLostTogether) {
+  FlakyMachine flaky(root.path());
+  JobLog log(flaky, host);
+  const std::vector<JobEvent> cleared = {
+      {JobOutcome::kRemovedByUser, "(bob)(amy)", "send 5"},
+      {JobOutcome::kRemovedByUser, "(cy)", "send list"}};
+  flaky.failing = true;
+  EXPECT_FALSE(log.Write(cleared));
+  EXPECT_EQ(log.failures(), 2);  // each line lost is counted
+  EXPECT_EQ(machine.FileLength(log.Path()), -1);
+  flaky.failing = false;
+  ASSERT_TRUE(log.Write(cleared));
+  EXPECT_TRUE(log.Write(std::vector<JobEvent>{}));  // nothing, no line
+  EXPECT_EQ(Read(log.Path()),
+            "2026-11-05 04:07:09\tlog incomplete\t-\t2 lines of Quorvex.log "
+            "could not be written\r\n"
+            "2026-11-05 04:07:09\tremoved by the user\tbob, amy\tsend 5\r\n"
+            "2026-11-05 04:07:09\tremoved by the user\tcy\tsend list\r\n");
+}
+
 }  // namespace
 }  // namespace quorvex

@@ -28,7 +28,7 @@ QuorvexApp::QuorvexApp(Ports ports)
       client_{ports.api, ports.host, frm_.settings, {}},
       log_(ports.machine, ports.host) {
   // A log that cannot be written loses its line, never the serving.
-  frm_.events = [this](const JobEvent& e) { log_.Write(e); };
+  frm_.events = [this](std::span<const JobEvent> e) { log_.Write(e); };
   client_.expand_inserts = [this](const std::string& text) {
     InsertValues v = MakeInsertValues(
         frm_.settings, frm_.ports.host.Now(), frm_.pending.Count(),
@@ -117,8 +117,17 @@ void QuorvexApp::Load() {
 void QuorvexApp::Unload() {
   Ports& p = frm_.ports;
   p.registry.Save(kApp, "Settings", "Load", "False");
-  frm_.pending.Save(p.profiles,
-                    p.machine.HostPath(p.machine.AppPath() + "\\Quorvex.INI"));
+  const PendingQueue& queue = frm_.pending;
+  if (queue.Save(p.profiles,
+                 p.machine.HostPath(p.machine.AppPath() + "\\Quorvex.INI")))
+    return;
+  // Not lost when the state a machine restart saved holds it: the next
+  // start restores that one.
+  if (queue.HeldIn(p.profiles.Dump(p.machine.HostPath(kRestartStateFile)),
+                   kRestartSection))
+    return;
+  Emit(&frm_.events,
+       RequestEvents(JobOutcome::kLostWithFailedSave, queue.list().Items()));
 }
 
 void QuorvexApp::lblExit_Click() {

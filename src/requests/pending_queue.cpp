@@ -23,11 +23,42 @@ std::string_view After(std::string_view line, size_t at) {
   return line.substr(at + 1);
 }
 
+// A line as a profile file keeps it: no line breaks in a value (some
+// files write them as blanks), no more than a read gives back.
+std::string AsStored(std::string line) {
+  for (char& c : line)
+    if (c == '\r' || c == '\n') c = ' ';
+  return CutProfileValue(std::move(line));
+}
+
 bool HasPatternCharacter(std::string_view s) {
   return s.find_first_of("*?#[") != std::string_view::npos;
 }
 
 }  // namespace
+
+std::vector<JobEvent> RequestEvents(JobOutcome outcome,
+                                    const std::vector<std::string>& lines) {
+  std::vector<JobEvent> events;
+  std::unordered_map<std::string, std::size_t> event_of;  // by what
+  for (const std::string& line : lines) {
+    // As the takes read it: a list line, a find, a mail.
+    const bool list = PendingLine::Has(line, '-') &&
+                      PendingLine::Wanted(line, '-') == PendingLine::kList;
+    const char separator = !list && PendingLine::Has(line, '~') ? '~' : '-';
+    if (!PendingLine::Has(line, separator)) continue;
+    std::string what =
+        list ? "send list"
+             : (separator == '~' ? "find " : "send ") +
+                   std::string(PendingLine::Wanted(line, separator));
+    const std::string who =
+        "(" + std::string(PendingLine::Requester(line, separator)) + ")";
+    auto [at, added] = event_of.try_emplace(what, events.size());
+    if (added) events.push_back({outcome, "", std::move(what)});
+    events[at->second].requesters += who;
+  }
+  return events;
+}
 
 void PendingQueue::Ids::Insert(std::uint64_t id) {
   if (ids_.empty() || ids_.back() < id) {
@@ -281,8 +312,9 @@ int PendingQueue::RemovePerson(std::string_view sn) {
   return static_cast<int>(ids.size());
 }
 
-int PendingQueue::RemoveRequester(std::string_view name, bool stop_at_empty) {
-  int removed = 0;
+std::vector<std::string> PendingQueue::RemoveRequester(std::string_view name,
+                                                       bool stop_at_empty) {
+  std::vector<std::string> removed;
   for (char separator : {'-', '~'}) {
     std::vector<std::uint64_t> ids;
     for (int i = 0; i < lstPending_.Count(); ++i) {
@@ -290,36 +322,46 @@ int PendingQueue::RemoveRequester(std::string_view name, bool stop_at_empty) {
       if (line.empty() && stop_at_empty) break;
       size_t at = line.find(separator);
       if (at == std::string::npos) continue;
-      if (RemoveSpaces(Before(line, at)) == name)
+      if (RemoveSpaces(Before(line, at)) == name) {
         ids.push_back(lstPending_.IdAt(i));
+        removed.push_back(line);
+      }
     }
     RemoveIds(ids);
-    removed += static_cast<int>(ids.size());
   }
   return removed;
 }
 
-void PendingQueue::mnuRemoveSelected(Label& lblPending) {
-  lstPending_.Remove(lstPending_.selected());
+std::vector<std::string> PendingQueue::mnuRemoveSelected(Label& lblPending) {
+  std::vector<std::string> removed;
+  const int at = lstPending_.selected();
+  if (at >= 0 && at < lstPending_.Count())
+    removed.push_back(lstPending_.Item(at));
+  lstPending_.Remove(at);
   RefreshLabel(lblPending);
+  return removed;
 }
 
-void PendingQueue::mnuClearSN(Prompter& prompter, Label& lblPending) {
+std::vector<std::string> PendingQueue::mnuClearSN(Prompter& prompter,
+                                                  Label& lblPending) {
   std::string answer = LCase(RemoveSpaces(
       prompter.InputBox("enter a screen name to remove", "screen name", "")));
-  if (answer.size() < 3) return;
-  RemoveRequester(answer, false);
+  if (answer.size() < 3) return {};
+  std::vector<std::string> removed = RemoveRequester(answer, false);
   RefreshLabel(lblPending);
+  return removed;
 }
 
-void PendingQueue::mnuClearALL(Label& lblPending) {
+std::vector<std::string> PendingQueue::mnuClearALL(Label& lblPending) {
+  std::vector<std::string> removed = lstPending_.Items();
   lstPending_.Clear();
   RefreshLabel(lblPending);
+  return removed;
 }
 
-void PendingQueue::Save(ProfileFile& profiles, const std::string& path) const {
+bool PendingQueue::Save(ProfileFile& profiles, const std::string& path) const {
   int count = lstPending_.Count();
-  if (count == 0) return;  // an empty list writes nothing at all
+  if (count == 0) return true;  // an empty list writes nothing at all
   // The count is written once, ahead of the lines: writing it again with
   // every line would leave the same file. One rewrite of the file for the
   // whole queue, however long it is.
@@ -330,6 +372,21 @@ void PendingQueue::Save(ProfileFile& profiles, const std::string& path) const {
     values.emplace_back("Pending " + std::to_string(i),
                         ProfileQuote(lstPending_.Item(i)));
   profiles.WriteStrings(path, "Quorvex", values);
+  // The port does not say whether the write went through (a full disk
+  // leaves the old file): the file read back does.
+  return HeldIn(profiles.Dump(path), "Quorvex");
+}
+
+bool PendingQueue::HeldIn(const ProfileFile::Sections& file,
+                          std::string_view section) const {
+  const ProfileSection saved(file, section);
+  const std::string total = saved.Get("TotalPending");
+  if (total != std::to_string(lstPending_.Count())) return false;
+  const std::vector<std::string> lines = saved.Numbered("Pending ", total);
+  if (static_cast<int>(lines.size()) != lstPending_.Count()) return false;
+  for (int i = 0; i < lstPending_.Count(); ++i)
+    if (AsStored(lines[i]) != AsStored(lstPending_.Item(i))) return false;
+  return true;
 }
 
 void PendingQueue::Load(const PendingFile& file, Label& lblPending) {

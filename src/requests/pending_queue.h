@@ -23,6 +23,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "ports/profile_file.h"
@@ -53,6 +54,13 @@ struct PendingFile {
   std::function<bool()> exists;
   std::function<void()> remove;
 };
+
+// The log's events for lines that left the queue without a job (removed
+// by the user, lost with the queue's file): one per request asked, naming
+// everyone who asked it, in the order of the lines. Lines that ask for
+// nothing (empty, or neither "-" nor "~") have none.
+std::vector<JobEvent> RequestEvents(JobOutcome outcome,
+                                    const std::vector<std::string>& lines);
 
 class PendingQueue {
  public:
@@ -111,17 +119,23 @@ class PendingQueue {
   // Removes the lines whose requester, spaces removed, equals `name`:
   // first the lines with "-" (requester before the first "-"), then those
   // with "~" (before the first "~"). With `stop_at_empty` an empty line
-  // ends each walk. Returns how many went.
-  int RemoveRequester(std::string_view name, bool stop_at_empty);
+  // ends each walk. Returns the lines that went, in that order.
+  std::vector<std::string> RemoveRequester(std::string_view name,
+                                           bool stop_at_empty);
 
-  // Pop-up menu of the list.
-  void mnuRemoveSelected(Label& lblPending);
-  void mnuClearSN(Prompter& prompter, Label& lblPending);
-  void mnuClearALL(Label& lblPending);
+  // Pop-up menu of the list. Each returns the lines it removed.
+  std::vector<std::string> mnuRemoveSelected(Label& lblPending);
+  std::vector<std::string> mnuClearSN(Prompter& prompter, Label& lblPending);
+  std::vector<std::string> mnuClearALL(Label& lblPending);
 
   // On exit: "TotalPending" and "Pending 0"... in section "Quorvex". An
-  // empty queue writes nothing.
-  void Save(ProfileFile& profiles, const std::string& path) const;
+  // empty queue writes nothing. True when the file then reads back with
+  // the whole queue (nothing to save counts as saved).
+  bool Save(ProfileFile& profiles, const std::string& path) const;
+  // Whether `section` of a saved file ("TotalPending", "Pending 0"...)
+  // gives back this queue as a start would restore it.
+  bool HeldIn(const ProfileFile::Sections& file,
+              std::string_view section) const;
   // On start: restores a saved queue once, then deletes the file.
   void Load(const PendingFile& file, Label& lblPending);
 

@@ -175,7 +175,8 @@ TEST_F(PendingQueueTest, ClearsBySnIgnoreSpaces) {
 
   // A ban from the room's people stops at a blank line and folds no case.
   Queue({"joe smith-3", "JoeSmith-4", "joesmith~x", "", "joesmith-9"});
-  EXPECT_EQ(q.RemoveRequester("joesmith", true), 2);
+  EXPECT_EQ(q.RemoveRequester("joesmith", true),
+            (Lines{"joe smith-3", "joesmith~x"}));
   EXPECT_EQ(q.list().Items(), (Lines{"JoeSmith-4", "", "joesmith-9"}));
 }
 
@@ -217,6 +218,56 @@ TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
   q.Append("amy-4");  // a later request is served
   EXPECT_EQ(Mail(), "(bob)");
   EXPECT_EQ(Mail(), "(amy)");
+}
+
+// A profile file whose writes can be made to fail, leaving what it held.
+class RefusingProfileFile : public MemoryProfileFile {
+ public:
+  void WriteString(const std::string& file, const std::string& section,
+                   const std::string& key,
+                   const std::optional<std::string>& value) override {
+    if (!refusing) MemoryProfileFile::WriteString(file, section, key, value);
+  }
+  bool refusing = false;
+};
+
+TEST_F(PendingQueueTest, ASaveSaysWhetherTheFileHoldsTheQueue) {
+  RefusingProfileFile disk;
+  disk.refusing = true;
+  EXPECT_TRUE(q.Save(disk, path));  // nothing to save, nothing lost
+  Queue({"bob-1", "amy~cat\r\nfood", ""});
+  EXPECT_FALSE(q.Save(disk, path));
+  disk.refusing = false;
+  EXPECT_TRUE(q.Save(disk, path));
+  // A save that fails over a file holding the same queue loses nothing;
+  // over one that differs in a count or a line, it does.
+  disk.refusing = true;
+  EXPECT_TRUE(q.Save(disk, path));
+  q.Append("cy-2");
+  EXPECT_FALSE(q.Save(disk, path));
+  disk.refusing = false;
+  q.Save(disk, path);
+  disk.refusing = true;
+  q.list().Remove(3);
+  q.Append("cy-3");
+  EXPECT_FALSE(q.Save(disk, path));
+  EXPECT_FALSE(q.HeldIn(disk.Dump(path), "Other"));
+}
+
+TEST(RequestEventsTest, OneEventPerRequestNamingEveryoneWhoAskedIt) {
+  const std::vector<JobEvent> events =
+      RequestEvents(JobOutcome::kRemovedByUser,
+                    {"bob-5", "amy~cats", "", "stray line", "cy-list", "amy-5",
+                     "d-x~y", "e~f-list", "bob~cats"});
+  std::vector<std::string> seen;
+  for (const JobEvent& e : events) {
+    EXPECT_EQ(e.outcome, JobOutcome::kRemovedByUser);
+    seen.push_back(e.requesters + " " + e.what);
+  }
+  // Lines read as the takes read them; lines that ask nothing, nothing.
+  EXPECT_EQ(seen, (Lines{"(bob)(amy) send 5", "(amy)(bob) find cats",
+                         "(cy)(e~f) send list", "(d-x) find y"}));
+  EXPECT_TRUE(RequestEvents(JobOutcome::kRemovedByUser, {"", "x"}).empty());
 }
 
 TEST_F(PendingQueueTest, LoadStopsAtTheCountOrTheLastKeyPresent) {

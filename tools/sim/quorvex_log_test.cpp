@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <sstream>
@@ -21,16 +22,20 @@ namespace {
 namespace fs = std::filesystem;
 
 // The log's lines (outcome, requesters, what) after running `text` in a
-// folder of its own; each line's time as written is checked on the way.
-std::vector<std::string> RunAndReadLog(const std::string& text) {
+// folder of its own, which `prepare` may furnish first; each line's time
+// as written is checked on the way.
+std::vector<std::string> RunAndReadLog(
+    const std::string& text,
+    const std::function<void(const FolderMachine&)>& prepare = nullptr) {
   const fs::path root =
       fs::temp_directory_path() /
       ("qv_log_e2e_" + std::to_string(std::random_device{}()));
+  const FolderMachine machine(root);
+  if (prepare) prepare(machine);
   RunOptions options;
   options.root = root.string();
   std::ostringstream transcript;
   RunScenario(ParseScenario("log.scn", text, Controls()), options, transcript);
-  const FolderMachine machine(root);
   // Read whole and closed before the folder goes (Windows removes no file
   // that is open).
   std::istringstream in([&] {
@@ -176,6 +181,111 @@ run 100
                      "sent|bob|send 4",
                      "stopped||program",
                      "lost with an exit|amy|send list",
+                 }));
+}
+
+TEST(QuorvexLogTest, RequestsTheUserRemovesAreLoggedAsTheyGo) {
+  // Not serving: the requests wait until the user takes them off the
+  // list, one selected, one person's, then the rest.
+  const std::vector<std::string> log =
+      RunAndReadLog(R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person amy
+person dan
+person eve
+mails 10 song
+at 1 say bob: /host send 2
+at 1.1 say amy: /host send 2
+at 1.2 say dan: /host send 7
+at 1.3 say eve: /host find song
+at 1.4 say dan: /host send list
+at 5 select lstPending 2
+at 5 press mnuRemoveSelected
+at 6 press mnuRemoveSelected
+at 7 answer eve
+at 7 press mnuClearSN
+at 8 press mnuClearALL
+at 9 press mnuClearALL
+run 20
+)");
+  // A removal of nothing (no line selected, an empty list) is no line;
+  // one request asked by two is one line naming both.
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "removed by the user|dan|send 7",
+                     "removed by the user|eve|find song",
+                     "removed by the user|bob,amy|send 2",
+                     "removed by the user|dan|send list",
+                 }));
+}
+
+TEST(QuorvexLogTest, AQueueTheExitCannotSaveIsLoggedAsLost) {
+  // Every write of a profile file fails: the queue saved at the exit does
+  // not read back, so its requests are gone with the program.
+  const std::string room = R"(clock 20:00:00 2004-05-01
+user Host
+room Lobby
+person bob
+person amy
+person eve
+mails 10 song
+at 1 say bob: /host send 2
+at 1.1 say amy: /host send 2
+at 1.2 say eve: /host find song
+at 5 press lblExit
+at 6 start
+run 20
+)";
+  EXPECT_EQ(RunAndReadLog("fault profile-write 100\n" + room),
+            (std::vector<std::string>{
+                "started||program",
+                "lost with a failed save|bob,amy|send 2",
+                "lost with a failed save|eve|find song",
+                "stopped||program",
+                "started||program",
+            }));
+  // Saved whole, the queue comes back with the next start: no loss.
+  EXPECT_EQ(RunAndReadLog(room),
+            (std::vector<std::string>{"started||program", "stopped||program",
+                                      "started||program"}));
+}
+
+TEST(QuorvexLogTest, AQueueTheRestartStateHoldsIsNotLostWithQuorvexIni) {
+  // Quorvex.INI cannot be written (a folder of that name holds a file):
+  // the queue saved as the machine goes down is in RestartSettings.INI
+  // alone, which the program resumes from, so nothing was lost.
+  const std::vector<std::string> log = RunAndReadLog(
+      R"(clock 20:00:00 2004-05-01
+registry Settings Handle = srv
+registry Settings CPURestart = 2
+registry Settings MailResize = False
+person bob
+person amy
+mails 20 title
+at 0.5 answer yes
+at 1 press cmdStart
+at 5 say bob: /srv send 3
+at 5.1 say amy: /srv send 4
+at 5.2 say amy: /srv send 5
+run 120
+)",
+      [](const FolderMachine& machine) {
+        const fs::path blocked =
+            machine.HostPath("C:\\Program Files\\Quorvex\\Quorvex.INI");
+        fs::create_directories(blocked);
+        std::ofstream(blocked / "in the way") << "x";
+      });
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     "started||program",
+                     "started||serving 21 mails",
+                     "sent|bob|send 3",
+                     "sent|amy|send 4",
+                     "machine restarted||after 2 mails",
+                     "started||program",
+                     "started||serving 21 mails",
+                     "sent|amy|send 5",
                  }));
 }
 

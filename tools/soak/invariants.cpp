@@ -161,7 +161,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   // When each name was banned (spaces removed, lower case): by the user
   // from the room window, or by the mistakes it made.
   std::map<std::string, std::vector<double>> banned_at;
-  std::set<double> start_times(starts.begin(), starts.end()), started;
+  std::set<double> start_times(starts.begin(), starts.end());
   std::map<std::pair<std::string, int>, int> live;  // in the list now
   bool queue_file_fault = false, registry_fault = false;
   // The asker's accepted requests (mail, time) and the mails handed to the
@@ -194,6 +194,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   for (double x : starts) ends_and_starts.emplace_back(x, true);
   std::sort(ends_and_starts.begin(), ends_and_starts.end());
   std::size_t next_end_or_start = 0;
+  bool exited = false;
+  // The list at each exit, and the moments of the faults of the queue's
+  // files: one at an exit is its save failing (a file vanishes only when
+  // a start asks for it).
+  std::map<double, std::map<std::pair<std::string, int>, int>> live_at_exit;
+  std::vector<double> queue_faults;
   Json final_state;
   double last_t = 0;
   std::istringstream in(transcript);
@@ -211,7 +217,14 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
            ends_and_starts[next_end_or_start].first <= t;
          ++next_end_or_start) {
       on = false;
-      if (ends_and_starts[next_end_or_start].second) paused = false;
+      // A program started again (a start is ignored while it runs) begins
+      // with an empty list, whether or not it restores anything into it.
+      if (ends_and_starts[next_end_or_start].second) {
+        paused = false;
+        if (exited) live.clear();
+      }
+      exited = !ends_and_starts[next_end_or_start].second;
+      if (exited) live_at_exit[ends_and_starts[next_end_or_start].first] = live;
       serving_now(ends_and_starts[next_end_or_start].first);
     }
     if (ev == "chat" || ev == "status") {
@@ -262,8 +275,10 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       const std::string what = LCase(e.value("what", ""));
       if (kind == "registry-write") registry_fault = true;
       if (what.find("quorvex.ini") != std::string::npos ||
-          what.find("restartsettings.ini") != std::string::npos)
+          what.find("restartsettings.ini") != std::string::npos) {
         queue_file_fault = true;
+        queue_faults.push_back(t);
+      }
     } else if (ev == "list") {
       const std::string name = e.value("name", "");
       const std::string op = e.value("op", "");
@@ -287,11 +302,6 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         if (dash != std::string::npos) asked.insert(item.substr(0, dash));
       }
       if (name != "lstPending") continue;
-      // A program started again begins with an empty list.
-      if (start_times.count(t) && !started.count(t)) {
-        started.insert(t);
-        live.clear();
-      }
       if (op == "clear") {
         for (auto& [entry, n] : live)
           if (n > 0) removed_at[entry].push_back(t);
@@ -550,6 +560,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     // The log's lines: who was logged with each outcome, by (requester,
     // what) and by requester alone.
     std::set<std::tuple<std::string, std::string, std::string>> logged;
+    std::map<std::tuple<std::string, std::string, std::string>, int>
+        logged_times;
     std::set<std::pair<std::string, std::string>> logged_names;
     // Lines that say what became of a mail request, by (requester, what).
     static const std::set<std::string> kJobEndings = {
@@ -569,6 +581,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       for (const std::string& who : l->requesters) {
         const std::string sn = LCase(who);
         logged.insert({l->outcome, sn, l->what});
+        ++logged_times[{l->outcome, sn, l->what}];
         logged_names.insert({l->outcome, NoSpaces(sn)});
         if (kJobEndings.count(l->outcome)) ++job_lines[{sn, l->what}];
         const std::string line =
@@ -586,6 +599,11 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
                         "given up");
         if (l->outcome == "full mailbox" && !full.count(sn))
           bad.push_back(line + ", but that mailbox is not full");
+        if (l->outcome == "removed by the user" && n > 0 &&
+            !listed.count({sn, n}))
+          bad.push_back(line + ", which was never in the list");
+        if (l->outcome == "lost with a failed save" && !queue_file_fault)
+          bad.push_back(line + ", but no save of the queue failed");
       }
     }
     for (const auto& [entry, asked_n] : accepted) {
@@ -609,6 +627,39 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
               "log: " + sn + "'s request for mail " + std::to_string(n) +
               " was removed by a ban, and no line says " + sn + " was banned");
       }
+      // Each time the user removed it, a line says so.
+      const int user_removed = removed_then(entry, clears);
+      const auto removed_lines =
+          logged_times.find({"removed by the user", sn, what});
+      const int removed_told =
+          removed_lines == logged_times.end() ? 0 : removed_lines->second;
+      if (removed_told < user_removed)
+        bad.push_back("log: " + sn + "'s request for mail " +
+                      std::to_string(n) + " was removed by the user " +
+                      std::to_string(user_removed) + " times, and " +
+                      std::to_string(removed_told) + " lines say so");
+      else if (user_removed > 0)
+        ++fig->log_matched;
+      // In the list at an exit whose save of the queue failed: lost, and
+      // a line says so. (A file that vanished before a start read it is a
+      // loss the program cannot see.)
+      int lost_saving = 0;
+      for (const auto& [x, at_exit] : live_at_exit)
+        if (at_exit.count(entry) && at_exit.at(entry) > 0 &&
+            at_any(x, queue_faults))
+          ++lost_saving;
+      const auto lost_lines =
+          logged_times.find({"lost with a failed save", sn, what});
+      const int lost_told =
+          lost_lines == logged_times.end() ? 0 : lost_lines->second;
+      if (lost_told < lost_saving)
+        bad.push_back("log: " + sn + "'s request for mail " +
+                      std::to_string(n) + " was in the queue " +
+                      std::to_string(lost_saving) +
+                      " times when its save failed, and " +
+                      std::to_string(lost_told) + " lines say it was lost");
+      else if (lost_saving > 0)
+        ++fig->log_matched;
       // Each time a job took the request, a line says what became of it;
       // but for a take the run's end cut short (the power went off: the
       // program writes nothing more).

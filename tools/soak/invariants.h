@@ -24,7 +24,10 @@
 //    client had signed off shortly before;
 //  - the program's log (Quorvex.log) and the accounting agree: every mail
 //    a requester received has a "sent" line naming them and the mail, every
-//    request removed by a ban a "banned" line naming the requester; and
+//    request removed by a ban a "banned" line naming the requester, every
+//    removal by the user a "removed by the user" line, every request in
+//    the queue when an exit's save of it failed a "lost with a failed
+//    save" line; and
 //    what the log says happened did: a mail logged sent was asked for by
 //    each it names, each dead mail is the room's, or was said to be, or
 //    was given up by the program after it took the request; a full

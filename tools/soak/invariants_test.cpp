@@ -276,6 +276,37 @@ TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
   EXPECT_NE(bad[0].find("amy-2"), std::string::npos);
 }
 
+// The moments that decide whether a sign-off lost a take: one at the very
+// moment of the hand-over, and a hand-over at the very end of the
+// forward's minute.
+TEST_F(InvariantsTest, ASignOffOrAHandOverAtTheExactBoundsOfATake) {
+  auto handed = [this](double t, const std::string& to) {
+    Line(t, R"x("ev":"mail","from":"Host","to":"()x" + to +
+                R"x()","subject":"x","body":"[mail number <B><U>1</B></U>]")x");
+  };
+  sc.run_until = 1000;
+  // Signed off as the client took amy's mail: it went with the client.
+  Add(1, "amy-1");
+  Remove(20, "amy-1");
+  handed(30, "amy");
+  sc.timeline.push_back({.line = 1, .at = 30, .verb = "signoff"});
+  // The client was already off when bob's and cy's were taken (at 100);
+  // bob's was handed over at the end of the forward's minute, so the
+  // client had it; cy's a moment later, by another take.
+  Line(90, R"("ev":"client","what":"signs off")");
+  Add(1, "bob-1");
+  Add(1, "cy-1");
+  Remove(100, "bob-1");
+  Remove(100, "cy-1");
+  handed(160, "bob");
+  handed(160.5, "cy");
+  const auto bad = Check({});
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "bob-1: asked 1 times, delivered 0, pending 0, and no reason why");
+  EXPECT_EQ(figures.endings.at("lost with a sign-off"), 2);
+}
+
 TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
   EXPECT_TRUE(Check({}, "[]", "sent: 7", "7").empty());
   text.clear();
@@ -378,15 +409,29 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
                          .verb = "say",
                          .name = "early4",
                          .text = "/srv send 4"});
-  Add(5.25, "early1-3");  // taken
-  Add(5.5, "early2-3");   // taken
+  // Heard exactly two seconds after it was said, and a moment later.
+  for (const auto& [who, at] : std::vector<std::pair<std::string, double>>{
+           {"early5", 5.5}, {"early6", 5.75}})
+    sc.timeline.push_back({.line = 3,
+                           .at = at,
+                           .verb = "say",
+                           .name = who,
+                           .text = "/srv send 2"});
+  Add(5.25, "early1-3");   // taken
+  Add(5.5, "early2-3");    // taken
+  Add(7.5, "early5-2");    // taken, at the bound
+  Add(7.875, "early6-2");  // too late
   // early3's is refused; early4 asks for a mail beyond the list.
-  const auto bad = Check({}, R"(["early1-3","early2-3"])");
-  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  const auto bad =
+      Check({}, R"(["early1-3","early2-3","early5-2","early6-2"])");
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
   EXPECT_EQ(bad[0],
             "early3-3: asked for while a start read the mailbox, "
             "refused");
-  EXPECT_EQ(figures.early_requests, 3);
+  EXPECT_EQ(bad[1],
+            "early6-2: asked for while a start read the mailbox, "
+            "refused");
+  EXPECT_EQ(figures.early_requests, 5);
 }
 
 }  // namespace
@@ -509,6 +554,115 @@ TEST_F(LoggedEndingsTest, AnEndingWithoutItsLineIsAViolation) {
   EXPECT_EQ(bad[0],
             "log: dan's request for mail 2 ended as in flight at a stop, and "
             "no line says so");
+}
+
+}  // namespace
+}  // namespace quorvex::soak
+
+namespace quorvex::soak {
+namespace {
+
+// Requests no job took: removed by the user, or in the queue when the
+// exit at 10 saved it (each test says how that save went). The program
+// started again at 11 restores nothing; at 21 it restores eve's, which a
+// clean save kept.
+class UntakenRequestsTest : public InvariantsTest {
+ protected:
+  UntakenRequestsTest() {
+    for (const auto& [at, name] :
+         std::vector<std::pair<double, const char*>>{{5, "mnuRemoveSelected"},
+                                                     {6, "mnuClearALL"},
+                                                     {8, "mnuRemoveSelected"},
+                                                     {10, "lblExit"},
+                                                     {15, "mnuClearALL"},
+                                                     {20, "lblExit"}})
+      sc.timeline.push_back(
+          {.line = 1, .at = at, .verb = "press", .name = name});
+    for (double at : {11, 21})
+      sc.timeline.push_back({.line = 2, .at = at, .verb = "start"});
+    Add(1, "bob-1");
+    Add(1, "amy-2");
+    Add(1, "cy-2");
+    Add(1, "gus~cats");
+    Remove(5, "bob-1");
+    Line(6, R"("ev":"list","name":"lstPending","op":"clear")");
+    // Removed before the exit: not in the queue its save lost.
+    Add(7, "fay-2");
+    Remove(8, "fay-2");
+    Add(7, "dan-3");
+    // The list is empty by then: dan's request went with the exit.
+    Line(15, R"("ev":"list","name":"lstPending","op":"clear")");
+    Add(16, "eve-1");
+    Add(21, "eve-1");
+  }
+  void Fault(double t, const std::string& kind) {
+    Line(t, R"("ev":"fault","kind":")" + kind +
+                R"(","what":"/r/C/Program Files/Quorvex/Quorvex.INI")");
+  }
+  std::vector<std::string> CheckWith() { return Check({}, R"(["eve-1"])"); }
+  void LogAllBut(const std::string& left_out) {
+    for (const auto& [outcome, who, what] :
+         {std::tuple{JobOutcome::kRemovedByUser, "(bob)", "send 1"},
+          std::tuple{JobOutcome::kRemovedByUser, "(amy)(cy)", "send 2"},
+          std::tuple{JobOutcome::kRemovedByUser, "(gus)", "find cats"},
+          std::tuple{JobOutcome::kRemovedByUser, "(fay)", "send 2"},
+          std::tuple{JobOutcome::kLostWithFailedSave, "(dan)", "send 3"}})
+      if (std::string(who) != left_out) Log(outcome, who, what);
+  }
+};
+
+TEST_F(UntakenRequestsTest, EachRemovalAndEachLossOfTheSaveHasItsLine) {
+  Fault(10, "profile-write");
+  LogAllBut("");
+  const auto bad = CheckWith();
+  EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
+  EXPECT_EQ(figures.log_matched, 5);
+  EXPECT_EQ(figures.endings.at("cleared or removed by the user"), 4);
+  EXPECT_EQ(figures.endings.at("lost with a fault of the queue's file"), 1);
+}
+
+TEST_F(UntakenRequestsTest, ARemovalOrALossWithoutItsLineIsAViolation) {
+  Fault(10, "disk-full");
+  LogAllBut("(amy)(cy)");
+  Log(JobOutcome::kRemovedByUser, "(amy)", "send 2");
+  auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: cy's request for mail 2 was removed by the user 1 times, "
+            "and 0 lines say so");
+  log.clear();
+  LogAllBut("(dan)");
+  bad = CheckWith();
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: dan's request for mail 3 was in the queue 1 times when its "
+            "save failed, and 0 lines say it was lost");
+}
+
+TEST_F(UntakenRequestsTest, AFileThatVanishedNeedsNoLineButALineNeedsAFault) {
+  // The file vanished before the start read it: the program never knew.
+  Fault(10.5, "vanish");
+  LogAllBut("(dan)");
+  const auto unseen = CheckWith();
+  EXPECT_TRUE(unseen.empty()) << testing::PrintToString(unseen);
+  EXPECT_EQ(figures.endings.at("lost with a fault of the queue's file"), 1);
+
+  // Without any fault of the queue's file, a loss of it is a false line;
+  // so is a removal of a request never listed.
+  text.clear();
+  log.clear();
+  Add(16, "eve-1");
+  Add(21, "eve-1");
+  Log(JobOutcome::kLostWithFailedSave, "(eve)", "send 1");
+  Log(JobOutcome::kRemovedByUser, "(zed)", "send 2");
+  const auto bad = CheckWith();
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: lost with a failed save eve send 1, but no save of the "
+            "queue failed");
+  EXPECT_EQ(bad[1],
+            "log: removed by the user zed send 2, which was never in the "
+            "list");
 }
 
 }  // namespace
