@@ -1,11 +1,11 @@
-#include "sim/program_events.h"
+#include "scenario/program_events.h"
 
 #include <memory>
 #include <utility>
 
-#include "sim/interrupt.h"
+#include "scenario/interrupt.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 using nlohmann::ordered_json;
 
@@ -125,4 +125,4 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
   return state;
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

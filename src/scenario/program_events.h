@@ -10,9 +10,9 @@
 #include "ports/machine.h"
 #include "ports/profile_file.h"
 #include "ports/registry.h"
-#include "sim/transcript.h"
+#include "scenario/transcript.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 // The profile files a scenario can name ("Quorvex.INI",
 // "RestartSettings.INI", "Win.INI"), by their Windows paths.
@@ -42,4 +42,4 @@ nlohmann::ordered_json ProgramFinalState(QuorvexApp& app,
                                          const ProfileFile& profiles,
                                          const Machine& machine);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

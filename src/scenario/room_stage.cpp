@@ -1,4 +1,4 @@
-#include "sim/room_stage.h"
+#include "scenario/room_stage.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "model/text_util.h"
+#include "scenario/program_events.h"
 #include "settings/settings.h"
-#include "sim/program_events.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 void StageRegistry(const Scenario& sc, Registry& registry) {
   // One write for all the lines.
@@ -72,4 +72,4 @@ double ScheduleRoomTalk(const Scenario& sc, Host& host, SimClient& client,
   return last;
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

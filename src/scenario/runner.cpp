@@ -1,4 +1,4 @@
-#include "sim/runner.h"
+#include "scenario/runner.h"
 
 #include <chrono>
 #include <filesystem>
@@ -20,20 +20,20 @@
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
+#include "scenario/interrupt.h"
+#include "scenario/program_events.h"
+#include "scenario/room_stage.h"
 #include "server/machine_restart.h"
 #include "server/serve_engine.h"
 #include "sim/faulty_ports.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
-#include "sim/interrupt.h"
-#include "sim/program_events.h"
-#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 namespace fs = std::filesystem;
 using nlohmann::ordered_json;
@@ -334,4 +334,4 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   return transcript.events();
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

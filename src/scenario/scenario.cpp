@@ -1,4 +1,4 @@
-#include "sim/scenario.h"
+#include "scenario/scenario.h"
 
 #include <charconv>
 #include <cmath>
@@ -7,7 +7,7 @@
 
 #include "sim/sim_knobs.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 namespace {
 
@@ -309,4 +309,4 @@ Scenario LoadScenario(const std::string& path,
   return ParseScenario(path, all.str(), controls);
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 struct ScenarioError : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -78,4 +78,4 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
 Scenario LoadScenario(const std::string& path,
                       const ControlCatalogue& controls);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

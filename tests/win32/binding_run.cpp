@@ -19,13 +19,13 @@
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
+#include "scenario/program_events.h"
+#include "scenario/room_stage.h"
+#include "scenario/transcript.h"
 #include "settings/settings.h"
 #include "sim/faulty_ports.h"
-#include "sim/program_events.h"
-#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_knobs.h"
-#include "sim/transcript.h"
 #include "standin_process.h"
 #include "win32/code_page.h"
 #include "win32/win32_host.h"
@@ -135,14 +135,14 @@ ordered_json ClientEvent(const json& e) {
 
 }  // namespace
 
-std::string RunThroughBinding(const sim::Scenario& sc,
+std::string RunThroughBinding(const scenario::Scenario& sc,
                               const BindingOptions& o) {
   WindowsFolder folder;
   // The client as the scenario sets it up, staged for the stand-in.
   VirtualHost staging_host;
   SimWorld staging_world;
   SimClient staged(staging_host, staging_world, sc.seed);
-  sim::StageClient(sc, staged);
+  scenario::StageClient(sc, staged);
   staged.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&staged.knobs(), name, value);
@@ -152,7 +152,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   win32::Win32WindowApi api;
   win32::Win32Registry registry(kRegistryRoot);
   registry.DeleteApp(kApp);
-  sim::StageRegistry(sc, registry);
+  scenario::StageRegistry(sc, registry);
   win32::Win32ProfileFile profiles;
   win32::Win32Machine real_machine;
 
@@ -169,8 +169,8 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   bool names_client = false;
   // path: section: its lines
   std::map<std::string, std::map<std::string, std::string>> whole;
-  for (const sim::SetupValue& v : sc.ini) {
-    const std::string path = sim::ProfilePath(real_machine, v.file);
+  for (const scenario::SetupValue& v : sc.ini) {
+    const std::string path = scenario::ProfilePath(real_machine, v.file);
     if (v.file == "Win.INI") {
       profiles.WriteString(path, v.section, v.key, v.value);
       names_client |= EqualsIgnoreCase(v.section, "WAOL");
@@ -185,7 +185,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     std::ofstream(path, std::ios::binary) << win32::Utf8ToCp1252(text);
   }
   if (!names_client)
-    profiles.WriteString(sim::ProfilePath(real_machine, "Win.INI"), "WAOL",
+    profiles.WriteString(scenario::ProfilePath(real_machine, "Win.INI"), "WAOL",
                          "AppPath", StandInProcess::InstallFolder());
 
   std::ostringstream program_out;
@@ -205,8 +205,8 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // writes until it comes to its message loop is written at the start's
   // moment (or for a minute of its clock at the most).
   double frozen_at = -1, frozen_until = 0;
-  sim::Transcript transcript(
-      program_out, sim::TranscriptFormat::kJsonl,
+  scenario::Transcript transcript(
+      program_out, scenario::TranscriptFormat::kJsonl,
       [&] {
         if (frozen_at >= 0 && host.Clock() < frozen_until) return frozen_at;
         return host.Clock() - t0 - late;
@@ -247,7 +247,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // the start, as if read.
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
-    sim::WatchProgram(app, transcript);
+    scenario::WatchProgram(app, transcript);
     app.frm().status.Subscribe([&](const StatusStrip& s) {
       client.Note("at " + std::to_string(host.Clock() - t0) +
                   " s the program's " + s.text());
@@ -301,7 +301,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   struct ProgramExited {};
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
-  auto run_line = [&](const sim::TimedLine& line) {
+  auto run_line = [&](const scenario::TimedLine& line) {
     const double was_late =
         std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
     struct Restore {
@@ -341,23 +341,23 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // The timeline keeps its order: a line whose time comes while an
   // anchored line before it has not run is held, and runs after it.
   std::set<std::size_t> unrun;  // anchored lines not run yet
-  std::map<std::size_t, sim::TimedLine> held;
+  std::map<std::size_t, scenario::TimedLine> held;
   std::function<void()> release = [&] {
     if (held.empty()) return;
     if (!unrun.empty() && *unrun.begin() < held.begin()->first) return;
-    const sim::TimedLine line = held.begin()->second;
+    const scenario::TimedLine line = held.begin()->second;
     held.erase(held.begin());
     if (!held.empty()) host.Schedule(0, release);
     run_line(line);
   };
-  auto run_anchored = [&](std::size_t i, const sim::TimedLine& line) {
+  auto run_anchored = [&](std::size_t i, const scenario::TimedLine& line) {
     if (!unrun.erase(i)) return;
     waiting.erase(i);
     host.Schedule(0, release);
     run_line(line);
   };
   for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
-    const sim::TimedLine& line = sc.timeline[i];
+    const scenario::TimedLine& line = sc.timeline[i];
     const auto anchor = o.anchors.find(i);
     if (anchor == o.anchors.end()) {
       host.Schedule(line.at, [&, i, line] {
@@ -378,7 +378,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   }
   const double end = t0 + sc.run_until;
   double last_line = 0;
-  for (const sim::TimedLine& line : sc.timeline)
+  for (const scenario::TimedLine& line : sc.timeline)
     last_line = std::max(last_line, line.at);
 
   // The transcript as it stands: the program's events and the client's,
@@ -387,7 +387,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   auto transcript_now = [&] {
     const json state = client.State();
     ordered_json final_state =
-        sim::ProgramFinalState(program.app(), registry, profiles, machine);
+        scenario::ProgramFinalState(program.app(), registry, profiles, machine);
     ordered_json mailboxes = ordered_json::object();
     for (const auto& [sn, box] : state["mailboxes"].items()) {
       ordered_json mails = ordered_json::array();
@@ -423,7 +423,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     for (const auto& [k, v] : final_state.items()) final_event[k] = v;
     events.push_back(std::move(final_event));
     std::string out;
-    for (const ordered_json& e : events) out += sim::JsonDump(e) + "\n";
+    for (const ordered_json& e : events) out += scenario::JsonDump(e) + "\n";
     return out;
   };
 

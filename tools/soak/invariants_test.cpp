@@ -56,7 +56,7 @@ class InvariantsTest : public ::testing::Test {
     log += FormatLogLine(CivilTime{}, {outcome, who, what});
   }
 
-  sim::Scenario sc;
+  scenario::Scenario sc;
   std::string text;
   std::string log;  // none: the log is not checked
   RunFigures figures;
@@ -246,7 +246,7 @@ TEST_F(InvariantsTest, AGroupTakenWhileTheClientWasOffIsLostByDesign) {
 // first take from its sign-off, nor one sign-off too late.
 TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
   auto signoff = [this](double t) {
-    sim::TimedLine off;
+    scenario::TimedLine off;
     off.at = t;
     off.verb = "signoff";
     sc.timeline.push_back(off);
