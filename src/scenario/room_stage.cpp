@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/text_util.h"
@@ -60,14 +62,22 @@ double ScheduleRoomTalk(const Scenario& sc, Host& host, SimClient& client,
                         double offset) {
   double last = 0;
   for (const TimedLine& line : sc.timeline) {
-    if (line.verb != "say" && line.verb != "join" && line.verb != "leave")
-      continue;
+    std::function<void()> talk;
+    switch (line.verb) {
+      case Verb::kSay:
+        talk = [&client, line] { client.Say(line.name, line.text); };
+        break;
+      case Verb::kJoin:
+        talk = [&client, line] { client.Join(line.name); };
+        break;
+      case Verb::kLeave:
+        talk = [&client, line] { client.Leave(line.name); };
+        break;
+      default:  // what the program's user does is not the room's
+        continue;
+    }
     last = std::max(last, line.at);
-    host.Schedule(offset + line.at, [&client, line] {
-      if (line.verb == "say") client.Say(line.name, line.text);
-      if (line.verb == "join") client.Join(line.name);
-      if (line.verb == "leave") client.Leave(line.name);
-    });
+    host.Schedule(offset + line.at, std::move(talk));
   }
   return last;
 }

@@ -262,34 +262,46 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   // actions do: inside whatever wait the program is in.
   for (const TimedLine& line : sc.timeline) {
     host.ScheduleAt(line.at, [&, line] {
-      if (line.verb == "say") {
-        client.Say(line.name, line.text);
-      } else if (line.verb == "join") {
-        client.Join(line.name);
-      } else if (line.verb == "leave") {
-        client.Leave(line.name);
-      } else if (line.verb == "signoff") {
-        client.SignOff();
-      } else if (line.verb == "kill") {
-        client.Crash();
-      } else if (line.verb == "answer") {
-        prompter.QueueAnswer(line.text);
-      } else if (line.verb == "press") {
-        QuorvexApp& app = program.app();
-        const bool running = !app.ended();
-        app.Press(line.name, line.index);
-        if (running && app.ended()) throw ProgramExited{};
-      } else if (line.verb == "select") {
-        if (line.text.empty())
-          program.app().Select(line.name, line.index);
-        else
-          program.app().SelectText(line.name, line.text);
-      } else if (line.verb == "set") {
-        program.app().Set(line.name, line.text);
-      } else if (line.verb == "start") {
-        // The user starts the program again once it has ended: the run
-        // unwinds to the loop below, which starts it on the same files.
-        if (program.app().ended()) throw UserStartsProgram{};
+      switch (line.verb) {
+        case Verb::kSay:
+          client.Say(line.name, line.text);
+          break;
+        case Verb::kJoin:
+          client.Join(line.name);
+          break;
+        case Verb::kLeave:
+          client.Leave(line.name);
+          break;
+        case Verb::kSignoff:
+          client.SignOff();
+          break;
+        case Verb::kKill:
+          client.Crash();
+          break;
+        case Verb::kAnswer:
+          prompter.QueueAnswer(line.text);
+          break;
+        case Verb::kPress: {
+          QuorvexApp& app = program.app();
+          const bool running = !app.ended();
+          app.Press(line.name, line.index);
+          if (running && app.ended()) throw ProgramExited{};
+          break;
+        }
+        case Verb::kSelect:
+          if (line.text.empty())
+            program.app().Select(line.name, line.index);
+          else
+            program.app().SelectText(line.name, line.text);
+          break;
+        case Verb::kSet:
+          program.app().Set(line.name, line.text);
+          break;
+        case Verb::kStart:
+          // The user starts the program again once it has ended: the run
+          // unwinds to the loop below, which starts it on the same files.
+          if (program.app().ended()) throw UserStartsProgram{};
+          break;
       }
     });
   }

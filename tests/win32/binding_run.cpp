@@ -309,31 +309,46 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
       double was;
       ~Restore() { late = was; }
     } restore{late, was_late};
-    if (line.verb == "say") {
-      client.Command("say " + line.name + "|" + line.text);
-    } else if (line.verb == "join" || line.verb == "leave") {
-      client.Command(line.verb + " " + line.name);
-    } else if (line.verb == "signoff") {
-      client.Command("signoff");
-    } else if (line.verb == "kill") {
-      kill();
-    } else if (line.verb == "answer") {
-      prompter.QueueAnswer(line.text);
-    } else if (line.verb == "press") {
-      QuorvexApp& app = program.app();
-      const bool running = !app.ended();
-      app.Press(line.name, line.index);
-      if (running && app.ended()) throw ProgramExited{};
-    } else if (line.verb == "select") {
-      if (line.text.empty())
-        program.app().Select(line.name, line.index);
-      else
-        program.app().SelectText(line.name, line.text);
-    } else if (line.verb == "set") {
-      program.app().Set(line.name, line.text);
-    } else if (line.verb == "start") {
-      // The user starts the program again once it has ended.
-      if (program.app().ended()) throw StartAgain{line.at};
+    using scenario::Verb;
+    switch (line.verb) {
+      case Verb::kSay:
+        client.Command("say " + line.name + "|" + line.text);
+        break;
+      case Verb::kJoin:
+        client.Command("join " + line.name);
+        break;
+      case Verb::kLeave:
+        client.Command("leave " + line.name);
+        break;
+      case Verb::kSignoff:
+        client.Command("signoff");
+        break;
+      case Verb::kKill:
+        kill();
+        break;
+      case Verb::kAnswer:
+        prompter.QueueAnswer(line.text);
+        break;
+      case Verb::kPress: {
+        QuorvexApp& app = program.app();
+        const bool running = !app.ended();
+        app.Press(line.name, line.index);
+        if (running && app.ended()) throw ProgramExited{};
+        break;
+      }
+      case Verb::kSelect:
+        if (line.text.empty())
+          program.app().Select(line.name, line.index);
+        else
+          program.app().SelectText(line.name, line.text);
+        break;
+      case Verb::kSet:
+        program.app().Set(line.name, line.text);
+        break;
+      case Verb::kStart:
+        // The user starts the program again once it has ended.
+        if (program.app().ended()) throw StartAgain{line.at};
+        break;
     }
   };
   // An anchored line runs as soon as the status strip comes where it

@@ -191,8 +191,10 @@ std::map<std::size_t, test::BindingOptions::Anchor> Anchors(
   std::map<std::size_t, test::BindingOptions::Anchor> anchors;
   for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
     const scenario::TimedLine& line = sc.timeline[i];
-    const bool exit = line.verb == "press" && line.name == "lblExit";
-    if (!exit && line.verb != "signoff" && line.verb != "kill") continue;
+    using scenario::Verb;
+    const bool exit = line.verb == Verb::kPress && line.name == "lblExit";
+    if (!exit && line.verb != Verb::kSignoff && line.verb != Verb::kKill)
+      continue;
     std::map<std::string, int> shown;
     std::string text;
     for (const auto& [t, status] : statuses) {

@@ -97,8 +97,8 @@ int main(int argc, char** argv) {
           scenario::ParseScenario(name + ".scn", text, scenario::Controls());
       if (sc.lost_clicks > 0) ++drawn["rooms losing clicks"];
       for (const scenario::TimedLine& t : sc.timeline) {
-        if (t.verb == "signoff") ++drawn["sign-offs"];
-        if (t.verb == "kill") ++drawn["kills"];
+        if (t.verb == scenario::Verb::kSignoff) ++drawn["sign-offs"];
+        if (t.verb == scenario::Verb::kKill) ++drawn["kills"];
       }
       drawn["full rooms"] += static_cast<int>(sc.full_rooms.size());
       drawn["full mailboxes"] += static_cast<int>(sc.full_mailboxes.size());

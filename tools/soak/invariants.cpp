@@ -20,6 +20,7 @@ namespace {
 constexpr double kForwardSeconds = 60;
 
 using Json = nlohmann::json;
+using scenario::Verb;
 
 std::string NoSpaces(std::string s) {
   s.erase(std::remove(s.begin(), s.end(), ' '), s.end());
@@ -138,14 +139,15 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       send_later = LCase(v.value) != "false";
   static const std::regex kNumber("mail number <B><U>([0-9]+)</B></U>");
   for (const scenario::TimedLine& t : sc.timeline) {
-    if (t.verb == "press" &&
+    if (t.verb == Verb::kPress &&
         (t.name == "mnuClearALL" || t.name == "mnuRemoveSelected" ||
          t.name == "mnuClearSN"))
       clears.push_back(t.at);
-    if (t.verb == "press" && t.name == "lblExit") exits.push_back(t.at);
-    if (t.verb == "start") starts.push_back(t.at);
+    if (t.verb == Verb::kPress && t.name == "lblExit") exits.push_back(t.at);
+    if (t.verb == Verb::kStart) starts.push_back(t.at);
     // A client killed outright loses its connection with its process.
-    if (t.verb == "signoff" || t.verb == "kill") signoffs.push_back(t.at);
+    if (t.verb == Verb::kSignoff || t.verb == Verb::kKill)
+      signoffs.push_back(t.at);
   }
 
   std::map<std::pair<std::string, int>, int> accepted;
@@ -691,7 +693,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // Requests said while a start read the mailbox: each accepted that asks
   // for a mail both in the list before the read and in the list after.
   for (const scenario::TimedLine& l : sc.timeline) {
-    if (l.verb != "say" || !StartsWithName(l.name, "early")) continue;
+    if (l.verb != Verb::kSay || !StartsWithName(l.name, "early")) continue;
     const int n = SendNumber(l.text);
     const Read* read = nullptr;
     for (const Read& r : reads)
@@ -730,7 +732,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       // sign-off (three minutes), anyone else asking after the clear.
       std::set<std::string> flooders;
       for (const scenario::TimedLine& l : sc.timeline)
-        if (l.verb == "say" && StartsWithName(l.name, "flooder") &&
+        if (l.verb == Verb::kSay && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
       const double bound =
@@ -751,13 +753,13 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         // Before the request, what may still be under way: a client
         // restart after a sign-off (a start under way is not serving yet).
         if (l.at <= t) {
-          if (l.verb == "signoff" && l.at >= t - 180) quiet = false;
+          if (l.verb == Verb::kSignoff && l.at >= t - 180) quiet = false;
           continue;
         }
-        if (l.verb == "join" || l.verb == "leave") continue;
-        if (l.verb == "press" && l.name == "mnuMSpeed") continue;
-        if (l.verb == "say" && (StartsWithName(l.name, "flooder") ||
-                                StartsWithName(l.name, "asker")))
+        if (l.verb == Verb::kJoin || l.verb == Verb::kLeave) continue;
+        if (l.verb == Verb::kPress && l.name == "mnuMSpeed") continue;
+        if (l.verb == Verb::kSay && (StartsWithName(l.name, "flooder") ||
+                                     StartsWithName(l.name, "asker")))
           continue;
         quiet = false;
       }

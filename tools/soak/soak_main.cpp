@@ -121,8 +121,8 @@ int main(int argc, char** argv) {
           scenario::ParseScenario(name, text, scenario::Controls());
       if (sc.lost_clicks > 0) ++client_faults["rooms losing clicks"];
       for (const scenario::TimedLine& t : sc.timeline) {
-        if (t.verb == "signoff") ++client_faults["sign-offs"];
-        if (t.verb == "kill") ++client_faults["kills"];
+        if (t.verb == scenario::Verb::kSignoff) ++client_faults["sign-offs"];
+        if (t.verb == scenario::Verb::kKill) ++client_faults["kills"];
       }
       client_faults["full rooms"] += static_cast<int>(sc.full_rooms.size());
       client_faults["full mailboxes"] +=
