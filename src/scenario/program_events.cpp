@@ -125,4 +125,38 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
   return state;
 }
 
+void WatchPrompts(ScriptedPrompter& prompter, Transcript& t) {
+  prompter.SetObserver([&t](const PromptRecord& r) {
+    if (r.kind == "message") {
+      t.Write("prompt",
+              {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
+      return;
+    }
+    t.Write("prompt", {{"kind", r.kind},
+                       {"title", r.title},
+                       {"prompt", r.prompt},
+                       {"default", r.default_text},
+                       {"answer", r.answer}});
+  });
+}
+
+void AddClientMail(
+    ordered_json& state,
+    const std::map<std::string, std::vector<ReceivedMail>>& mailboxes,
+    const std::vector<SimClient::WaitingMail>& waiting) {
+  state["mailboxes"] =
+      ObjectOf(mailboxes, [](const std::vector<ReceivedMail>& mails) {
+        ordered_json box = ordered_json::array();
+        for (const ReceivedMail& m : mails)
+          box.push_back(
+              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+        return box;
+      });
+  if (waiting.empty()) return;
+  ordered_json held = ordered_json::array();
+  for (const SimClient::WaitingMail& m : waiting)
+    held.push_back({{"to", m.to}, {"subject", m.subject}, {"body", m.body}});
+  state["waiting"] = held;
+}
+
 }  // namespace quorvex::scenario

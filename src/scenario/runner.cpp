@@ -76,20 +76,7 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
   ordered_json state = ProgramFinalState(app, registry, profiles, machine);
-  ordered_json mailboxes =
-      ObjectOf(client.Mailboxes(), [](const std::vector<ReceivedMail>& mails) {
-        ordered_json box = ordered_json::array();
-        for (const ReceivedMail& m : mails)
-          box.push_back(
-              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
-        return box;
-      });
-  state["mailboxes"] = mailboxes;
-  // Mail the client holds to send later; shown only when there is some.
-  ordered_json waiting = ordered_json::array();
-  for (const SimClient::WaitingMail& m : client.Waiting())
-    waiting.push_back({{"to", m.to}, {"subject", m.subject}, {"body", m.body}});
-  if (!waiting.empty()) state["waiting"] = waiting;
+  AddClientMail(state, client.Mailboxes(), client.Waiting());
   // The client's mail preferences as saved: what the program set, or left.
   ordered_json preferences = ordered_json::object();
   for (const auto& [label, checked] : client.MailPreferences())
@@ -190,19 +177,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.Launch();
   client.SetObserver(&observer);
 
-  prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") {
-      transcript.Write(
-          "prompt",
-          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
-      return;
-    }
-    transcript.Write("prompt", {{"kind", r.kind},
-                                {"title", r.title},
-                                {"prompt", r.prompt},
-                                {"default", r.default_text},
-                                {"answer", r.answer}});
-  });
+  WatchPrompts(prompter, transcript);
 
   // Every program made (one more after each machine restart) is watched
   // from before its main window loads.

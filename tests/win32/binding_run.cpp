@@ -229,19 +229,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   FaultyMachine app_machine(machine, dice);
 
   ScriptedPrompter prompter;
-  prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") {
-      transcript.Write(
-          "prompt",
-          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
-      return;
-    }
-    transcript.Write("prompt", {{"kind", r.kind},
-                                {"title", r.title},
-                                {"prompt", r.prompt},
-                                {"default", r.default_text},
-                                {"answer", r.answer}});
-  });
+  scenario::WatchPrompts(prompter, transcript);
 
   // As in the simulator: the mailbox's titles stand in the mail list from
   // the start, as if read.
@@ -403,23 +391,21 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
     const json state = client.State();
     ordered_json final_state =
         scenario::ProgramFinalState(program.app(), registry, profiles, machine);
-    ordered_json mailboxes = ordered_json::object();
+    // The stand-in's mail, read into the simulated client's own records.
+    auto text = [](const json& m, const char* key) {
+      return m[key].get<std::string>();
+    };
+    std::map<std::string, std::vector<ReceivedMail>> mailboxes;
     for (const auto& [sn, box] : state["mailboxes"].items()) {
-      ordered_json mails = ordered_json::array();
+      std::vector<ReceivedMail>& mails = mailboxes[sn];
       for (const json& m : box)
-        mails.push_back({{"from", m["from"]},
-                         {"subject", m["subject"]},
-                         {"body", m["body"]}});
-      mailboxes[sn] = mails;
+        mails.push_back(
+            {text(m, "from"), text(m, "subject"), text(m, "body"), ""});
     }
-    final_state["mailboxes"] = mailboxes;
-    if (!state["waiting"].empty()) {
-      ordered_json waiting = ordered_json::array();
-      for (const json& m : state["waiting"])
-        waiting.push_back(
-            {{"to", m["to"]}, {"subject", m["subject"]}, {"body", m["body"]}});
-      final_state["waiting"] = waiting;
-    }
+    std::vector<SimClient::WaitingMail> held;
+    for (const json& m : state["waiting"])
+      held.push_back({text(m, "to"), text(m, "subject"), text(m, "body")});
+    scenario::AddClientMail(final_state, mailboxes, held);
     std::vector<ordered_json> events;
     std::istringstream in(program_out.str());
     for (std::string line; std::getline(in, line);)
