@@ -65,14 +65,14 @@ void WatchProgram(QuorvexApp& app, Transcript& t) {
     const_cast<Label*>(l)->Subscribe([&t](const Label& label) {
       t.Write("label", {{"name", label.name()}, {"text", label.caption()}});
     });
-  frm.status.Subscribe([&t](const StatusStrip& s) {
+  frm.controls.status.Subscribe([&t](const StatusStrip& s) {
     t.Write("status", {{"text", s.text()}});
   });
   WatchList(frm.lstPending(), t);
-  WatchList(frm.lstBanned, t);
-  WatchList(frm.lstMails, t);
-  WatchList(frm.ReplyQueue, t);
-  WatchList(frm.MistakeList, t);
+  WatchList(frm.lists.lstBanned, t);
+  WatchList(frm.lists.lstMails, t);
+  WatchList(frm.lists.ReplyQueue, t);
+  WatchList(frm.lists.MistakeList, t);
   WatchForm(app.frmMainForm(), t, false);
   WatchForm(app.frmChatroom().form, t, true);
   WatchForm(app.frmAbout().form, t, true);
@@ -109,14 +109,14 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
     files[f] = ObjectOf(profiles.Dump(machine.HostPath(path)), keys_of);
   }
   ordered_json state{{"lists", lists},
-                     {"ReplyQueue", frm.ReplyQueue.Items()},
-                     {"MistakeList", frm.MistakeList.Items()},
+                     {"ReplyQueue", frm.lists.ReplyQueue.Items()},
+                     {"MistakeList", frm.lists.MistakeList.Items()},
                      {"labels", labels}};
   // The text boxes of open windows that show the program's text.
   ordered_json texts = ordered_json::object();
   for (const auto& [name, box] : app.OpenTexts()) texts[name] = box->text;
   if (!texts.empty()) state["texts"] = texts;
-  state["status"] = frm.status.text();
+  state["status"] = frm.controls.status.text();
   state["menus"] = menus;
   state["checked"] = checked;
   state["disabled"] = disabled;

@@ -192,9 +192,9 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     // mails left out, and each title's place in the mailbox kept.
     for (std::size_t i = 0; i < sc.mails.size(); ++i)
       if (KeepsMailTitle(sc.mails[i], static_cast<int>(i), true,
-                         &frm.mail_positions))
-        frm.lstMails.Add(sc.mails[i]);
-    frm.lblMails.Set(kMailsCount(frm.lstMails.Count()));
+                         &frm.lists.mail_positions))
+        frm.lists.lstMails.Add(sc.mails[i]);
+    frm.counts.lblMails.Set(kMailsCount(frm.lists.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});

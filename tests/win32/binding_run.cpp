@@ -236,7 +236,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
     scenario::WatchProgram(app, transcript);
-    app.frm().status.Subscribe([&](const StatusStrip& s) {
+    app.frm().controls.status.Subscribe([&](const StatusStrip& s) {
       client.Note("at " + std::to_string(host.Clock() - t0) +
                   " s the program's " + s.text());
       ++shown[s.text()];
@@ -247,10 +247,11 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
     FrmMain& frm = app.frm();
     for (std::size_t i = 0; i < sc.mails.size(); ++i) {
       if (IsForeignListTitle(sc.mails[i])) continue;
-      frm.lstMails.Add(sc.mails[i]);
-      frm.mail_positions.push_back(static_cast<int>(i));
+      frm.lists.lstMails.Add(sc.mails[i]);
+      frm.lists.mail_positions.push_back(static_cast<int>(i));
     }
-    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+    frm.counts.lblMails.Set("mails: " +
+                            std::to_string(frm.lists.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});
@@ -441,7 +442,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
     const double now = host.Clock();
     if (o.progress && now >= next_progress) {
       next_progress = now + 0.5 * o.speed;
-      o.progress(now - t0, program.app().frm().status.text());
+      o.progress(now - t0, program.app().frm().controls.status.text());
     }
     if (o.done && now - t0 > last_line && now >= next_done) {
       // Asking the client for its state costs most with a big mailbox:

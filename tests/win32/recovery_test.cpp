@@ -76,7 +76,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   json state;
   program.Run(false, [&] {
     FrmMain& frm = program.app().frm();
-    frm.status.Subscribe([&](const StatusStrip& s) {
+    frm.controls.status.Subscribe([&](const StatusStrip& s) {
       statuses.push_back(s.text());
       client.Note("the program's " + s.text());
       if (!killed && s.text() == "status: forwarding mail") {
@@ -85,7 +85,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
       }
     });
     program.app().Press("cmdStart");
-    ASSERT_TRUE(frm.ServerOn) << frm.status.text();
+    ASSERT_TRUE(frm.serving.ServerOn) << frm.controls.status.text();
     client.Command("say Ann|/srv send 1");
     client.Command("say Bob|/srv send 2");
     client.Command("say Cal|/srv send 3");
