@@ -125,6 +125,31 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
   return state;
 }
 
+bool RunUserLine(const TimedLine& line, QuorvexApp& app,
+                 ScriptedPrompter& prompter) {
+  switch (line.verb) {
+    case Verb::kAnswer:
+      prompter.QueueAnswer(line.text);
+      return false;
+    case Verb::kPress: {
+      const bool running = !app.ended();
+      app.Press(line.name, line.index);
+      return running && app.ended();
+    }
+    case Verb::kSelect:
+      if (line.text.empty())
+        app.Select(line.name, line.index);
+      else
+        app.SelectText(line.name, line.text);
+      return false;
+    case Verb::kSet:
+      app.Set(line.name, line.text);
+      return false;
+    default:
+      return false;
+  }
+}
+
 void WatchPrompts(ScriptedPrompter& prompter, Transcript& t) {
   prompter.SetObserver([&t](const PromptRecord& r) {
     if (r.kind == "message") {

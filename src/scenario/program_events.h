@@ -13,6 +13,7 @@
 #include "ports/profile_file.h"
 #include "ports/registry.h"
 #include "ports/scripted_prompter.h"
+#include "scenario/scenario.h"
 #include "scenario/transcript.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
@@ -38,6 +39,12 @@ nlohmann::ordered_json ObjectOf(const Map& map, ToJson to_json) {
 // windows' opening and closing as they change. Call before the main
 // window loads.
 void WatchProgram(QuorvexApp& app, Transcript& t);
+
+// Does what a timed line of the program's user does: answers the next
+// question (answer) or works a control (press, select, set). Returns true
+// when a press ended the running program. Other verbs do nothing here.
+bool RunUserLine(const TimedLine& line, QuorvexApp& app,
+                 ScriptedPrompter& prompter);
 
 // Writes each question the program asks, with its answer (a message box:
 // its title and text only).

@@ -254,23 +254,10 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
           client.Crash();
           break;
         case Verb::kAnswer:
-          prompter.QueueAnswer(line.text);
-          break;
-        case Verb::kPress: {
-          QuorvexApp& app = program.app();
-          const bool running = !app.ended();
-          app.Press(line.name, line.index);
-          if (running && app.ended()) throw ProgramExited{};
-          break;
-        }
+        case Verb::kPress:
         case Verb::kSelect:
-          if (line.text.empty())
-            program.app().Select(line.name, line.index);
-          else
-            program.app().SelectText(line.name, line.text);
-          break;
         case Verb::kSet:
-          program.app().Set(line.name, line.text);
+          if (RunUserLine(line, program.app(), prompter)) throw ProgramExited{};
           break;
         case Verb::kStart:
           // The user starts the program again once it has ended: the run
