@@ -22,10 +22,10 @@
 #include <utility>
 #include <vector>
 
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 constexpr int kFlooders = 10;
@@ -163,4 +163,4 @@ BENCHMARK(BM_FloodHour)
     ->Unit(benchmark::kSecond);
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -12,10 +12,10 @@
 #include <sstream>
 #include <string>
 
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 std::string TenMinutes(int latency_ms) {
@@ -64,4 +64,4 @@ BENCHMARK(BM_TenMinutes)
     ->MeasureProcessCPUTime();
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -70,7 +70,7 @@ struct ServeRoom {
     s.AOLRestart = 0;  // a client restart is another benchmark
     s.CPURestart = 0;
     s.SentRestart = 0;
-    frm.frmBanning.cmbMails.text = "2000";
+    frm.forms.frmBanning.cmbMails.text = "2000";
     if (only_sends) {
       // Nothing but forwards and the fixed announcements.
       s.BotScroll = 30000;
@@ -177,7 +177,8 @@ void BM_ServeOneHour(benchmark::State& state) {
                                          wall_start)
                .count();
     state.PauseTiming();
-    if (!room->frm.ServerOn) state.SkipWithError("the server did not start");
+    if (!room->frm.serving.ServerOn)
+      state.SkipWithError("the server did not start");
     state.ResumeTiming();
   }
   const SimKnobs& k = room->sim.knobs();

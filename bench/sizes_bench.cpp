@@ -14,12 +14,12 @@
 #include <sstream>
 #include <string>
 
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 #include "settings/messages.h"
 #include "sim/file_registry.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 namespace fs = std::filesystem;
@@ -117,4 +117,4 @@ BENCHMARK(BM_SimSavedQueue)
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

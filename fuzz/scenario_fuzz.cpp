@@ -5,12 +5,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
                                       std::size_t size) {
-  using namespace quorvex::sim;
+  using namespace quorvex::scenario;
   static const ControlCatalogue controls = Controls();
   const std::string text(reinterpret_cast<const char*>(data), size);
   try {

@@ -5,13 +5,13 @@
 #include <iostream>
 
 #include "app/job_log.h"
-#include "sim/demo.h"
-#include "sim/interrupt.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/demo.h"
+#include "scenario/interrupt.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 
 int main(int argc, char** argv) {
-  using namespace quorvex::sim;
+  using namespace quorvex::scenario;
   CLI::App cli{"Runs the Quorvex mail server on a simulated chat client"};
   // Options are spelled the same everywhere: on Windows a path such as
   // /work/x.scn must stay a path, not become an option.

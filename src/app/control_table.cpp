@@ -86,23 +86,24 @@ std::vector<Control> MakeTable() {
                      [](QuorvexApp& a) { return &a.frm().lstPending(); }));
   // A plain press is the left click; "lstBanned 2" the right click.
   t.push_back(Listed(
-      "lstBanned", [](QuorvexApp& a) { return &a.frm().lstBanned; },
+      "lstBanned", [](QuorvexApp& a) { return &a.frm().lists.lstBanned; },
       [](QuorvexApp& a, int index) { a.lstBanned_Click(index); }, 2));
-  t.push_back(
-      Listed("lstMails", [](QuorvexApp& a) { return &a.frm().lstMails; }));
+  t.push_back(Listed("lstMails",
+                     [](QuorvexApp& a) { return &a.frm().lists.lstMails; }));
 
   // The pending list's pop-up: what it removes is logged as it goes.
   t.push_back(Clicked("mnuClearALL", K::kMenu, [](QuorvexApp& a, int) {
     FrmMain& f = a.frm();
-    RemovedByUser(f, f.pending.mnuClearALL(f.lblPending));
+    RemovedByUser(f, f.lists.pending.mnuClearALL(f.counts.lblPending));
   }));
   t.push_back(Clicked("mnuClearSN", K::kMenu, [](QuorvexApp& a, int) {
     FrmMain& f = a.frm();
-    RemovedByUser(f, f.pending.mnuClearSN(f.ports.prompter, f.lblPending));
+    RemovedByUser(
+        f, f.lists.pending.mnuClearSN(f.ports.prompter, f.counts.lblPending));
   }));
   t.push_back(Clicked("mnuRemoveSelected", K::kMenu, [](QuorvexApp& a, int) {
     FrmMain& f = a.frm();
-    RemovedByUser(f, f.pending.mnuRemoveSelected(f.lblPending));
+    RemovedByUser(f, f.lists.pending.mnuRemoveSelected(f.counts.lblPending));
   }));
   t.push_back(Clicked("mnuMailSession", K::kMenu, [](QuorvexApp& a, int) {
     mnuMailSession_Click(MakeReplyContext(a.frm()), a.client());
@@ -118,15 +119,15 @@ std::vector<Control> MakeTable() {
         h.items > 0 ? 1 : 0, h.items));
   }
   t.push_back(Clicked("mnuMessages", K::kMenu, [](QuorvexApp& a, int) {
-    frmMessages_Load(a.frm().frmMessages, a.frm().ports.registry);
+    frmMessages_Load(a.frm().forms.frmMessages, a.frm().ports.registry);
   }));
   t.push_back(Clicked("mnuRoomBuster", K::kMenu, [](QuorvexApp& a, int) {
-    a.frm().frmRoomBuster->Form_Load();
+    a.frm().forms.frmRoomBuster->Form_Load();
   }));
   t.push_back(Clicked("mnuServeNChat", K::kMenu,
                       [](QuorvexApp& a, int) { a.mnuServeNChat_Click(); }));
   t.push_back(Clicked("mnuBanOpts", K::kMenu, [](QuorvexApp& a, int) {
-    a.frm().frmBanning.form.Open();
+    a.frm().forms.frmBanning.form.Open();
   }));
   t.push_back(Clicked("mnuAbout", K::kMenu,
                       [](QuorvexApp& a, int) { a.frmAbout().Form_Load(); }));
@@ -141,68 +142,70 @@ std::vector<Control> MakeTable() {
 
   // frmBanning: its controls hold the options; closing saves them.
   t.push_back(Clicked("frmBanning.lblExit", K::kLabel, [](QuorvexApp& a, int) {
-    SaveBanning(a.frm().ports.registry, a.frm().frmBanning);
-    a.frm().frmBanning.form.Close();
+    SaveBanning(a.frm().ports.registry, a.frm().forms.frmBanning);
+    a.frm().forms.frmBanning.form.Close();
   }));
   t.push_back(Typed("frmBanning.cmbMistakes", K::kComboBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      a.frm().frmBanning.cmbMistakes.Set(v);
+                      a.frm().forms.frmBanning.cmbMistakes.Set(v);
                     }));
   t.push_back(Typed("frmBanning.cmbMails", K::kComboBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      a.frm().frmBanning.cmbMails.Set(v);
+                      a.frm().forms.frmBanning.cmbMails.Set(v);
                     }));
   t.push_back(Typed("frmBanning.chkPending", K::kCheckBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      a.frm().frmBanning.chkPending.Set(CheckValue(v));
+                      a.frm().forms.frmBanning.chkPending.Set(CheckValue(v));
                     }));
   t.push_back(Typed("frmBanning.chkDupReqs", K::kCheckBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      a.frm().frmBanning.chkDupReqs.Set(CheckValue(v));
+                      a.frm().forms.frmBanning.chkDupReqs.Set(CheckValue(v));
                     }));
   t.push_back(Typed("frmBanning.chkFullBox", K::kCheckBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      a.frm().frmBanning.chkFullBox.Set(CheckValue(v));
+                      a.frm().forms.frmBanning.chkFullBox.Set(CheckValue(v));
                     }));
 
   // frmRoom: a press on lstRoom is the double click that bans.
   t.push_back(Listed(
-      "frmRoom.lstRoom", [](QuorvexApp& a) { return &a.frm().frmRoom.lstRoom; },
+      "frmRoom.lstRoom",
+      [](QuorvexApp& a) { return &a.frm().forms.frmRoom.lstRoom; },
       [](QuorvexApp& a, int) {
         FrmMain& f = a.frm();
-        if (!f.frmRoom.form.open()) return;
-        const std::string banned = f.frmRoom.DoubleClick(
-            f.lstBanned, f.lblBanned, f.pending, f.lblPending);
+        if (!f.forms.frmRoom.form.open()) return;
+        const std::string banned =
+            f.forms.frmRoom.DoubleClick(f.lists.lstBanned, f.counts.lblBanned,
+                                        f.lists.pending, f.counts.lblPending);
         if (!banned.empty())
           Emit(&f.events, JobOutcome::kBanned, banned, "by the user");
       }));
   t.push_back(Clicked("frmRoom.lblExit", K::kLabel, [](QuorvexApp& a, int) {
-    a.frm().frmRoom.form.Close();
+    a.frm().forms.frmRoom.form.Close();
   }));
 
   // frmMessages: the editor of the chat, mail and thank-you texts.
   t.push_back(
       Clicked("frmMessages.cmdSave", K::kButton, [](QuorvexApp& a, int) {
-        cmdSave_Click(a.frm().frmMessages, a.frm().ports.registry);
+        cmdSave_Click(a.frm().forms.frmMessages, a.frm().ports.registry);
       }));
-  t.push_back(
-      Clicked("frmMessages.cmdExit", K::kButton,
-              [](QuorvexApp& a, int) { cmdExit_Click(a.frm().frmMessages); }));
+  t.push_back(Clicked(
+      "frmMessages.cmdExit", K::kButton,
+      [](QuorvexApp& a, int) { cmdExit_Click(a.frm().forms.frmMessages); }));
   t.push_back(Clicked(
       "frmMessages.Tab", K::kTab,
       [](QuorvexApp& a, int index) {
-        Tab_Click(a.frm().frmMessages, index - 1);
+        Tab_Click(a.frm().forms.frmMessages, index - 1);
       },
       1, 3));
   t.push_back(Listed(
       "frmMessages.lstChat",
-      [](QuorvexApp& a) { return &a.frm().frmMessages.lstChat; },
-      [](QuorvexApp& a, int) { lstChat_DblClick(a.frm().frmMessages); }));
+      [](QuorvexApp& a) { return &a.frm().forms.frmMessages.lstChat; },
+      [](QuorvexApp& a, int) { lstChat_DblClick(a.frm().forms.frmMessages); }));
   t.push_back(Listed(
       "frmMessages.lstThankyou",
-      [](QuorvexApp& a) { return &a.frm().frmMessages.lstThankyou; },
+      [](QuorvexApp& a) { return &a.frm().forms.frmMessages.lstThankyou; },
       [](QuorvexApp& a, int) {
-        MessagesForm& m = a.frm().frmMessages;
+        MessagesForm& m = a.frm().forms.frmMessages;
         if (m.lstThankyou.selected() >= 0)
           lstThankyou_Click(m, m.lstThankyou.selected());
       },
@@ -210,7 +213,7 @@ std::vector<Control> MakeTable() {
   for (const InsertMenuItem& item : kInsertMenuItems) {
     const std::string name = std::string("frmMessages.") + item.name;
     t.push_back(Clicked(name, K::kMenu, [name](QuorvexApp& a, int) {
-      ClickInsertItem(a.frm().frmMessages, name);
+      ClickInsertItem(a.frm().forms.frmMessages, name);
     }));
   }
   // Each entry line: set its text; a press is Return typed in it.
@@ -218,12 +221,12 @@ std::vector<Control> MakeTable() {
     t.push_back(Typed(
         "frmMessages.txtAdd(" + std::to_string(i) + ")", K::kTextBox,
         [i](QuorvexApp& a, const std::string& v) {
-          MessagesForm& m = a.frm().frmMessages;
+          MessagesForm& m = a.frm().forms.frmMessages;
           m.txtAdd[i].Set(v);
           SetCaret(m, i, v.size());
         },
         [i](QuorvexApp& a, int index) {
-          txtAdd_KeyPress(a.frm().frmMessages, i, KeyOf(index));
+          txtAdd_KeyPress(a.frm().forms.frmMessages, i, KeyOf(index));
         }));
   }
 
@@ -231,7 +234,7 @@ std::vector<Control> MakeTable() {
   for (int i = 0; i < 2; ++i) {
     t.push_back(Typed("frmPausing.chkCPU(" + std::to_string(i) + ")",
                       K::kCheckBox, [i](QuorvexApp& a, const std::string& v) {
-                        a.frm().frmPausing.chkCPU[i].Set(CheckValue(v));
+                        a.frm().forms.frmPausing.chkCPU[i].Set(CheckValue(v));
                       }));
   }
 
@@ -239,17 +242,17 @@ std::vector<Control> MakeTable() {
   // room box takes no typing while busting.
   t.push_back(
       Clicked("frmRoomBuster.cmdStart", K::kButton, [](QuorvexApp& a, int) {
-        FrmRoomBuster& b = *a.frm().frmRoomBuster;
+        FrmRoomBuster& b = *a.frm().forms.frmRoomBuster;
         if (b.loaded()) b.cmdStart_Click();
       }));
   t.push_back(
       Clicked("frmRoomBuster.lblExit", K::kLabel, [](QuorvexApp& a, int) {
-        FrmRoomBuster& b = *a.frm().frmRoomBuster;
+        FrmRoomBuster& b = *a.frm().forms.frmRoomBuster;
         if (b.loaded()) b.lblExit_Click();
       }));
   t.push_back(Typed("frmRoomBuster.txtRoom", K::kTextBox,
                     [](QuorvexApp& a, const std::string& v) {
-                      FrmRoomBuster& b = *a.frm().frmRoomBuster;
+                      FrmRoomBuster& b = *a.frm().forms.frmRoomBuster;
                       if (b.loaded() && b.txtRoom.enabled) b.txtRoom.Set(v);
                     }));
 

@@ -9,72 +9,72 @@ namespace quorvex {
 
 RequestContext MakeRequestContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmBanning = frm.frmBanning,
-          .pending = frm.pending,
-          .lstBanned = frm.lstBanned,
-          .lstMails = frm.lstMails,
-          .ReplyQueue = frm.ReplyQueue,
-          .lblPending = frm.lblPending,
-          .mails_while_reading = &frm.mails_while_reading};
+          .frmBanning = frm.forms.frmBanning,
+          .pending = frm.lists.pending,
+          .lstBanned = frm.lists.lstBanned,
+          .lstMails = frm.lists.lstMails,
+          .ReplyQueue = frm.lists.ReplyQueue,
+          .lblPending = frm.counts.lblPending,
+          .mails_while_reading = &frm.lists.mails_while_reading};
 }
 
 CounterView MakeCounterView(FrmMain& frm) {
-  return {.counters = frm.counters,
+  return {.counters = frm.counts.counters,
           .registry = frm.ports.registry,
           .settings = frm.settings,
-          .lblSent = frm.lblSent,
-          .lblSession = frm.lblSession};
+          .lblSent = frm.counts.lblSent,
+          .lblSession = frm.counts.lblSession};
 }
 
 BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
-  const bool* ended = &frm.ended;
+  const bool* ended = &frm.serving.ended;
   const ClientContext* cc = &c;
   return {
-      .frmBanning = frm.frmBanning,
-      .MistakeList = frm.MistakeList,
-      .lstBanned = frm.lstBanned,
-      .lblBanned = frm.lblBanned,
-      .pending = frm.pending,
+      .frmBanning = frm.forms.frmBanning,
+      .MistakeList = frm.lists.MistakeList,
+      .lstBanned = frm.lists.lstBanned,
+      .lblBanned = frm.counts.lblBanned,
+      .pending = frm.lists.pending,
       .say = [ended, cc](const std::string& line) { Say(*cc, *ended, line); },
       .events = &frm.events};
 }
 
 MailboxLists MakeMailboxLists(FrmMain& frm) {
-  return {.lstMails = frm.lstMails,
-          .mail_positions = frm.mail_positions,
-          .lstLists = frm.lstLists,
-          .lblMails = frm.lblMails,
-          .lblLists = frm.lblLists,
-          .mails_while_reading = &frm.mails_while_reading};
+  return {.lstMails = frm.lists.lstMails,
+          .mail_positions = frm.lists.mail_positions,
+          .lstLists = frm.lists.lstLists,
+          .lblMails = frm.counts.lblMails,
+          .lblLists = frm.counts.lblLists,
+          .mails_while_reading = &frm.lists.mails_while_reading};
 }
 
 MailJobContext MakeMailJobContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmMessages = frm.frmMessages,
+          .frmMessages = frm.forms.frmMessages,
           .mailbox = MakeMailboxLists(frm),
-          .pending = frm.pending,
-          .lblPending = frm.lblPending,
-          .ReplyQueue = frm.ReplyQueue,
-          .dead_mails = frm.dead_mails,
-          .ListSeconds = frm.ListSeconds,
+          .pending = frm.lists.pending,
+          .lblPending = frm.counts.lblPending,
+          .ReplyQueue = frm.lists.ReplyQueue,
+          .dead_mails = frm.lists.dead_mails,
+          .ListSeconds = frm.serving.ListSeconds,
           .counters = MakeCounterView(frm),
-          .status = frm.status,
+          .status = frm.controls.status,
           .seed = frm.ports.seed,
-          .ended = frm.ended,
+          .ended = frm.serving.ended,
           .events = &frm.events};
 }
 
 ReplyContext MakeReplyContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmMessages = frm.frmMessages,
-          .pending = frm.pending,
-          .lstMails = frm.lstMails,
-          .counters = frm.counters,
-          .ScrollSeconds = frm.ScrollSeconds,
-          .status = frm.status,
+          .frmMessages = frm.forms.frmMessages,
+          .pending = frm.lists.pending,
+          .lstMails = frm.lists.lstMails,
+          .counters = frm.counts.counters,
+          .ScrollSeconds = frm.serving.ScrollSeconds,
+          .status = frm.controls.status,
           .prompter = frm.ports.prompter,
           .seed = frm.ports.seed,
-          .ended = frm.ended,
+          .ended = frm.serving.ended,
           .events = &frm.events};
 }
 
@@ -84,38 +84,38 @@ RestartContext MakeRestartContext(FrmMain& frm) {
           .profiles = p.profiles,
           .registry = p.registry,
           .settings = frm.settings,
-          .frmMessages = frm.frmMessages,
-          .pending = frm.pending,
-          .lblPending = frm.lblPending,
-          .lstBanned = frm.lstBanned,
-          .lblBanned = frm.lblBanned,
-          .counters = frm.counters,
-          .lblSession = frm.lblSession,
-          .room_name = frm.room_name,
-          .Timer1 = frm.Timer1,
-          .Timer2 = frm.Timer2,
-          .status = frm.status,
-          .ended = frm.ended};
+          .frmMessages = frm.forms.frmMessages,
+          .pending = frm.lists.pending,
+          .lblPending = frm.counts.lblPending,
+          .lstBanned = frm.lists.lstBanned,
+          .lblBanned = frm.counts.lblBanned,
+          .counters = frm.counts.counters,
+          .lblSession = frm.counts.lblSession,
+          .room_name = frm.serving.room_name,
+          .Timer1 = frm.serving.Timer1,
+          .Timer2 = frm.serving.Timer2,
+          .status = frm.controls.status,
+          .ended = frm.serving.ended};
 }
 
 ServeContext MakeServeContext(FrmMain& frm) {
   return {.settings = frm.settings,
           .prompter = frm.ports.prompter,
           .mailbox = MakeMailboxLists(frm),
-          .pending = frm.pending,
-          .ReplyQueue = frm.ReplyQueue,
-          .counters = frm.counters,
-          .ServerOn = frm.ServerOn,
-          .ServerPaused = frm.ServerPaused,
-          .cmdStart = frm.cmdStart,
-          .cmdPause = frm.cmdPause,
-          .ListSeconds = frm.ListSeconds,
-          .ScrollSeconds = frm.ScrollSeconds,
-          .room_name = frm.room_name,
-          .Timer1 = frm.Timer1,
-          .Timer2 = frm.Timer2,
-          .status = frm.status,
-          .ended = frm.ended,
+          .pending = frm.lists.pending,
+          .ReplyQueue = frm.lists.ReplyQueue,
+          .counters = frm.counts.counters,
+          .ServerOn = frm.serving.ServerOn,
+          .ServerPaused = frm.serving.ServerPaused,
+          .cmdStart = frm.controls.cmdStart,
+          .cmdPause = frm.controls.cmdPause,
+          .ListSeconds = frm.serving.ListSeconds,
+          .ScrollSeconds = frm.serving.ScrollSeconds,
+          .room_name = frm.serving.room_name,
+          .Timer1 = frm.serving.Timer1,
+          .Timer2 = frm.serving.Timer2,
+          .status = frm.controls.status,
+          .ended = frm.serving.ended,
           .events = &frm.events};
 }
 

@@ -51,73 +51,88 @@ struct FrmMain {
   Settings settings;
   MenuModel menus;
 
-  // Lists and the program's collections.
-  ListBox lstMails{"lstMails"};
-  // Where each title of lstMails stands in the mailbox (zero-based, as
-  // OpenMail takes it): the list leaves out other servers' list mails, so
-  // that mail number n is not always the n-th mail of the mailbox.
-  std::vector<int> mail_positions;
-  ListBox lstBanned{"lstBanned"};
-  PendingQueue pending;  // its list box is `lstPending`
-  ListBox ReplyQueue{"ReplyQueue"};
-  ListBox MistakeList{"MistakeList"};
-  // The list mails found in the mailbox (mail positions, 1-based).
-  ListBox lstLists{"lstLists"};
-  // lstMails' count before the start's read of the mailbox, while it is
-  // read again (-1 otherwise): requests said meanwhile are judged by it.
-  int mails_while_reading = -1;
-  // Mail numbers that could not be forwarded; never opened again.
-  std::vector<std::string> dead_mails;
+  // The mailbox as read, the queues and the banned.
+  struct Lists {
+    ListBox lstMails{"lstMails"};
+    // Where each title of lstMails stands in the mailbox (zero-based, as
+    // OpenMail takes it): the list leaves out other servers' list mails,
+    // so that mail number n is not always the n-th mail of the mailbox.
+    std::vector<int> mail_positions;
+    ListBox lstBanned{"lstBanned"};
+    PendingQueue pending;  // its list box is `lstPending`
+    ListBox ReplyQueue{"ReplyQueue"};
+    ListBox MistakeList{"MistakeList"};
+    // The list mails found in the mailbox (mail positions, 1-based).
+    ListBox lstLists{"lstLists"};
+    // lstMails' count before the start's read of the mailbox, while it is
+    // read again (-1 otherwise): requests said meanwhile are judged by it.
+    int mails_while_reading = -1;
+    // Mail numbers that could not be forwarded; never opened again.
+    std::vector<std::string> dead_mails;
+  } lists;
 
-  // Counters and captions.
-  Label lblSession{"lblSession", kSessionCount(0)};
-  Label lblLists{"lblLists", kListsCount(0)};
-  Label lblMails{"lblMails", kMailsCount(0)};
-  Label lblSent{"lblSent", kTotalCount(0)};
-  Label lblBanned{"lblBanned", kBannedCount(0)};
-  Label lblPending{"lblPending", kPendingCount(0)};
-  Label cmdStart{"cmdStart", "&start"};
-  Label cmdPause{"cmdPause", "&pause"};
-  Label picTitle{"picTitle", ""};
-  StatusStrip status;
-  ServeCounters counters;
+  // The counters and the labels that show them.
+  struct Counts {
+    Label lblSession{"lblSession", kSessionCount(0)};
+    Label lblLists{"lblLists", kListsCount(0)};
+    Label lblMails{"lblMails", kMailsCount(0)};
+    Label lblSent{"lblSent", kTotalCount(0)};
+    Label lblBanned{"lblBanned", kBannedCount(0)};
+    Label lblPending{"lblPending", kPendingCount(0)};
+    ServeCounters counters;
+  } counts;
 
-  // Serving state.
-  bool ServerOn = false;
-  bool ServerPaused = false;
-  int ListSeconds = 0;    // 16-bit in the original; saturates here
-  int ScrollSeconds = 0;  // likewise
-  std::string room_name;  // the room to return to after a restart
-  std::unique_ptr<HostTimer> Timer1;
-  std::unique_ptr<HostTimer> Timer2;
+  // The buttons' captions, the title and the status strip.
+  struct Controls {
+    Label cmdStart{"cmdStart", "&start"};
+    Label cmdPause{"cmdPause", "&pause"};
+    Label picTitle{"picTitle", ""};
+    StatusStrip status;
+  } controls;
 
-  // Option windows whose controls are the live store of their values.
-  BanningForm frmBanning;
-  MessagesForm frmMessages;
+  // The serving flags, the seconds counted between lists and scrolls, the
+  // room to return to and the timers.
+  struct Serving {
+    bool ServerOn = false;
+    bool ServerPaused = false;
+    int ListSeconds = 0;    // 16-bit in the original; saturates here
+    int ScrollSeconds = 0;  // likewise
+    std::string room_name;  // the room to return to after a restart
+    std::unique_ptr<HostTimer> Timer1;
+    std::unique_ptr<HostTimer> Timer2;
+    // The program has ended (exit label, or a reboot).
+    bool ended = false;
+  } serving;
 
-  // The program has ended (exit label, or a reboot).
-  bool ended = false;
   // Where the jobs and events that finish are reported: the program's log.
   JobEventSink events;
 
-  // The restart options window, shown from the restart options but not
-  // consulted.
-  PausingForm frmPausing;
-
-  // Client session (client/session.h, client/room_buster.h): the client
-  // restart (AOLRestart), which the serving loop and the room buster run,
-  // and the room buster window; both set up by the program with its
-  // client context.
+  // The client restart (AOLRestart, client/session.h), which the serving
+  // loop and the room buster run; set up by the program with its client
+  // context.
   std::function<void()> aol_restart;
-  std::unique_ptr<FrmRoomBuster> frmRoomBuster;
 
-  // The room people window, opened by a right click on lstBanned; it reads
-  // the room when it opens.
-  RoomForm frmRoom;
+  // The other windows.
+  struct Forms {
+    // Option windows whose controls are the live store of their values.
+    BanningForm frmBanning;
+    MessagesForm frmMessages;
+    // The restart options window, shown from the restart options but not
+    // consulted.
+    PausingForm frmPausing;
+    // The room buster window (client/room_buster.h), set up with the
+    // client context.
+    std::unique_ptr<FrmRoomBuster> frmRoomBuster;
+    // The room people window, opened by a right click on lstBanned; it
+    // reads the room when it opens.
+    RoomForm frmRoom;
+  } forms;
 
-  ListBox& lstPending() { return pending.list(); }
-  const ListBox& lstPending() const { return pending.list(); }
-  void SetStatus(const std::string& text) { status.Draw(text, kBandColour); }
+  ListBox& lstPending() { return lists.pending.list(); }
+  const ListBox& lstPending() const { return lists.pending.list(); }
+  void SetStatus(const std::string& text) {
+    controls.status.Draw(text, kBandColour);
+  }
 };
 
 // The contexts the request handling and the serving jobs work in, each on

@@ -31,9 +31,9 @@ QuorvexApp::QuorvexApp(Ports ports)
   frm_.events = [this](std::span<const JobEvent> e) { log_.Write(e); };
   client_.expand_inserts = [this](const std::string& text) {
     InsertValues v = MakeInsertValues(
-        frm_.settings, frm_.ports.host.Now(), frm_.pending.Count(),
-        frm_.counters.session, frm_.counters.AOLCount, frm_.counters.CPUCount,
-        frm_.counters.SentCount);
+        frm_.settings, frm_.ports.host.Now(), frm_.lists.pending.Count(),
+        frm_.counts.counters.session, frm_.counts.counters.AOLCount,
+        frm_.counts.counters.CPUCount, frm_.counts.counters.SentCount);
     return ExpandInserts(text, v);
   };
   BuildMenuTree(frm_.menus);
@@ -42,33 +42,35 @@ QuorvexApp::QuorvexApp(Ports ports)
 
   // The client restart and the room buster drive each other: the buster
   // restarts a signed-off client, the restart re-enters the room with it.
-  frm_.frmRoomBuster = std::make_unique<FrmRoomBuster>(client_, [this] {
+  frm_.forms.frmRoomBuster = std::make_unique<FrmRoomBuster>(client_, [this] {
     if (!frm_.aol_restart) return;
     frm_.aol_restart();
-    if (!frm_.ended)
+    if (!frm_.serving.ended)
       Emit(&frm_.events, JobOutcome::kClientRestarted, "", "room buster");
   });
   frm_.aol_restart = [this] {
     Ports& p = frm_.ports;
-    AOLRestart(SessionContext{client_, p.machine, p.profiles, frm_.status,
-                              *frm_.frmRoomBuster, frm_.room_name});
+    AOLRestart(SessionContext{client_, p.machine, p.profiles,
+                              frm_.controls.status, *frm_.forms.frmRoomBuster,
+                              frm_.serving.room_name});
   };
   engine_->aol_restart = [this] { frm_.aol_restart(); };
   engine_->set_preferences = [this] { SetMailPreferences(client_); };
   frmChatroom_ = std::make_unique<FrmChatroom>(
       client_,
       [this](const std::string& text) {
-        frm_.ReplyQueue.Add(ReplyOrder::Say(text));
+        frm_.lists.ReplyQueue.Add(ReplyOrder::Say(text));
       },
-      frm_.ServerOn);
+      frm_.serving.ServerOn);
 }
 
 QuorvexApp::~QuorvexApp() = default;
 
 SettingsMenuContext QuorvexApp::MenuContext() {
-  return SettingsMenuContext{frm_.settings,       frm_.menus,
-                             frm_.ports.registry, frm_.ports.prompter,
-                             &frm_.ServerOn,      &frm_.ScrollSeconds};
+  return SettingsMenuContext{
+      frm_.settings,          frm_.menus,
+      frm_.ports.registry,    frm_.ports.prompter,
+      &frm_.serving.ServerOn, &frm_.serving.ScrollSeconds};
 }
 
 void QuorvexApp::Say(const std::string& text) { ChatSend(client_, text); }
@@ -82,13 +84,13 @@ void QuorvexApp::SayBanner(const std::string& how) {
 
 void QuorvexApp::Load() {
   Ports& p = frm_.ports;
-  LoadSettings(frm_.settings, frm_.menus, p.registry, frm_.lblSent,
+  LoadSettings(frm_.settings, frm_.menus, p.registry, frm_.counts.lblSent,
                GetUserSN(p.api));
-  LoadMessages(frm_.frmMessages, p.registry);
-  LoadBanning(p.registry, frm_.frmBanning);
+  LoadMessages(frm_.forms.frmMessages, p.registry);
+  LoadBanning(p.registry, frm_.forms.frmBanning);
   p.registry.Save(kApp, "Settings", "Load", "True");
   p.registry.Save(kApp, "Settings", "Version", kVersion);
-  frm_.picTitle.Set(kWindowTitle);
+  frm_.controls.picTitle.Set(kWindowTitle);
   frm_.SetStatus("status: idle");
   main_form_.Open();
   Emit(&frm_.events, JobOutcome::kStarted, "", "program");
@@ -107,17 +109,18 @@ void QuorvexApp::Load() {
     return;
   }
   const std::string ini = p.machine.AppPath() + "\\Quorvex.INI";
-  frm_.pending.Load(PendingFile{p.profiles, p.machine.HostPath(ini),
-                                [&p, ini] { return p.machine.FileExists(ini); },
-                                [&p, ini] { p.machine.RemoveFile(ini); }},
-                    frm_.lblPending);
+  frm_.lists.pending.Load(
+      PendingFile{p.profiles, p.machine.HostPath(ini),
+                  [&p, ini] { return p.machine.FileExists(ini); },
+                  [&p, ini] { p.machine.RemoveFile(ini); }},
+      frm_.counts.lblPending);
   SayBanner("loaded");
 }
 
 void QuorvexApp::Unload() {
   Ports& p = frm_.ports;
   p.registry.Save(kApp, "Settings", "Load", "False");
-  const PendingQueue& queue = frm_.pending;
+  const PendingQueue& queue = frm_.lists.pending;
   if (queue.Save(p.profiles,
                  p.machine.HostPath(p.machine.AppPath() + "\\Quorvex.INI")))
     return;
@@ -133,31 +136,32 @@ void QuorvexApp::Unload() {
 void QuorvexApp::lblExit_Click() {
   SayBanner("unloaded");
   SaveSettings(frm_.settings, frm_.ports.registry);
-  if (frm_.Timer1) frm_.Timer1->SetEnabled(false);
-  if (frm_.Timer2) frm_.Timer2->SetEnabled(false);
+  if (frm_.serving.Timer1) frm_.serving.Timer1->SetEnabled(false);
+  if (frm_.serving.Timer2) frm_.serving.Timer2->SetEnabled(false);
   // The program's other windows go with it.
   frmChatroom_->Form_Unload();
   scanner_.reset();
   Unload();
   main_form_.Close();
-  frm_.ended = true;
+  frm_.serving.ended = true;
   Emit(&frm_.events, JobOutcome::kStopped, "", "program");
 }
 
 void QuorvexApp::OnChatLine(const std::string& screen_name,
                             const std::string& text) {
-  if (frm_.ended) return;
+  if (frm_.serving.ended) return;
   RequestContext ctx = MakeRequestContext(frm_);
   HandleChatLine(ctx, screen_name, text);
 }
 
 void QuorvexApp::lstBanned_Click(int index) {
-  if (index != 2) return BannedLeftClick(frm_.lstBanned, frm_.lblBanned);
+  if (index != 2)
+    return BannedLeftClick(frm_.lists.lstBanned, frm_.counts.lblBanned);
   // The right click opens the room people window on the room as it is.
   ListBox people("people");
   GetRoomPeople(frm_.ports.api, people, true);
-  frm_.frmRoom.Load(people.Items(), frm_.lstBanned);
-  frm_.frmRoom.form.Open();
+  frm_.forms.frmRoom.Load(people.Items(), frm_.lists.lstBanned);
+  frm_.forms.frmRoom.form.Open();
 }
 
 void QuorvexApp::mnuServeNChat_Click() {
@@ -171,7 +175,7 @@ bool QuorvexApp::CanPress(const std::string& control, int index) {
 }
 
 void QuorvexApp::Press(const std::string& control, int index) {
-  if (frm_.ended) return;
+  if (frm_.serving.ended) return;
   const Control* c = FindControl(control);
   if (c && c->Presses(index)) c->press(*this, index);
 }
@@ -205,24 +209,25 @@ void QuorvexApp::Set(const std::string& control, const std::string& value) {
 
 std::vector<const ListBox*> QuorvexApp::OpenLists() const {
   std::vector<const ListBox*> lists = {
-      &frm_.lstPending(), &frm_.lstBanned, &frm_.lstMails,
-      &frm_.frmMessages.lstChat, &frm_.frmMessages.lstThankyou};
-  if (frm_.frmRoom.form.open()) lists.push_back(&frm_.frmRoom.lstRoom);
+      &frm_.lstPending(), &frm_.lists.lstBanned, &frm_.lists.lstMails,
+      &frm_.forms.frmMessages.lstChat, &frm_.forms.frmMessages.lstThankyou};
+  if (frm_.forms.frmRoom.form.open())
+    lists.push_back(&frm_.forms.frmRoom.lstRoom);
   if (frmChatroom_->form.open()) lists.push_back(&frmChatroom_->lstPeople);
   return lists;
 }
 
 std::vector<const Label*> QuorvexApp::LabelsOf(bool closed_too) const {
-  std::vector<const Label*> labels = {&frm_.lblSession,
-                                      &frm_.lblLists,
-                                      &frm_.lblMails,
-                                      &frm_.lblSent,
-                                      &frm_.lblBanned,
-                                      &frm_.lblPending,
-                                      &frm_.cmdStart,
-                                      &frm_.cmdPause,
-                                      &frm_.frmRoomBuster->cmdStart,
-                                      &frm_.frmRoomBuster->lblBusts};
+  std::vector<const Label*> labels = {&frm_.counts.lblSession,
+                                      &frm_.counts.lblLists,
+                                      &frm_.counts.lblMails,
+                                      &frm_.counts.lblSent,
+                                      &frm_.counts.lblBanned,
+                                      &frm_.counts.lblPending,
+                                      &frm_.controls.cmdStart,
+                                      &frm_.controls.cmdPause,
+                                      &frm_.forms.frmRoomBuster->cmdStart,
+                                      &frm_.forms.frmRoomBuster->lblBusts};
   if (closed_too || frmChatroom_->form.open())
     labels.push_back(&frmChatroom_->lblPeople);
   if (closed_too || frmAbout_.form.open())
@@ -240,10 +245,14 @@ std::vector<std::pair<std::string, const TextBox*>> QuorvexApp::OpenTexts()
 }
 
 std::vector<const Form*> QuorvexApp::Windows() const {
-  return {&frm_.frmBanning.form,  &frm_.frmRoom.form,
-          &frm_.frmMessages.form, &frm_.frmRoomBuster->form,
-          &frmChatroom_->form,    &frm_.frmPausing.form,
-          &frmAbout_.form,        &frmCredits_.form};
+  return {&frm_.forms.frmBanning.form,
+          &frm_.forms.frmRoom.form,
+          &frm_.forms.frmMessages.form,
+          &frm_.forms.frmRoomBuster->form,
+          &frmChatroom_->form,
+          &frm_.forms.frmPausing.form,
+          &frmAbout_.form,
+          &frmCredits_.form};
 }
 
 }  // namespace quorvex

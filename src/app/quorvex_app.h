@@ -45,9 +45,9 @@ class QuorvexApp {
   void Load();
   // The unload and terminate handlers: "Load" = "False", queue saved.
   void Unload();
-  bool ended() const { return frm_.ended; }
+  bool ended() const { return frm_.serving.ended; }
   // The program stops where it stands (the machine goes down).
-  void End() { frm_.ended = true; }
+  void End() { frm_.serving.ended = true; }
 
   // A line said in the room, as the chat scanner raises it.
   void OnChatLine(const std::string& screen_name, const std::string& text);

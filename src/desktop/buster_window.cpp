@@ -8,7 +8,7 @@ namespace quorvex::desktop {
 void BusterWindow::Open() {
   if (open()) return;
   CreateSmall(kBusterClass, desktop_.Title("mnuRoomBuster"), 0, 0, 250, 104);
-  FrmRoomBuster& buster = *desktop_.app().frm().frmRoomBuster;
+  FrmRoomBuster& buster = *desktop_.app().frm().forms.frmRoomBuster;
   Child(L"EDIT", buster.txtRoom.text, ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP,
         8, 28, 234, 22, kIdTxtRoom);
   Child(L"BUTTON", "", BS_PUSHBUTTON | WS_TABSTOP, 8, 56, 90, 24,
@@ -23,7 +23,8 @@ void BusterWindow::Open() {
 
 void BusterWindow::Refresh() {
   HWND room = Item(kIdTxtRoom);
-  const bool enabled = desktop_.app().frm().frmRoomBuster->txtRoom.enabled;
+  const bool enabled =
+      desktop_.app().frm().forms.frmRoomBuster->txtRoom.enabled;
   // The keys go on to the button while the room's name cannot take them.
   if (!enabled && GetFocus() == room) SetFocus(Item(kIdBusterStart));
   EnableWindow(room, enabled);

@@ -76,25 +76,25 @@ void MainWindow::Bind() {
   FrmMain& frm = desktop_.app().frm();
   HWND title = Item(kIdPicTitle);
   HWND status = Item(kIdPicStatus);
-  SetBand(title, kBandColour, frm.picTitle.caption());
-  subs_.Add(frm.picTitle, [title](const Label& l) {
+  SetBand(title, kBandColour, frm.controls.picTitle.caption());
+  subs_.Add(frm.controls.picTitle, [title](const Label& l) {
     SetBand(title, kBandColour, l.caption());
   });
-  SetBand(status, frm.status.colour(), frm.status.text());
-  subs_.Add(frm.status, [status](const StatusStrip& s) {
+  SetBand(status, frm.controls.status.colour(), frm.controls.status.text());
+  subs_.Add(frm.controls.status, [status](const StatusStrip& s) {
     SetBand(status, s.colour(), s.text());
   });
-  BindLabel(Item(kIdLblSession), frm.lblSession, subs_);
-  BindLabel(Item(kIdLblLists), frm.lblLists, subs_);
-  BindLabel(Item(kIdLblMails), frm.lblMails, subs_);
-  BindLabel(Item(kIdLblSent), frm.lblSent, subs_);
-  BindLabel(Item(kIdLblBanned), frm.lblBanned, subs_);
-  BindLabel(Item(kIdLblPending), frm.lblPending, subs_);
-  BindLabel(Item(kIdCmdStart), frm.cmdStart, subs_);
-  BindLabel(Item(kIdCmdPause), frm.cmdPause, subs_);
-  BindList(Item(kIdLstMails), frm.lstMails, subs_);
+  BindLabel(Item(kIdLblSession), frm.counts.lblSession, subs_);
+  BindLabel(Item(kIdLblLists), frm.counts.lblLists, subs_);
+  BindLabel(Item(kIdLblMails), frm.counts.lblMails, subs_);
+  BindLabel(Item(kIdLblSent), frm.counts.lblSent, subs_);
+  BindLabel(Item(kIdLblBanned), frm.counts.lblBanned, subs_);
+  BindLabel(Item(kIdLblPending), frm.counts.lblPending, subs_);
+  BindLabel(Item(kIdCmdStart), frm.controls.cmdStart, subs_);
+  BindLabel(Item(kIdCmdPause), frm.controls.cmdPause, subs_);
+  BindList(Item(kIdLstMails), frm.lists.lstMails, subs_);
   BindList(Item(kIdLstPending), frm.lstPending(), subs_);
-  BindList(Item(kIdLstBanned), frm.lstBanned, subs_);
+  BindList(Item(kIdLstBanned), frm.lists.lstBanned, subs_);
   // Lines of Quorvex.log that could not be written are told in the
   // window's text (its task-bar button, Alt+Tab); the drawn title and the
   // status strip keep theirs, and nothing waits for a click.

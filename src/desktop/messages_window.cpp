@@ -25,7 +25,7 @@ void MessagesWindow::Open() {
   if (open()) return Refresh();
   CreateSmall(kMessagesClass, desktop_.Title("mnuMessages"), 0, 0, 300, 236,
               false);
-  MessagesForm& form = desktop_.app().frm().frmMessages;
+  MessagesForm& form = desktop_.app().frm().forms.frmMessages;
   HWND tab = Child(WC_TABCONTROLW, "", WS_TABSTOP, 4, 24, 292, 176, kIdTab);
   const wchar_t* captions[] = {L"chat", L"mail", L"thank You"};
   for (int i = 0; i < 3; ++i) {
@@ -72,7 +72,7 @@ void MessagesWindow::Open() {
       const std::string text = WindowText(entry);
       desktop_.Post([this, &app, index, text] {
         app.Set(TxtAddName(index), text);
-        txtAdd_KeyPress(app.frm().frmMessages, index, 13);
+        txtAdd_KeyPress(app.frm().forms.frmMessages, index, 13);
         Refresh();
       });
       return true;
@@ -84,7 +84,7 @@ void MessagesWindow::Open() {
 
 void MessagesWindow::Refresh() {
   if (!open()) return;
-  const MessagesForm& form = desktop_.app().frm().frmMessages;
+  const MessagesForm& form = desktop_.app().frm().forms.frmMessages;
   refreshing_ = true;
   for (int i = 0; i < 3; ++i) {
     HWND edit = Item(kIdTxtAdd0 + i);
@@ -151,7 +151,7 @@ void MessagesWindow::OnControl(int id, int code, HWND control) {
 // entry's caret.
 void MessagesWindow::Insert(int index) {
   QuorvexApp& app = desktop_.app();
-  const int page = app.frm().frmMessages.tab;
+  const int page = app.frm().forms.frmMessages.tab;
   HWND edit = Item(kIdTxtAdd0 + page);
   DWORD start = 0;
   SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&start), 0);
@@ -165,7 +165,7 @@ void MessagesWindow::Insert(int index) {
       {rc.left, rc.bottom});
   if (picked.empty()) return;
   desktop_.Post([this, &app, page, caret, picked] {
-    SetCaret(app.frm().frmMessages, page, caret);
+    SetCaret(app.frm().forms.frmMessages, page, caret);
     app.Press(picked);
     Refresh();
   });

@@ -11,7 +11,7 @@ void RoomWindow::Open() {
   Child(L"LISTBOX", "",
         LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP,
         6, 26, 228, 188, kIdLstRoom);
-  BindList(Item(kIdLstRoom), desktop_.app().frm().frmRoom.lstRoom, subs_);
+  BindList(Item(kIdLstRoom), desktop_.app().frm().forms.frmRoom.lstRoom, subs_);
   ShowWindow(hwnd(), SW_SHOW);
 }
 

@@ -3,9 +3,9 @@
 #include <fstream>
 
 #include "model/text_util.h"
-#include "sim/demo.h"
-#include "sim/room_stage.h"
-#include "sim/runner.h"
+#include "scenario/demo.h"
+#include "scenario/room_stage.h"
+#include "scenario/runner.h"
 
 namespace quorvex::desktop {
 
@@ -20,8 +20,8 @@ constexpr double kTalkRest = 45;
 
 Simulation::Simulation(Host& host, const fs::path& root)
     : host_(host),
-      room_(sim::ParseScenario(sim::kDemoName, sim::kDemoScenario,
-                               sim::Controls())),
+      room_(scenario::ParseScenario(
+          scenario::kDemoName, scenario::kDemoScenario, scenario::Controls())),
       registry_((fs::create_directories(root), root / "registry.json")),
       machine_(root),
       client_(host, world_, room_.seed),
@@ -30,8 +30,8 @@ Simulation::Simulation(Host& host, const fs::path& root)
   machine_.SetAppPath("C:\\Program Files\\Quorvex");
   machine_.SetExeName("quorvex");
   if (!fs::exists(registry_.path()) || fs::file_size(registry_.path()) < 3)
-    sim::StageRegistry(room_, registry_);
-  sim::StageClient(room_, client_);
+    scenario::StageRegistry(room_, registry_);
+  scenario::StageClient(room_, client_);
   // A client restart starts the simulated client again; the simulated
   // machine is never rebooted.
   machine_.SetRunProgramHook([this](std::string_view path) {
@@ -41,12 +41,12 @@ Simulation::Simulation(Host& host, const fs::path& root)
       client_.Start();
   });
   machine_.SetRebootHook([] {});
-  sim::InstallClient(machine_, profiles_, room_);
+  scenario::InstallClient(machine_, profiles_, room_);
   client_.Launch();
 }
 
 void Simulation::StartTalk() {
-  const double last = sim::ScheduleRoomTalk(room_, host_, client_);
+  const double last = scenario::ScheduleRoomTalk(room_, host_, client_);
   host_.Schedule(last + kTalkRest, [this] { StartTalk(); });
 }
 

@@ -12,13 +12,13 @@
 #include <memory>
 
 #include "ports/host.h"
+#include "scenario/scenario.h"
+#include "scenario/transcript.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
-#include "sim/scenario.h"
 #include "sim/sim_client.h"
 #include "sim/sim_world.h"
-#include "sim/transcript.h"
 
 namespace quorvex::desktop {
 
@@ -40,13 +40,13 @@ class Simulation {
 
  private:
   Host& host_;
-  sim::Scenario room_;
+  scenario::Scenario room_;
   FileRegistry registry_;
   IniProfileFile profiles_;
   FolderMachine machine_;
   SimWorld world_;
   SimClient client_;
-  sim::TranscriptFile log_;
+  scenario::TranscriptFile log_;
 };
 
 }  // namespace quorvex::desktop

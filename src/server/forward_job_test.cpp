@@ -29,19 +29,19 @@ class ForwardJobTest : public ServerTest {
   void Launch(int mails) {
     AddMails(mails);
     sim.Launch();
-    LoadMailbox(c, frm.lstMails, true, frm.status);
-    frm.Timer2 =
+    LoadMailbox(c, frm.lists.lstMails, true, frm.controls.status);
+    frm.serving.Timer2 =
         host.CreateTimer([this] { ForwardErrorSweep(MailJobs(), c, scratch); });
-    frm.Timer2->SetInterval(1000);
-    frm.Timer2->SetEnabled(true);
+    frm.serving.Timer2->SetInterval(1000);
+    frm.serving.Timer2->SetEnabled(true);
     statuses.clear();
   }
 
   ForwardUnderWay scratch;
 
   void Queue(std::initializer_list<const char*> lines) {
-    for (const char* line : lines) frm.pending.Append(line);
-    frm.pending.RefreshLabel(frm.lblPending);
+    for (const char* line : lines) frm.lists.pending.Append(line);
+    frm.lists.pending.RefreshLabel(frm.counts.lblPending);
   }
   std::vector<std::string> Pending() const { return frm.lstPending().Items(); }
 
@@ -58,7 +58,7 @@ class ForwardJobTest : public ServerTest {
 TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   frm.settings.LAscii = "<";
   frm.settings.RAscii = ">";
-  frm.frmMessages.mail_text().text = "enjoy";
+  frm.forms.frmMessages.mail_text().text = "enjoy";
   Launch(8);
   Queue({"bob-5", "amy-3", "joe smith-5"});
   RunMailJob(MailJobs(), c, scratch);
@@ -73,7 +73,7 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   // One notify line, naming the first; the chat adds the decorations.
   EXPECT_EQ(Said(), Lines{"<bob mail <U>5</U> sent>"});
   EXPECT_EQ(Pending(), Lines{"amy-3"});
-  EXPECT_EQ(frm.lblSent.caption(), "total: 2");
+  EXPECT_EQ(frm.counts.lblSent.caption(), "total: 2");
   EXPECT_EQ(statuses.front(), "status: opening mail");
   EXPECT_EQ(FindForwardWindow(sim), 0u);
 }
@@ -111,16 +111,16 @@ TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
   Launch(3);
   // The mailbox no longer holds what the list says: the window captioned
   // "mail 2" cannot come.
-  frm.lstMails.Clear();
+  frm.lists.lstMails.Clear();
   for (const char* title : {"mail 1", "gone", "mail 3"})
-    frm.lstMails.Add(title);
+    frm.lists.lstMails.Add(title);
   Queue({"ann-2"});
   const double start = host.Elapsed();
   RunMailJob(MailJobs(), c, scratch);
   EXPECT_GE(host.Elapsed() - start, 60);
   EXPECT_LT(host.Elapsed() - start, 70);
   EXPECT_EQ(Said().back(), DeadMailLine("ann", "2"));
-  EXPECT_TRUE(IsDeadMail(frm.dead_mails, "2"));
+  EXPECT_TRUE(IsDeadMail(frm.lists.dead_mails, "2"));
   EXPECT_TRUE(Forwarded("ann").empty());
   // The mail was asked for again at a pace, not on every poll: one window
   // for each request.
@@ -139,7 +139,7 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
   for (bool send_later : {true, false}) {
     SCOPED_TRACE(send_later);
     frm.settings.MailMethod = send_later;
-    frm.dead_mails.clear();
+    frm.lists.dead_mails.clear();
     frm.lstPending().Clear();
     seen.chats.clear();
     Queue({"bob-4", "amy-2", "ann-4"});
@@ -150,7 +150,7 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
     EXPECT_EQ(Said(), (Lines{"bob mail <U>4</U> is a dead mail",
                              "zed mail <U>4</U> is a dead mail",
                              "lee mail <U>4</U> is a dead mail"}));
-    EXPECT_EQ(frm.dead_mails, Lines{"4"});
+    EXPECT_EQ(frm.lists.dead_mails, Lines{"4"});
     EXPECT_EQ(Pending(), (Lines{"amy-2", "amy~4"}));
     EXPECT_FALSE(scratch.error());
     EXPECT_EQ(FindForwardWindow(sim), 0u);
@@ -163,7 +163,7 @@ TEST_F(ForwardJobTest, ADeadMailsWalkEndsThoughPeopleKeepAskingForIt) {
   Queue({"bob-4"});
   // pat asks for mail 4 again whenever it is not pending, for two minutes.
   std::function<void()> ask = [&] {
-    if (!frm.pending.Has("pat-4")) frm.pending.Append("pat-4");
+    if (!frm.lists.pending.Has("pat-4")) frm.lists.pending.Append("pat-4");
     if (host.Elapsed() < 120) host.Schedule(0.25, ask);
   };
   host.Schedule(0.25, ask);
@@ -185,7 +185,7 @@ TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
   EXPECT_TRUE(Forwarded("bob").empty());
   // Of bob's two adjacent requests only the first goes; finds stay.
   EXPECT_EQ(Pending(), (Lines{"bob-7", "bob~cats", "amy-8"}));
-  EXPECT_EQ(frm.ReplyQueue.Items(), Lines{"bob-mailbox"});
+  EXPECT_EQ(frm.lists.ReplyQueue.Items(), Lines{"bob-mailbox"});
   EXPECT_EQ(Said(), Lines{"bob mail <U>5</U> sent"});
   EXPECT_EQ(FindErrorWindow(sim), 0u);
 }
@@ -197,8 +197,8 @@ TEST_F(ForwardJobTest, SigningOffEndsTheStepAndLosesTheGroup) {
   RunMailJob(MailJobs(), c, scratch);
   EXPECT_TRUE(Said().empty());
   EXPECT_EQ(Pending(), Lines{"joe-6"});
-  EXPECT_EQ(frm.counters.session, 2);  // taken is counted, sent or not
-  RunMailJob(MailJobs(), c, scratch);  // already signed off
+  EXPECT_EQ(frm.counts.counters.session, 2);  // taken is counted, sent or not
+  RunMailJob(MailJobs(), c, scratch);         // already signed off
   EXPECT_TRUE(Pending().empty());
   EXPECT_TRUE(seen.mails.empty());
 }
@@ -217,7 +217,7 @@ TEST_F(ForwardJobTest, TheSecondClockAnswersAFullMailboxOutsideAForward) {
   Run(3);
   EXPECT_EQ(FindErrorWindow(sim), 0u);
   EXPECT_EQ(Pending(), (Lines{"bob~x", "amy-2"}));
-  EXPECT_EQ(frm.ReplyQueue.Items(), Lines{"bob-mailbox"});
+  EXPECT_EQ(frm.lists.ReplyQueue.Items(), Lines{"bob-mailbox"});
   EXPECT_EQ(statuses, Lines{"status: pausing 2 secs"});
   EXPECT_FALSE(scratch.in_sweep());
 }
@@ -241,10 +241,10 @@ TEST_F(ListsFindsTest, CollectListsKeepsOnlyNumberedListMails) {
         "velo-grid list number 1", " quorvex list number 10 ",
         " quorvex list number 0 ", " quorvex list number 9 ",
         " quorvex list number / ", " quorvex list number : "})
-    frm.lstMails.Add(t);
+    frm.lists.lstMails.Add(t);
   EXPECT_EQ(CollectLists(MailJobs().mailbox), 4);
-  EXPECT_EQ(frm.lstLists.Items(), (Lines{"2 2", "10 5", "0 6", "9 7"}));
-  EXPECT_EQ(frm.lblLists.caption(), "lists: 4");
+  EXPECT_EQ(frm.lists.lstLists.Items(), (Lines{"2 2", "10 5", "0 6", "9 7"}));
+  EXPECT_EQ(frm.counts.lblLists.caption(), "lists: 4");
 }
 
 TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
@@ -265,8 +265,8 @@ TEST_F(ListsFindsTest, BuiltListsGoToTheUserAndAreServedAfter) {
   EXPECT_EQ(seen.mails[0].body.find("[ 51 ]"), std::string::npos);
   // Back in the mailbox (after the automatic session), read again and
   // collected for serving.
-  EXPECT_EQ(frm.lstLists.Items(), (Lines{"1 121", "2 122", "3 123"}));
-  EXPECT_EQ(frm.lblMails.caption(), "mails: 123");
+  EXPECT_EQ(frm.lists.lstLists.Items(), (Lines{"1 121", "2 122", "3 123"}));
+  EXPECT_EQ(frm.counts.lblMails.caption(), "mails: 123");
   EXPECT_EQ(statuses.front(), "status: making/sending list #1");
   EXPECT_EQ(sim.FindWindowA("_AOL_Modal", "Automatic AOL"), 0u);
 }
@@ -296,9 +296,9 @@ TEST_F(ListsFindsTest, AFullOrNearlyEmptyLastListEndsTheLists) {
 }
 
 TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
-  frm.frmMessages.lstChat.Add("done");
+  frm.forms.frmMessages.lstChat.Add("done");
   LaunchWithLists(5, 2);
-  frm.ListSeconds = 31;
+  frm.serving.ListSeconds = 31;
   Queue({"bob-list", "amy-3", "amy-list"});
   RunListJob(MailJobs(), c, scratch);
 
@@ -312,8 +312,8 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   EXPECT_EQ(Said(),
             (Lines{"amy list <U>1</U> done", "amy list <U>2</U> done"}));
   EXPECT_EQ(Pending(), Lines{"amy-3"});
-  EXPECT_EQ(frm.counters.session, 4);  // two people, two lists each
-  EXPECT_EQ(frm.ListSeconds, 0);
+  EXPECT_EQ(frm.counts.counters.session, 4);  // two people, two lists each
+  EXPECT_EQ(frm.serving.ListSeconds, 0);
   EXPECT_EQ(statuses.front(), "status: opening list");
 
   // Nobody waiting: nothing is sent or said.
@@ -341,7 +341,8 @@ TEST_F(ListsFindsTest, AFindPausesBetweenTitlesOnly) {
   Launch(3);
   int count = 0;
   const double start = host.Elapsed();
-  const std::string lines = FindLines(c, frm.lstMails, "Mail 3", 1.0f, &count);
+  const std::string lines =
+      FindLines(c, frm.lists.lstMails, "Mail 3", 1.0f, &count);
   // Two pauses of a second (each ends on the clock's next tick), not one
   // or three.
   EXPECT_GT(host.Elapsed() - start, 1.9);
@@ -367,8 +368,8 @@ TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
                         "</U>\r\n[ 2 ] - my cats\r\n[ 3 ] - Cat Stevens\r\n"),
             std::string::npos);
   EXPECT_EQ(Said(), Lines{"<bob results for <U>cat</U> sent"});
-  EXPECT_EQ(frm.lblSession.caption(), "session: 1");
-  EXPECT_EQ(frm.counters.SentCount, 1);
+  EXPECT_EQ(frm.counts.lblSession.caption(), "session: 1");
+  EXPECT_EQ(frm.counts.counters.SentCount, 1);
   EXPECT_EQ(Pending(), (Lines{"amy~dog", "kim~zebra"}));
 
   // No results: answered in the room, nothing counted.
@@ -378,7 +379,7 @@ TEST_F(ListsFindsTest, FindResultsAreMailedToEveryoneWithTheSameText) {
   EXPECT_EQ(seen.mails.size(), 1u);
   EXPECT_EQ(Said().back(), "<kim no results for <U>zebra</U> found");
   EXPECT_EQ(statuses.back(), "status: no find found");
-  EXPECT_EQ(frm.counters.session, 1);
+  EXPECT_EQ(frm.counts.counters.session, 1);
 }
 
 }  // namespace

@@ -54,12 +54,12 @@ class MachineRestartTest : public ServerTest {
 };
 
 TEST_F(MachineRestartTest, StateRoundTrip) {
-  frm.room_name = "Lobby 7";
-  frm.counters.session = 17;
+  frm.serving.room_name = "Lobby 7";
+  frm.counts.counters.session = 17;
   for (const char* line : {"bob-7", "amy-list", "joe~cats & dogs"})
-    frm.pending.Append(line);
-  frm.lstBanned.Add("spammer");
-  frm.lstBanned.Add("pest two");
+    frm.lists.pending.Append(line);
+  frm.lists.lstBanned.Add("spammer");
+  frm.lists.lstBanned.Add("pest two");
   SaveRestartState(Restart());
   EXPECT_EQ(State("QuorvexDirectory"),
             "C:\\Program Files\\Quorvex\\Quorvex.exe");
@@ -67,18 +67,19 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
   const auto next = NextProgram();
   auto& again = *next;
   LoadRestartState(MakeRestartContext(again));
-  EXPECT_EQ(again.room_name, "Lobby 7");
-  EXPECT_EQ(again.lblSession.caption(), "session: 17");
+  EXPECT_EQ(again.serving.room_name, "Lobby 7");
+  EXPECT_EQ(again.counts.lblSession.caption(), "session: 17");
   EXPECT_THAT(again.lstPending().Items(),
               ElementsAre("bob-7", "amy-list", "joe~cats & dogs"));
-  EXPECT_EQ(again.lblPending.caption(), "pending: 3");
-  EXPECT_THAT(again.lstBanned.Items(), ElementsAre("spammer", "pest two"));
+  EXPECT_EQ(again.counts.lblPending.caption(), "pending: 3");
+  EXPECT_THAT(again.lists.lstBanned.Items(),
+              ElementsAre("spammer", "pest two"));
   // The restored queue is a working queue.
-  EXPECT_EQ(again.pending.PendingCount("bob"), 1);
+  EXPECT_EQ(again.lists.pending.PendingCount("bob"), 1);
 
   // A shorter save leaves the old keys behind.
   frm.lstPending().Clear();
-  frm.pending.Append("ann-1");
+  frm.lists.pending.Append("ann-1");
   SaveRestartState(Restart());
   EXPECT_EQ(State("TotalPending"), "1");
   EXPECT_EQ(State("Pending 1"), "amy-list");
@@ -89,25 +90,25 @@ TEST_F(MachineRestartTest, StateRoundTrip) {
 // A saved count of 0 sets the pending label but leaves the banned one, as
 // it always did; a count below 0 loads nothing, and one name is a list.
 TEST_F(MachineRestartTest, CountsOfZeroAndOneLoad) {
-  frm.lblPending.Set("stale");
-  frm.lblBanned.Set("stale");
+  frm.counts.lblPending.Set("stale");
+  frm.counts.lblBanned.Set("stale");
   PutState("TotalPending", "-1");
   PutState("TotalBanned", "0");
   PutState("Pending 0", "bob-3");
   PutState("Banned 0", "pest");
   LoadRestartState(Restart());
-  EXPECT_EQ(frm.lblPending.caption(), "stale");
-  EXPECT_EQ(frm.lblBanned.caption(), "stale");
+  EXPECT_EQ(frm.counts.lblPending.caption(), "stale");
+  EXPECT_EQ(frm.counts.lblBanned.caption(), "stale");
   PutState("TotalPending", "0");
   LoadRestartState(Restart());
-  EXPECT_EQ(frm.lblPending.caption(), "pending: 0");
+  EXPECT_EQ(frm.counts.lblPending.caption(), "pending: 0");
   EXPECT_TRUE(frm.lstPending().Empty());
-  EXPECT_TRUE(frm.lstBanned.Empty());
+  EXPECT_TRUE(frm.lists.lstBanned.Empty());
 
   PutState("TotalBanned", "1");
   LoadRestartState(Restart());
-  EXPECT_THAT(frm.lstBanned.Items(), ElementsAre("pest"));
-  EXPECT_EQ(frm.lblBanned.caption(), "banned: 1");
+  EXPECT_THAT(frm.lists.lstBanned.Items(), ElementsAre("pest"));
+  EXPECT_EQ(frm.counts.lblBanned.caption(), "banned: 1");
 }
 
 TEST_F(MachineRestartTest, DamagedStateLoadsWhatIsThere) {
@@ -117,12 +118,12 @@ TEST_F(MachineRestartTest, DamagedStateLoadsWhatIsThere) {
   PutState("Pending 0", "bob-3");
   PutState("Banned 1", "pest");
   LoadRestartState(Restart());
-  EXPECT_EQ(frm.room_name.size(), kProfileValueChars);
+  EXPECT_EQ(frm.serving.room_name.size(), kProfileValueChars);
   EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-3"));
-  EXPECT_EQ(frm.lblPending.caption(), "pending: 1");
+  EXPECT_EQ(frm.counts.lblPending.caption(), "pending: 1");
   // A gap is a blank name, as it always was; nothing behind the last.
-  EXPECT_THAT(frm.lstBanned.Items(), ElementsAre("", "pest"));
-  EXPECT_EQ(frm.lblBanned.caption(), "banned: 2");
+  EXPECT_THAT(frm.lists.lstBanned.Items(), ElementsAre("", "pest"));
+  EXPECT_EQ(frm.counts.lblBanned.caption(), "banned: 2");
 }
 
 TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
@@ -132,16 +133,16 @@ TEST_F(MachineRestartTest, CPURestartSavesClosesCopiesAndReboots) {
   std::string program(200000, 'q');
   program[12345] = 'x';
   TempFolder::Write(machine.HostPath(ProgramPath(machine)), program);
-  frm.Timer1 = host.CreateTimer([] {});
-  frm.Timer1->SetEnabled(true);
+  frm.serving.Timer1 = host.CreateTimer([] {});
+  frm.serving.Timer1->SetEnabled(true);
   frm.settings.MailNotify = false;
-  frm.room_name = "Lobby";
-  frm.pending.Append("bob-1");
+  frm.serving.room_name = "Lobby";
+  frm.lists.pending.Append("bob-1");
   SetWinIniLoad("C:\\other.exe");
 
   CPURestart(Restart(), c);
 
-  EXPECT_FALSE(frm.Timer1->enabled());
+  EXPECT_FALSE(frm.serving.Timer1->enabled());
   EXPECT_EQ(registry.GetSetting(kApp, "Settings", "MailNotify", ""), "False");
   EXPECT_EQ(State("ChatName"), "Lobby");
   EXPECT_EQ(State("Pending 0"), "bob-1");
@@ -232,12 +233,12 @@ TEST_F(MachineRestartTest, ResumeRestoresCleansUpAndServes) {
   EXPECT_FALSE(machine.FileExists(kRestartCopy));
   EXPECT_EQ(WinIniLoad(), "");  // the key stays, empty
   EXPECT_EQ(client_restarts, 1);
-  EXPECT_EQ(frm.lblSession.caption(), "session: 40");
+  EXPECT_EQ(frm.counts.lblSession.caption(), "session: 40");
   EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-1"));
   ASSERT_GE(Said().size(), 2u);
   EXPECT_EQ(Said()[0], "quorvex restarted <B><U>cpu</B></U>");
   EXPECT_EQ(Said()[1], "quorvex mail server <B><U>on</B></U>");
-  EXPECT_TRUE(frm.ServerOn);
+  EXPECT_TRUE(frm.serving.ServerOn);
 }
 
 }  // namespace

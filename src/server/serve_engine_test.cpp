@@ -30,7 +30,7 @@ class ServeEngineTest : public ServerTest {
     jobs.find = logs("find");
     jobs.sweep = [this] { ++sweeps; };
     jobs.collect_lists = [this] {
-      frm.lstLists.Add("4");
+      frm.lists.lstLists.Add("4");
       return 1;
     };
     jobs.build_lists = logs("build");
@@ -40,21 +40,21 @@ class ServeEngineTest : public ServerTest {
   void StartServing() {
     sim.Launch();
     engine.cmdStart_Click();
-    ASSERT_TRUE(frm.ServerOn);
+    ASSERT_TRUE(frm.serving.ServerOn);
     said_at_start = Said().size();
     statuses.clear();
   }
   // One tick run by hand; Timer1 is kept from ticking on its own meanwhile.
   void Tick() {
-    frm.Timer1->SetEnabled(false);
+    frm.serving.Timer1->SetEnabled(false);
     engine.Timer1_Timer();
   }
   void Queue(const std::vector<std::string>& lines) {
     frm.lstPending().Clear();
-    for (const std::string& line : lines) frm.pending.Append(line);
+    for (const std::string& line : lines) frm.lists.pending.Append(line);
   }
   bool TimersOn() const {
-    return frm.Timer1->enabled() && frm.Timer2->enabled();
+    return frm.serving.Timer1->enabled() && frm.serving.Timer2->enabled();
   }
 
   std::vector<std::string> log;
@@ -64,20 +64,21 @@ class ServeEngineTest : public ServerTest {
 };
 
 TEST_F(ServeEngineTest, StartReadsTheMailboxResetsCountersAndAnnounces) {
-  frm.lstMails.Add("left over from an earlier start");
-  frm.counters.AOLCount = 5;
-  frm.counters.SentCount = 7;
-  frm.counters.session = 8;
+  frm.lists.lstMails.Add("left over from an earlier start");
+  frm.counts.counters.AOLCount = 5;
+  frm.counts.counters.SentCount = 7;
+  frm.counts.counters.session = 8;
   sim.Launch();
   engine.cmdStart_Click();
   EXPECT_THAT(Said(), ElementsAre("quorvex mail server <B><U>on</B></U>",
                                   "type /<B>srv send <U>x,x-y</U></B>",
                                   "type <B>/srv find <U>x,x&y</U></B>"));
-  EXPECT_THAT(frm.lstMails.Items(), ElementsAre("mail 1", "mail 2", "mail 3"));
-  EXPECT_EQ(frm.lblLists.caption(), "lists: 1");
+  EXPECT_THAT(frm.lists.lstMails.Items(),
+              ElementsAre("mail 1", "mail 2", "mail 3"));
+  EXPECT_EQ(frm.counts.lblLists.caption(), "lists: 1");
   EXPECT_TRUE(TimersOn());
-  EXPECT_EQ(frm.counters.AOLCount + frm.counters.SentCount, 0);
-  EXPECT_EQ(frm.counters.session, 8);  // the session goes on
+  EXPECT_EQ(frm.counts.counters.AOLCount + frm.counts.counters.SentCount, 0);
+  EXPECT_EQ(frm.counts.counters.session, 8);  // the session goes on
   EXPECT_FALSE(sim.ims_on());
   EXPECT_EQ(statuses.back(), "status: scanning chat");
 }
@@ -87,25 +88,26 @@ TEST_F(ServeEngineTest, StartReadsTheMailboxResetsCountersAndAnnounces) {
 TEST_F(ServeEngineTest, AStartWithoutTheClientSaysSoAndStaysIdle) {
   std::vector<PromptRecord> shown;
   prompter.SetObserver([&](const PromptRecord& r) { shown.push_back(r); });
-  frm.pending.Append("bob-2");
-  frm.lstMails.Add("as it was");
+  frm.lists.pending.Append("bob-2");
+  frm.lists.lstMails.Add("as it was");
   engine.cmdStart_Click();
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_EQ(shown[0].kind, "message");
   EXPECT_EQ(shown[0].title, kNoClientTitle);
   EXPECT_THAT(shown[0].prompt, HasSubstr("not running"));
-  EXPECT_FALSE(frm.ServerOn);
+  EXPECT_FALSE(frm.serving.ServerOn);
   EXPECT_FALSE(TimersOn());
-  EXPECT_EQ(frm.cmdStart.caption(), "&start");
+  EXPECT_EQ(frm.controls.cmdStart.caption(), "&start");
   EXPECT_THAT(statuses, IsEmpty());
   EXPECT_THAT(frm.lstPending().Items(), ElementsAre("bob-2"));
-  EXPECT_THAT(frm.lstMails.Items(), ElementsAre("as it was"));
+  EXPECT_THAT(frm.lists.lstMails.Items(), ElementsAre("as it was"));
 
   sim.Launch();
   engine.cmdStart_Click();
   EXPECT_EQ(shown.size(), 1u);
-  EXPECT_TRUE(frm.ServerOn);
-  EXPECT_THAT(frm.lstMails.Items(), ElementsAre("mail 1", "mail 2", "mail 3"));
+  EXPECT_TRUE(frm.serving.ServerOn);
+  EXPECT_THAT(frm.lists.lstMails.Items(),
+              ElementsAre("mail 1", "mail 2", "mail 3"));
 }
 
 TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
@@ -123,7 +125,7 @@ TEST_F(ServeEngineTest, StopDuringATickFinishesItsJobsFarewellOnTheNextTick) {
   EXPECT_THAT(SaidSince(said_at_start),
               ElementsAre("quorvex mail server <B><U>off</B></U>",
                           "please stop requesting"));
-  EXPECT_FALSE(frm.Timer1->enabled() || frm.Timer2->enabled());
+  EXPECT_FALSE(frm.serving.Timer1->enabled() || frm.serving.Timer2->enabled());
   EXPECT_TRUE(sim.ims_on());
 }
 
@@ -133,8 +135,8 @@ TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
   // Started again while the goodbye is said: the server is on and ticks.
   host.Schedule(0.3, [&] { engine.cmdStart_Click(); });
   Run(20);
-  EXPECT_TRUE(frm.ServerOn);
-  EXPECT_EQ(frm.cmdStart.caption(), "&stop");
+  EXPECT_TRUE(frm.serving.ServerOn);
+  EXPECT_EQ(frm.controls.cmdStart.caption(), "&stop");
   EXPECT_TRUE(TimersOn());
   EXPECT_FALSE(sim.ims_on());
   const size_t before = log.size();
@@ -147,8 +149,8 @@ TEST_F(ServeEngineTest, AResumeDuringThePauseKeepsServing) {
   engine.cmdPause_Click();  // the next tick pauses
   host.Schedule(0.3, [&] { engine.cmdPause_Click(); });
   Run(20);
-  EXPECT_FALSE(frm.ServerPaused);
-  EXPECT_EQ(frm.cmdPause.caption(), "&pause");
+  EXPECT_FALSE(frm.serving.ServerPaused);
+  EXPECT_EQ(frm.controls.cmdPause.caption(), "&pause");
   EXPECT_TRUE(TimersOn());
 }
 
@@ -156,20 +158,20 @@ TEST_F(ServeEngineTest, TickOrderAndIntervals) {
   frm.settings.BotScroll = 2;
   frm.settings.ListAdvertise = 3;
   StartServing();
-  frm.ScrollSeconds = frm.ListSeconds = 0;
-  frm.ReplyQueue.Add("send-hello room");
+  frm.serving.ScrollSeconds = frm.serving.ListSeconds = 0;
+  frm.lists.ReplyQueue.Add("send-hello room");
   Tick();
   EXPECT_THAT(log, ElementsAre("mail", "find"));
   EXPECT_THAT(SaidSince(said_at_start), ElementsAre("hello room"));
 
   log.clear();
-  frm.Timer2->SetEnabled(false);
-  frm.ScrollSeconds = 2;
-  frm.ListSeconds = 3;
+  frm.serving.Timer2->SetEnabled(false);
+  frm.serving.ScrollSeconds = 2;
+  frm.serving.ListSeconds = 3;
   Tick();
   EXPECT_THAT(log, ElementsAre("mail", "list", "find"));
   EXPECT_EQ(SaidSince(said_at_start).size(), 4u);  // and the advertisement
-  EXPECT_EQ(frm.ScrollSeconds, 0);
+  EXPECT_EQ(frm.serving.ScrollSeconds, 0);
 }
 
 TEST_F(ServeEngineTest, SecondClockSweepsAndCounts) {
@@ -177,49 +179,50 @@ TEST_F(ServeEngineTest, SecondClockSweepsAndCounts) {
   frm.settings.ListIfNoPending = true;
   engine.Timer2_Timer();
   EXPECT_EQ(sweeps, 1);
-  EXPECT_EQ(frm.ScrollSeconds, 1);
-  EXPECT_EQ(frm.ListSeconds, 71);  // nothing pending: the list step is due
-  frm.pending.Append("bob-list");
-  frm.ListSeconds = 32767;
-  frm.ScrollSeconds = 32766;
+  EXPECT_EQ(frm.serving.ScrollSeconds, 1);
+  EXPECT_EQ(frm.serving.ListSeconds,
+            71);  // nothing pending: the list step is due
+  frm.lists.pending.Append("bob-list");
+  frm.serving.ListSeconds = 32767;
+  frm.serving.ScrollSeconds = 32766;
   engine.Timer2_Timer();
   engine.Timer2_Timer();
   // The counters stop at the 16-bit limit instead of overflowing.
-  EXPECT_EQ(frm.ListSeconds, 32767);
-  EXPECT_EQ(frm.ScrollSeconds, 32767);
+  EXPECT_EQ(frm.serving.ListSeconds, 32767);
+  EXPECT_EQ(frm.serving.ScrollSeconds, 32767);
 }
 
 TEST_F(ServeEngineTest, ReplyPhaseAnswersTheFirstOrderEachTick) {
   StartServing();
-  frm.frmBanning.cmbMistakes.text = "3";
+  frm.forms.frmBanning.cmbMistakes.text = "3";
   for (const char* entry : {"nodash", "bob-pending", "amy-duplication",
                             "send-hi - all", "joe-mailbox", "ann-whatever"})
-    frm.ReplyQueue.Add(entry);
+    frm.lists.ReplyQueue.Add(entry);
   // One order a tick, in order, each tick's jobs after it; an order
   // without a dash goes without a line, and orders queued meanwhile wait
   // behind the others.
-  host.Schedule(0.1, [&] { frm.ReplyQueue.Add("late-pending"); });
+  host.Schedule(0.1, [&] { frm.lists.ReplyQueue.Add("late-pending"); });
   for (int tick = 0; tick < 6; ++tick) Tick();
   EXPECT_THAT(SaidSince(said_at_start),
               ElementsAre("(bob) you have to many pending",
                           "(amy) you made a duplication error", "hi - all",
                           "(joe) you have a full mailbox",
                           "(joe) you now have <U>2</U> mistakes left"));
-  EXPECT_THAT(frm.ReplyQueue.Items(), ElementsAre("late-pending"));
-  EXPECT_THAT(frm.MistakeList.Items(), ElementsAre("joe-1"));
+  EXPECT_THAT(frm.lists.ReplyQueue.Items(), ElementsAre("late-pending"));
+  EXPECT_THAT(frm.lists.MistakeList.Items(), ElementsAre("joe-1"));
   EXPECT_EQ(std::count(log.begin(), log.end(), std::string("mail")), 6);
   Tick();
   EXPECT_EQ(SaidSince(said_at_start).back(), "(late) you have to many pending");
-  EXPECT_TRUE(frm.ReplyQueue.Empty());
+  EXPECT_TRUE(frm.lists.ReplyQueue.Empty());
 
   // An empty entry ends the phase and stays, holding up what follows.
-  frm.ReplyQueue.Add("");
-  frm.ReplyQueue.Add("zed-pending");
+  frm.lists.ReplyQueue.Add("");
+  frm.lists.ReplyQueue.Add("zed-pending");
   const size_t before = Said().size();
   Tick();
   Tick();
   EXPECT_EQ(Said().size(), before);
-  EXPECT_EQ(frm.ReplyQueue.Count(), 2);
+  EXPECT_EQ(frm.lists.ReplyQueue.Count(), 2);
 }
 
 TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
@@ -230,7 +233,7 @@ TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
   frm.settings.SentRestart = 2;
   frm.settings.CPURestart = 2;
   StartServing();
-  frm.counters.AOLCount = 3;
+  frm.counts.counters.AOLCount = 3;
   Tick();
   EXPECT_EQ(aol, 1);
   EXPECT_THAT(SaidSince(said_at_start),
@@ -238,11 +241,11 @@ TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
                           "please hold requests and be patient",
                           "quorvex restarted <B><U>aol</B></U>"));
   frm.settings.AOLRestart = 1;  // 0 and 1: only a signed-off client
-  frm.counters.AOLCount = 500;
+  frm.counts.counters.AOLCount = 500;
   Tick();
   EXPECT_EQ(aol, 1);
 
-  frm.counters.SentCount = 2;
+  frm.counts.counters.SentCount = 2;
   size_t before = Said().size();
   Tick();
   EXPECT_THAT(
@@ -252,13 +255,13 @@ TEST_F(ServeEngineTest, RestartsAndClearingFollowTheirQuotas) {
   EXPECT_EQ(sim.SentCount(), 0);
 
   // The machine restart ends the tick before any job.
-  frm.counters.CPUCount = 2;
+  frm.counts.counters.CPUCount = 2;
   log.clear();
   Tick();
   EXPECT_EQ(cpu, 1);
   EXPECT_THAT(log, IsEmpty());
 
-  frm.counters.CPUCount = 0;
+  frm.counts.counters.CPUCount = 0;
   sim.SignOff();
   Tick();
   EXPECT_EQ(aol, 2);
@@ -275,7 +278,8 @@ TEST_F(ServeEngineTest, AQuotaOfOneIsOffAndOfTwoActsAtTheSecondMail) {
         frm.settings.SentRestart = static_cast<std::int16_t>(q);
   };
   auto counts = [&](int n) {
-    frm.counters.AOLCount = frm.counters.CPUCount = frm.counters.SentCount = n;
+    frm.counts.counters.AOLCount = frm.counts.counters.CPUCount =
+        frm.counts.counters.SentCount = n;
   };
   auto deletes = [&](size_t from) {
     const auto said = SaidSince(from);
@@ -294,14 +298,14 @@ TEST_F(ServeEngineTest, AQuotaOfOneIsOffAndOfTwoActsAtTheSecondMail) {
   EXPECT_EQ(cpu, 0);
   EXPECT_EQ(deletes(before), 0);
 
-  frm.counters.AOLCount = 2;
+  frm.counts.counters.AOLCount = 2;
   Tick();
   EXPECT_EQ(aol, 1);
-  frm.counters.SentCount = 2;
+  frm.counts.counters.SentCount = 2;
   before = Said().size();
   Tick();
   EXPECT_EQ(deletes(before), 1);
-  frm.counters.CPUCount = 2;
+  frm.counts.counters.CPUCount = 2;
   Tick();
   EXPECT_EQ(cpu, 1);
 }
@@ -336,17 +340,17 @@ TEST_F(ServeEngineTest, StatusByChatSaysHowFarAwayTheFirstEntryIs) {
 
 TEST_F(ServeEngineTest, AdvertisementFollowsTheFindAndRangeSettings) {
   sim.Launch();
-  for (int i = 0; i < 3; ++i) frm.lstMails.Add("t");
+  for (int i = 0; i < 3; ++i) frm.lists.lstMails.Add("t");
   Queue({"a-1", "b-2"});
-  frm.counters.session = 12;
-  frm.ScrollSeconds = 45;
+  frm.counts.counters.session = 12;
+  frm.serving.ScrollSeconds = 45;
   frm.settings.FindsEnable = false;
   Advertise(Replies(), c);
   EXPECT_THAT(Said(), ElementsAre("quorvex serving <B><U>3</B></U> mails",
                                   "type /<B>srv</B> send <U>x,x-y</U>",
                                   "there are <B><U>2</B></U> pending; "
                                   "<B><U>12</B></U> sent"));
-  EXPECT_EQ(frm.ScrollSeconds, 0);
+  EXPECT_EQ(frm.serving.ScrollSeconds, 0);
 
   frm.settings.FindsEnable = true;
   frm.settings.BlocksXYEnable = false;
@@ -357,7 +361,7 @@ TEST_F(ServeEngineTest, AdvertisementFollowsTheFindAndRangeSettings) {
 TEST_F(ServeEngineTest, SessionMailNeedsAtLeastThreeCharacters) {
   sim.Launch();
   frm.settings.TotalSent = 345;
-  frm.counters.session = 21;
+  frm.counts.counters.session = 21;
   prompter.QueueAnswer("ab");
   mnuMailSession_Click(Replies(), c);
   EXPECT_THAT(seen.mails, IsEmpty());

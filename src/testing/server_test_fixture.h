@@ -41,7 +41,7 @@ class ServerTest : public ::testing::Test {
     frm.settings.LAscii = "";
     frm.settings.RAscii = "";
     frm.settings.MailResize = false;
-    frm.status.Subscribe(
+    frm.controls.status.Subscribe(
         [this](const StatusStrip& s) { statuses.push_back(s.text()); });
   }
   void AddMails(int n) {

@@ -19,13 +19,13 @@
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
+#include "scenario/program_events.h"
+#include "scenario/room_stage.h"
+#include "scenario/transcript.h"
 #include "settings/settings.h"
 #include "sim/faulty_ports.h"
-#include "sim/program_events.h"
-#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_knobs.h"
-#include "sim/transcript.h"
 #include "standin_process.h"
 #include "win32/code_page.h"
 #include "win32/win32_host.h"
@@ -135,14 +135,14 @@ ordered_json ClientEvent(const json& e) {
 
 }  // namespace
 
-std::string RunThroughBinding(const sim::Scenario& sc,
+std::string RunThroughBinding(const scenario::Scenario& sc,
                               const BindingOptions& o) {
   WindowsFolder folder;
   // The client as the scenario sets it up, staged for the stand-in.
   VirtualHost staging_host;
   SimWorld staging_world;
   SimClient staged(staging_host, staging_world, sc.seed);
-  sim::StageClient(sc, staged);
+  scenario::StageClient(sc, staged);
   staged.knobs().lost_click_chance = sc.lost_clicks;
   for (const auto& [name, value] : sc.knobs)
     SetKnob(&staged.knobs(), name, value);
@@ -152,7 +152,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   win32::Win32WindowApi api;
   win32::Win32Registry registry(kRegistryRoot);
   registry.DeleteApp(kApp);
-  sim::StageRegistry(sc, registry);
+  scenario::StageRegistry(sc, registry);
   win32::Win32ProfileFile profiles;
   win32::Win32Machine real_machine;
 
@@ -169,8 +169,8 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   bool names_client = false;
   // path: section: its lines
   std::map<std::string, std::map<std::string, std::string>> whole;
-  for (const sim::SetupValue& v : sc.ini) {
-    const std::string path = sim::ProfilePath(real_machine, v.file);
+  for (const scenario::SetupValue& v : sc.ini) {
+    const std::string path = scenario::ProfilePath(real_machine, v.file);
     if (v.file == "Win.INI") {
       profiles.WriteString(path, v.section, v.key, v.value);
       names_client |= EqualsIgnoreCase(v.section, "WAOL");
@@ -185,7 +185,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     std::ofstream(path, std::ios::binary) << win32::Utf8ToCp1252(text);
   }
   if (!names_client)
-    profiles.WriteString(sim::ProfilePath(real_machine, "Win.INI"), "WAOL",
+    profiles.WriteString(scenario::ProfilePath(real_machine, "Win.INI"), "WAOL",
                          "AppPath", StandInProcess::InstallFolder());
 
   std::ostringstream program_out;
@@ -205,8 +205,8 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // writes until it comes to its message loop is written at the start's
   // moment (or for a minute of its clock at the most).
   double frozen_at = -1, frozen_until = 0;
-  sim::Transcript transcript(
-      program_out, sim::TranscriptFormat::kJsonl,
+  scenario::Transcript transcript(
+      program_out, scenario::TranscriptFormat::kJsonl,
       [&] {
         if (frozen_at >= 0 && host.Clock() < frozen_until) return frozen_at;
         return host.Clock() - t0 - late;
@@ -229,26 +229,14 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   FaultyMachine app_machine(machine, dice);
 
   ScriptedPrompter prompter;
-  prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") {
-      transcript.Write(
-          "prompt",
-          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
-      return;
-    }
-    transcript.Write("prompt", {{"kind", r.kind},
-                                {"title", r.title},
-                                {"prompt", r.prompt},
-                                {"default", r.default_text},
-                                {"answer", r.answer}});
-  });
+  scenario::WatchPrompts(prompter, transcript);
 
   // As in the simulator: the mailbox's titles stand in the mail list from
   // the start, as if read.
   bool first_app = true;
   auto watch_app = [&](QuorvexApp& app) {
-    sim::WatchProgram(app, transcript);
-    app.frm().status.Subscribe([&](const StatusStrip& s) {
+    scenario::WatchProgram(app, transcript);
+    app.frm().controls.status.Subscribe([&](const StatusStrip& s) {
       client.Note("at " + std::to_string(host.Clock() - t0) +
                   " s the program's " + s.text());
       ++shown[s.text()];
@@ -259,10 +247,11 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     FrmMain& frm = app.frm();
     for (std::size_t i = 0; i < sc.mails.size(); ++i) {
       if (IsForeignListTitle(sc.mails[i])) continue;
-      frm.lstMails.Add(sc.mails[i]);
-      frm.mail_positions.push_back(static_cast<int>(i));
+      frm.lists.lstMails.Add(sc.mails[i]);
+      frm.lists.mail_positions.push_back(static_cast<int>(i));
     }
-    frm.lblMails.Set("mails: " + std::to_string(frm.lstMails.Count()));
+    frm.counts.lblMails.Set("mails: " +
+                            std::to_string(frm.lists.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});
@@ -301,7 +290,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   struct ProgramExited {};
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
-  auto run_line = [&](const sim::TimedLine& line) {
+  auto run_line = [&](const scenario::TimedLine& line) {
     const double was_late =
         std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
     struct Restore {
@@ -309,31 +298,34 @@ std::string RunThroughBinding(const sim::Scenario& sc,
       double was;
       ~Restore() { late = was; }
     } restore{late, was_late};
-    if (line.verb == "say") {
-      client.Command("say " + line.name + "|" + line.text);
-    } else if (line.verb == "join" || line.verb == "leave") {
-      client.Command(line.verb + " " + line.name);
-    } else if (line.verb == "signoff") {
-      client.Command("signoff");
-    } else if (line.verb == "kill") {
-      kill();
-    } else if (line.verb == "answer") {
-      prompter.QueueAnswer(line.text);
-    } else if (line.verb == "press") {
-      QuorvexApp& app = program.app();
-      const bool running = !app.ended();
-      app.Press(line.name, line.index);
-      if (running && app.ended()) throw ProgramExited{};
-    } else if (line.verb == "select") {
-      if (line.text.empty())
-        program.app().Select(line.name, line.index);
-      else
-        program.app().SelectText(line.name, line.text);
-    } else if (line.verb == "set") {
-      program.app().Set(line.name, line.text);
-    } else if (line.verb == "start") {
-      // The user starts the program again once it has ended.
-      if (program.app().ended()) throw StartAgain{line.at};
+    using scenario::Verb;
+    switch (line.verb) {
+      case Verb::kSay:
+        client.Command("say " + line.name + "|" + line.text);
+        break;
+      case Verb::kJoin:
+        client.Command("join " + line.name);
+        break;
+      case Verb::kLeave:
+        client.Command("leave " + line.name);
+        break;
+      case Verb::kSignoff:
+        client.Command("signoff");
+        break;
+      case Verb::kKill:
+        kill();
+        break;
+      case Verb::kAnswer:
+      case Verb::kPress:
+      case Verb::kSelect:
+      case Verb::kSet:
+        if (scenario::RunUserLine(line, program.app(), prompter))
+          throw ProgramExited{};
+        break;
+      case Verb::kStart:
+        // The user starts the program again once it has ended.
+        if (program.app().ended()) throw StartAgain{line.at};
+        break;
     }
   };
   // An anchored line runs as soon as the status strip comes where it
@@ -341,23 +333,23 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // The timeline keeps its order: a line whose time comes while an
   // anchored line before it has not run is held, and runs after it.
   std::set<std::size_t> unrun;  // anchored lines not run yet
-  std::map<std::size_t, sim::TimedLine> held;
+  std::map<std::size_t, scenario::TimedLine> held;
   std::function<void()> release = [&] {
     if (held.empty()) return;
     if (!unrun.empty() && *unrun.begin() < held.begin()->first) return;
-    const sim::TimedLine line = held.begin()->second;
+    const scenario::TimedLine line = held.begin()->second;
     held.erase(held.begin());
     if (!held.empty()) host.Schedule(0, release);
     run_line(line);
   };
-  auto run_anchored = [&](std::size_t i, const sim::TimedLine& line) {
+  auto run_anchored = [&](std::size_t i, const scenario::TimedLine& line) {
     if (!unrun.erase(i)) return;
     waiting.erase(i);
     host.Schedule(0, release);
     run_line(line);
   };
   for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
-    const sim::TimedLine& line = sc.timeline[i];
+    const scenario::TimedLine& line = sc.timeline[i];
     const auto anchor = o.anchors.find(i);
     if (anchor == o.anchors.end()) {
       host.Schedule(line.at, [&, i, line] {
@@ -378,7 +370,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   }
   const double end = t0 + sc.run_until;
   double last_line = 0;
-  for (const sim::TimedLine& line : sc.timeline)
+  for (const scenario::TimedLine& line : sc.timeline)
     last_line = std::max(last_line, line.at);
 
   // The transcript as it stands: the program's events and the client's,
@@ -387,24 +379,22 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   auto transcript_now = [&] {
     const json state = client.State();
     ordered_json final_state =
-        sim::ProgramFinalState(program.app(), registry, profiles, machine);
-    ordered_json mailboxes = ordered_json::object();
+        scenario::ProgramFinalState(program.app(), registry, profiles, machine);
+    // The stand-in's mail, read into the simulated client's own records.
+    auto text = [](const json& m, const char* key) {
+      return m[key].get<std::string>();
+    };
+    std::map<std::string, std::vector<ReceivedMail>> mailboxes;
     for (const auto& [sn, box] : state["mailboxes"].items()) {
-      ordered_json mails = ordered_json::array();
+      std::vector<ReceivedMail>& mails = mailboxes[sn];
       for (const json& m : box)
-        mails.push_back({{"from", m["from"]},
-                         {"subject", m["subject"]},
-                         {"body", m["body"]}});
-      mailboxes[sn] = mails;
+        mails.push_back(
+            {text(m, "from"), text(m, "subject"), text(m, "body"), ""});
     }
-    final_state["mailboxes"] = mailboxes;
-    if (!state["waiting"].empty()) {
-      ordered_json waiting = ordered_json::array();
-      for (const json& m : state["waiting"])
-        waiting.push_back(
-            {{"to", m["to"]}, {"subject", m["subject"]}, {"body", m["body"]}});
-      final_state["waiting"] = waiting;
-    }
+    std::vector<SimClient::WaitingMail> held;
+    for (const json& m : state["waiting"])
+      held.push_back({text(m, "to"), text(m, "subject"), text(m, "body")});
+    scenario::AddClientMail(final_state, mailboxes, held);
     std::vector<ordered_json> events;
     std::istringstream in(program_out.str());
     for (std::string line; std::getline(in, line);)
@@ -423,7 +413,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     for (const auto& [k, v] : final_state.items()) final_event[k] = v;
     events.push_back(std::move(final_event));
     std::string out;
-    for (const ordered_json& e : events) out += sim::JsonDump(e) + "\n";
+    for (const ordered_json& e : events) out += scenario::JsonDump(e) + "\n";
     return out;
   };
 
@@ -440,7 +430,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     const double now = host.Clock();
     if (o.progress && now >= next_progress) {
       next_progress = now + 0.5 * o.speed;
-      o.progress(now - t0, program.app().frm().status.text());
+      o.progress(now - t0, program.app().frm().controls.status.text());
     }
     if (o.done && now - t0 > last_line && now >= next_done) {
       // Asking the client for its state costs most with a big mailbox:

@@ -17,7 +17,7 @@
 #include <map>
 #include <string>
 
-#include "sim/scenario.h"
+#include "scenario/scenario.h"
 #include "win32/win32_host.h"
 
 namespace quorvex::test {
@@ -52,7 +52,7 @@ struct BindingOptions {
 
 // Runs the scenario to its end (`run T`) and returns its transcript.
 // Throws std::runtime_error when the stand-in cannot be started.
-std::string RunThroughBinding(const sim::Scenario& sc,
+std::string RunThroughBinding(const scenario::Scenario& sc,
                               const BindingOptions& options);
 
 }  // namespace quorvex::test

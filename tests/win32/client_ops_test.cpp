@@ -278,8 +278,7 @@ TEST_F(RestartTest, TheClientIsRestartedPastASignOnErrorAndBackInTheRoom) {
   test::WindowsFolder folder;
   win32::Win32Machine machine;
   win32::Win32ProfileFile profiles;
-  profiles.WriteString("C:\\Windows\\Win.INI", "WAOL", "AppPath",
-                       test::StandInProcess::InstallFolder());
+  test::NameStandInInWinIni();
   StatusStrip status;
   FrmRoomBuster buster(c, nullptr);
   const std::string room = "Lobby";

@@ -163,7 +163,7 @@ Figures Measure(int latency_ms, int mails, double idle, double speed,
     // watched in this process, so that watching costs nothing.
     int sent = 0;
     bool scanning = false;
-    program.app().frm().status.Subscribe([&](const StatusStrip& s) {
+    program.app().frm().controls.status.Subscribe([&](const StatusStrip& s) {
       if (s.text() == "status: sent mail") ++sent;
       scanning = s.text() == "status: scanning chat";
     });

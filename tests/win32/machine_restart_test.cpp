@@ -21,7 +21,6 @@
 #include "desktop/remote.h"
 #include "settings/settings.h"
 #include "standin_process.h"
-#include "win32/win32_profile_file.h"
 #include "win32/win32_registry.h"
 #include "windows_folder.h"
 
@@ -52,15 +51,6 @@ std::string Ini(const char* file, const char* section, const char* key) {
 // Whether Win.INI has the key at all (an empty value counts).
 bool IniHasKey(const char* file, const char* section, const char* key) {
   return Ini(file, section, key) != "<none>";
-}
-
-std::vector<std::string> Forwards(const json& state, const std::string& sn) {
-  std::vector<std::string> out;
-  if (state["mailboxes"].contains(sn))
-    for (const json& m : state["mailboxes"][sn])
-      if (!m["forward_of"].get<std::string>().empty())
-        out.push_back(m["forward_of"]);
-  return out;
 }
 
 int Heard(const json& state, const std::string& part) {
@@ -97,8 +87,7 @@ class MachineRestartTest : public ::testing::Test {
                    ("qv_reboot_" + std::to_string(GetCurrentProcessId()));
     fs::remove(reboot_file_);
     SetEnvironmentVariableW(L"QUORVEX_REBOOT_FILE", reboot_file_.c_str());
-    profiles_.WriteString(kWinIni, "WAOL", "AppPath",
-                          test::StandInProcess::InstallFolder());
+    test::NameStandInInWinIni();
   }
   void TearDown() override {
     EndSession();
@@ -135,7 +124,6 @@ class MachineRestartTest : public ::testing::Test {
 
   test::WindowsFolder folder_;
   win32::Win32Registry registry_;
-  win32::Win32ProfileFile profiles_;
   fs::path reboot_file_;
   // The client at the real pace, as the program runs (a program started
   // by Windows takes no options).
@@ -209,8 +197,10 @@ TEST_F(MachineRestartTest,
   // The client was closed before: its program ended.
   EXPECT_FALSE(client_.running());
   json before = client_.State();
-  EXPECT_EQ(Forwards(before, "Ann"), std::vector<std::string>{"mail 1"});
-  EXPECT_EQ(Forwards(before, "Bob"), std::vector<std::string>{"mail 2"});
+  EXPECT_EQ(test::ForwardsReceived(before, "Ann"),
+            std::vector<std::string>{"mail 1"});
+  EXPECT_EQ(test::ForwardsReceived(before, "Bob"),
+            std::vector<std::string>{"mail 2"});
 
   // The reboot: every process ends; at log-on, what "load" names starts.
   EndSession();
@@ -258,8 +248,8 @@ TEST_F(MachineRestartTest,
   ASSERT_TRUE(WaitFor(
       [&] {
         state = client_.State();
-        return !Forwards(state, "Cal").empty() &&
-               !Forwards(state, "Dan").empty();
+        return !test::ForwardsReceived(state, "Cal").empty() &&
+               !test::ForwardsReceived(state, "Dan").empty();
       },
       150))
       << Caption(main, kIdPicStatus) << "\n"
@@ -267,10 +257,13 @@ TEST_F(MachineRestartTest,
   EXPECT_TRUE(state["signed_on"]);
   EXPECT_EQ(state["room"], "Lobby");
   EXPECT_EQ(Heard(state, "quorvex restarted <B><U>cpu</B></U>"), 1);
-  EXPECT_EQ(Forwards(state, "Cal"), std::vector<std::string>{"mail 3"});
-  EXPECT_EQ(Forwards(state, "Dan"), std::vector<std::string>{"mail 4"});
-  EXPECT_EQ(Forwards(state, "Ann"), std::vector<std::string>{"mail 1"});
-  EXPECT_EQ(Forwards(state, "Eve"), std::vector<std::string>{});
+  EXPECT_EQ(test::ForwardsReceived(state, "Cal"),
+            std::vector<std::string>{"mail 3"});
+  EXPECT_EQ(test::ForwardsReceived(state, "Dan"),
+            std::vector<std::string>{"mail 4"});
+  EXPECT_EQ(test::ForwardsReceived(state, "Ann"),
+            std::vector<std::string>{"mail 1"});
+  EXPECT_EQ(test::ForwardsReceived(state, "Eve"), std::vector<std::string>{});
   EXPECT_TRUE(WaitFor(
       [&] { return Caption(main, kIdLblSession) == "session: 4"; }, 30));
   EXPECT_TRUE(WaitFor(

@@ -33,16 +33,6 @@ using nlohmann::json;
 // Both processes' clocks run this many times the wall clock.
 constexpr double kSpeed = 4;
 
-// The forwarded mails `sn` received, by the title forwarded.
-std::vector<std::string> Forwards(const json& state, const std::string& sn) {
-  std::vector<std::string> out;
-  if (state["mailboxes"].contains(sn))
-    for (const json& m : state["mailboxes"][sn])
-      if (!m["forward_of"].get<std::string>().empty())
-        out.push_back(m["forward_of"]);
-  return out;
-}
-
 bool Heard(const json& state, const std::string& part) {
   for (const json& line : state["heard"])
     if (line.get<std::string>().find(part) != std::string::npos) return true;
@@ -56,8 +46,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   registry.Save(kApp, "Settings", "Handle", "srv");
   registry.Save(kApp, "Settings", "MailResize", "False");
   win32::Win32ProfileFile profiles;
-  profiles.WriteString("C:\\Windows\\Win.INI", "WAOL", "AppPath",
-                       test::StandInProcess::InstallFolder());
+  test::NameStandInInWinIni();
 
   test::StandInProcess client(
       "--user Host --room Lobby --mails 5 --people Ann,Bob,Cal,Dan --speed " +
@@ -87,7 +76,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   json state;
   program.Run(false, [&] {
     FrmMain& frm = program.app().frm();
-    frm.status.Subscribe([&](const StatusStrip& s) {
+    frm.controls.status.Subscribe([&](const StatusStrip& s) {
       statuses.push_back(s.text());
       client.Note("the program's " + s.text());
       if (!killed && s.text() == "status: forwarding mail") {
@@ -96,7 +85,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
       }
     });
     program.app().Press("cmdStart");
-    ASSERT_TRUE(frm.ServerOn) << frm.status.text();
+    ASSERT_TRUE(frm.serving.ServerOn) << frm.controls.status.text();
     client.Command("say Ann|/srv send 1");
     client.Command("say Bob|/srv send 2");
     client.Command("say Cal|/srv send 3");
@@ -110,8 +99,9 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
       if (host.Clock() < next_look) continue;
       next_look = host.Clock() + 1;
       state = client.State();
-      if (!Forwards(state, "Bob").empty() && !Forwards(state, "Cal").empty() &&
-          !Forwards(state, "Dan").empty())
+      if (!test::ForwardsReceived(state, "Bob").empty() &&
+          !test::ForwardsReceived(state, "Cal").empty() &&
+          !test::ForwardsReceived(state, "Dan").empty())
         break;
     }
     // A little longer: nothing more may come.
@@ -140,10 +130,13 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   EXPECT_TRUE(saw("status: busting chatroom"));
   EXPECT_TRUE(Heard(state, "quorvex restarted <B><U>aol</B></U>"));
   // Every other request was served, once; the group under way was lost.
-  EXPECT_EQ(Forwards(state, "Bob"), std::vector<std::string>{"mail 2"});
-  EXPECT_EQ(Forwards(state, "Cal"), std::vector<std::string>{"mail 3"});
-  EXPECT_EQ(Forwards(state, "Dan"), std::vector<std::string>{"mail 4"});
-  EXPECT_TRUE(Forwards(state, "Ann").empty());
+  EXPECT_EQ(test::ForwardsReceived(state, "Bob"),
+            std::vector<std::string>{"mail 2"});
+  EXPECT_EQ(test::ForwardsReceived(state, "Cal"),
+            std::vector<std::string>{"mail 3"});
+  EXPECT_EQ(test::ForwardsReceived(state, "Dan"),
+            std::vector<std::string>{"mail 4"});
+  EXPECT_TRUE(test::ForwardsReceived(state, "Ann").empty());
 }
 
 }  // namespace

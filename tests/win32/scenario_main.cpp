@@ -46,8 +46,8 @@
 #include <vector>
 
 #include "binding_run.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 
 namespace quorvex {
 namespace {
@@ -180,7 +180,7 @@ json Summary(const std::string& transcript, const std::string& user,
 // sign-offs and kills came: the status strip's text then, and how often
 // it had shown it.
 std::map<std::size_t, test::BindingOptions::Anchor> Anchors(
-    const sim::Scenario& sc, const std::string& transcript) {
+    const scenario::Scenario& sc, const std::string& transcript) {
   std::vector<std::pair<double, std::string>> statuses;
   std::istringstream in(transcript);
   for (std::string line; std::getline(in, line);) {
@@ -190,9 +190,11 @@ std::map<std::size_t, test::BindingOptions::Anchor> Anchors(
   }
   std::map<std::size_t, test::BindingOptions::Anchor> anchors;
   for (std::size_t i = 0; i < sc.timeline.size(); ++i) {
-    const sim::TimedLine& line = sc.timeline[i];
-    const bool exit = line.verb == "press" && line.name == "lblExit";
-    if (!exit && line.verb != "signoff" && line.verb != "kill") continue;
+    const scenario::TimedLine& line = sc.timeline[i];
+    using scenario::Verb;
+    const bool exit = line.verb == Verb::kPress && line.name == "lblExit";
+    if (!exit && line.verb != Verb::kSignoff && line.verb != Verb::kKill)
+      continue;
     std::map<std::string, int> shown;
     std::string text;
     for (const auto& [t, status] : statuses) {
@@ -207,17 +209,18 @@ std::map<std::size_t, test::BindingOptions::Anchor> Anchors(
 
 int Run(const std::string& path, double speed, double settle, double watch,
         bool anchor, bool throughput, const std::string& transcript_file) {
-  sim::Scenario sc = sim::LoadScenario(path, sim::Controls());
+  scenario::Scenario sc = scenario::LoadScenario(path, scenario::Controls());
   // Both runs end `settle` seconds after the last timed line, when the
   // scenario runs longer: the rest is the periodic lines, left out anyway.
   // A settle given runs that long even past the file's end: the binding
   // may need it to finish what the simulator finished in time.
   double last = 0;
-  for (const sim::TimedLine& line : sc.timeline) last = std::max(last, line.at);
+  for (const scenario::TimedLine& line : sc.timeline)
+    last = std::max(last, line.at);
   sc.run_until = settle > 0 ? last + settle : std::min(sc.run_until, last + 20);
 
   std::stringstream simulated;
-  sim::RunScenario(sc, {}, simulated);
+  scenario::RunScenario(sc, {}, simulated);
   const json want = Summary(simulated.str(), sc.user, throughput);
   test::BindingOptions options;
   options.speed = speed;

@@ -128,19 +128,19 @@ TEST_F(ServeTest, PeopleReceiveAMailTheListAndFindResults) {
   bool served = false;
   // Where the program stands, every few seconds, for a run that stalls.
   auto progress = host.CreateTimer([&] {
-    std::fprintf(stderr,
-                 "[serve] %.1f s: %s (prefs %d, mail prefs %d, im %d)\n",
-                 host.Clock(), program.app().frm().status.text().c_str(),
-                 FindDocument(api, "Preferences") != 0,
-                 api.FindWindowA(aol::kModalClass, "Mail Preferences") != 0,
-                 FindDocument(api, kSendIm) != 0);
+    std::fprintf(
+        stderr, "[serve] %.1f s: %s (prefs %d, mail prefs %d, im %d)\n",
+        host.Clock(), program.app().frm().controls.status.text().c_str(),
+        FindDocument(api, "Preferences") != 0,
+        api.FindWindowA(aol::kModalClass, "Mail Preferences") != 0,
+        FindDocument(api, kSendIm) != 0);
   });
   progress->SetInterval(5000);
   progress->SetEnabled(true);
   program.Run(false, [&] {
     program.app().Press("cmdStart");
-    ASSERT_TRUE(program.app().frm().ServerOn)
-        << "status: " << program.app().frm().status.text();
+    ASSERT_TRUE(program.app().frm().serving.ServerOn)
+        << "status: " << program.app().frm().controls.status.text();
 
     // Idle serving: nobody talking.
     const HANDLE self = ::GetCurrentProcess();

@@ -23,8 +23,8 @@
 
 #include "binding_run.h"
 #include "invariants.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 #include "soak_room.h"
 
 namespace {
@@ -93,12 +93,12 @@ int main(int argc, char** argv) {
     std::string transcript;
     soak::RunFigures fig;
     try {
-      const sim::Scenario sc =
-          sim::ParseScenario(name + ".scn", text, sim::Controls());
+      const scenario::Scenario sc =
+          scenario::ParseScenario(name + ".scn", text, scenario::Controls());
       if (sc.lost_clicks > 0) ++drawn["rooms losing clicks"];
-      for (const sim::TimedLine& t : sc.timeline) {
-        if (t.verb == "signoff") ++drawn["sign-offs"];
-        if (t.verb == "kill") ++drawn["kills"];
+      for (const scenario::TimedLine& t : sc.timeline) {
+        if (t.verb == scenario::Verb::kSignoff) ++drawn["sign-offs"];
+        if (t.verb == scenario::Verb::kKill) ++drawn["kills"];
       }
       drawn["full rooms"] += static_cast<int>(sc.full_rooms.size());
       drawn["full mailboxes"] += static_cast<int>(sc.full_mailboxes.size());

@@ -289,4 +289,14 @@ std::vector<json> StandInProcess::Events(double since_wall,
   return events;
 }
 
+std::vector<std::string> ForwardsReceived(const json& state,
+                                          const std::string& sn) {
+  std::vector<std::string> out;
+  if (state["mailboxes"].contains(sn))
+    for (const json& m : state["mailboxes"][sn])
+      if (!m["forward_of"].get<std::string>().empty())
+        out.push_back(m["forward_of"]);
+  return out;
+}
+
 }  // namespace quorvex::test

@@ -76,4 +76,8 @@ class StandInProcess {
   std::string note_;
 };
 
+// The titles of the mails forwarded to `sn` in a State(), in order.
+std::vector<std::string> ForwardsReceived(const nlohmann::json& state,
+                                          const std::string& sn);
+
 }  // namespace quorvex::test

@@ -5,6 +5,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "standin_process.h"
+#include "win32/win32_profile_file.h"
+
 namespace quorvex::test {
 
 namespace {
@@ -75,5 +78,11 @@ WindowsFolder::WindowsFolder(std::vector<std::string> more) {
 }
 
 WindowsFolder::~WindowsFolder() { Restore(); }
+
+void NameStandInInWinIni() {
+  win32::Win32ProfileFile().WriteString("C:\\Windows\\Win.INI", "WAOL",
+                                        "AppPath",
+                                        StandInProcess::InstallFolder());
+}
 
 }  // namespace quorvex::test

@@ -26,4 +26,9 @@ class WindowsFolder {
   std::vector<std::string> files_;
 };
 
+// Names the stand-in client's install folder in Win.INI ("WAOL"
+// "AppPath"), where the program finds the client's program to start it
+// again. A WindowsFolder saved Win.INI before.
+void NameStandInInWinIni();
+
 }  // namespace quorvex::test

@@ -20,6 +20,7 @@ namespace {
 constexpr double kForwardSeconds = 60;
 
 using Json = nlohmann::json;
+using scenario::Verb;
 
 std::string NoSpaces(std::string s) {
   s.erase(std::remove(s.begin(), s.end(), ' '), s.end());
@@ -77,18 +78,18 @@ int SendNumber(const std::string& text) {
 }
 
 // The registry value a scenario stores, or "".
-std::string Stored(const sim::Scenario& sc, const char* section,
+std::string Stored(const scenario::Scenario& sc, const char* section,
                    const char* key) {
   std::string out;
-  for (const sim::SetupValue& v : sc.registry)
+  for (const scenario::SetupValue& v : sc.registry)
     if (LCase(v.section) == LCase(section) && LCase(v.key) == LCase(key))
       out = v.value;
   return out;
 }
 
 // Whether a damaged file of the scenario stores `key` with an empty value.
-bool StoredEmpty(const sim::Scenario& sc, const std::string& key) {
-  for (const sim::SetupValue& v : sc.ini)
+bool StoredEmpty(const scenario::Scenario& sc, const std::string& key) {
+  for (const scenario::SetupValue& v : sc.ini)
     if (LCase(v.section) == "quorvex" && LCase(v.key) == LCase(key) &&
         v.value.find_first_not_of(" \t") == std::string::npos)
       return true;
@@ -109,7 +110,7 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
   return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
 }
 
-std::vector<std::string> CheckRun(const sim::Scenario& sc,
+std::vector<std::string> CheckRun(const scenario::Scenario& sc,
                                   const std::string& transcript,
                                   RunFigures* fig, const std::string* log,
                                   double heard_within) {
@@ -133,19 +134,20 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   // When the client signed off and on again.
   std::vector<double> client_off, client_on;
   bool send_later = true;  // the program's default mail method
-  for (const sim::SetupValue& v : sc.registry)
+  for (const scenario::SetupValue& v : sc.registry)
     if (LCase(v.section) == "settings" && LCase(v.key) == "mailmethod")
       send_later = LCase(v.value) != "false";
   static const std::regex kNumber("mail number <B><U>([0-9]+)</B></U>");
-  for (const sim::TimedLine& t : sc.timeline) {
-    if (t.verb == "press" &&
+  for (const scenario::TimedLine& t : sc.timeline) {
+    if (t.verb == Verb::kPress &&
         (t.name == "mnuClearALL" || t.name == "mnuRemoveSelected" ||
          t.name == "mnuClearSN"))
       clears.push_back(t.at);
-    if (t.verb == "press" && t.name == "lblExit") exits.push_back(t.at);
-    if (t.verb == "start") starts.push_back(t.at);
+    if (t.verb == Verb::kPress && t.name == "lblExit") exits.push_back(t.at);
+    if (t.verb == Verb::kStart) starts.push_back(t.at);
     // A client killed outright loses its connection with its process.
-    if (t.verb == "signoff" || t.verb == "kill") signoffs.push_back(t.at);
+    if (t.verb == Verb::kSignoff || t.verb == Verb::kKill)
+      signoffs.push_back(t.at);
   }
 
   std::map<std::pair<std::string, int>, int> accepted;
@@ -741,8 +743,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
 
   // Requests said while a start read the mailbox: each accepted that asks
   // for a mail both in the list before the read and in the list after.
-  for (const sim::TimedLine& l : sc.timeline) {
-    if (l.verb != "say" || !StartsWithName(l.name, "early")) continue;
+  for (const scenario::TimedLine& l : sc.timeline) {
+    if (l.verb != Verb::kSay || !StartsWithName(l.name, "early")) continue;
     const int n = SendNumber(l.text);
     const Read* read = nullptr;
     for (const Read& r : reads)
@@ -780,8 +782,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       // acting (but for the stretch's own clear and a change of speed), a
       // sign-off (three minutes), anyone else asking after the clear.
       std::set<std::string> flooders;
-      for (const sim::TimedLine& l : sc.timeline)
-        if (l.verb == "say" && StartsWithName(l.name, "flooder") &&
+      for (const scenario::TimedLine& l : sc.timeline)
+        if (l.verb == Verb::kSay && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
       const double bound =
@@ -797,18 +799,18 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       // Until then (or the bound): serving, and nothing else happening.
       const double until = t + std::min(wait, bound);
       bool quiet = true;
-      for (const sim::TimedLine& l : sc.timeline) {
+      for (const scenario::TimedLine& l : sc.timeline) {
         if (l.at > until) break;
         // Before the request, what may still be under way: a client
         // restart after a sign-off (a start under way is not serving yet).
         if (l.at <= t) {
-          if (l.verb == "signoff" && l.at >= t - 180) quiet = false;
+          if (l.verb == Verb::kSignoff && l.at >= t - 180) quiet = false;
           continue;
         }
-        if (l.verb == "join" || l.verb == "leave") continue;
-        if (l.verb == "press" && l.name == "mnuMSpeed") continue;
-        if (l.verb == "say" && (StartsWithName(l.name, "flooder") ||
-                                StartsWithName(l.name, "asker")))
+        if (l.verb == Verb::kJoin || l.verb == Verb::kLeave) continue;
+        if (l.verb == Verb::kPress && l.name == "mnuMSpeed") continue;
+        if (l.verb == Verb::kSay && (StartsWithName(l.name, "flooder") ||
+                                     StartsWithName(l.name, "asker")))
           continue;
         quiet = false;
       }

@@ -40,7 +40,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/scenario.h"
+#include "scenario/scenario.h"
 
 namespace quorvex::soak {
 
@@ -75,7 +75,7 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
 // said while a start read the mailbox must be queued within `heard_within`
 // seconds of the program's clock (a run through the real windows reads
 // the room more slowly than the simulator).
-std::vector<std::string> CheckRun(const sim::Scenario& scenario,
+std::vector<std::string> CheckRun(const scenario::Scenario& scenario,
                                   const std::string& transcript_jsonl,
                                   RunFigures* figures,
                                   const std::string* log = nullptr,

@@ -56,7 +56,7 @@ class InvariantsTest : public ::testing::Test {
     log += FormatLogLine(CivilTime{}, {outcome, who, what});
   }
 
-  sim::Scenario sc;
+  scenario::Scenario sc;
   std::string text;
   std::string log;  // none: the log is not checked
   RunFigures figures;
@@ -96,8 +96,10 @@ TEST_F(InvariantsTest, LostDuplicatedAndUnaskedMailsAreViolations) {
 TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
   sc.dead_mails = {3};
   sc.full_mailboxes = {"Amy"};
-  sc.timeline.push_back(
-      {.line = 1, .at = 5, .verb = "press", .name = "mnuClearALL"});
+  sc.timeline.push_back({.line = 1,
+                         .at = 5,
+                         .verb = scenario::Verb::kPress,
+                         .name = "mnuClearALL"});
   Add(1, "bob-3");  // a dead mail
   Add(1, "amy-1");  // a full mailbox
   Add(1, "joe-1");  // cleared by the user, with everything in the list
@@ -110,7 +112,8 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
   Remove(939, "cat-2");
   // Handed to the client, which signed off while sending it (1 s later:
   // lost by the client; 1.5 s: the mail should have gone).
-  sc.timeline.push_back({.line = 2, .at = 11, .verb = "signoff"});
+  sc.timeline.push_back(
+      {.line = 2, .at = 11, .verb = scenario::Verb::kSignoff});
   for (const char* who : {"eve", "fay"}) {
     Add(9, std::string(who) + "-1");
     Remove(9.5, std::string(who) + "-1");
@@ -139,7 +142,7 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
 }
 
 TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
-  sc.timeline.push_back({.line = 2, .at = 11, .verb = "kill"});
+  sc.timeline.push_back({.line = 2, .at = 11, .verb = scenario::Verb::kKill});
   // Handed to the client a second before it died; taken, and the client
   // died before it took the mail.
   Add(9, "eve-1");
@@ -246,9 +249,9 @@ TEST_F(InvariantsTest, AGroupTakenWhileTheClientWasOffIsLostByDesign) {
 // first take from its sign-off, nor one sign-off too late.
 TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
   auto signoff = [this](double t) {
-    sim::TimedLine off;
+    scenario::TimedLine off;
     off.at = t;
-    off.verb = "signoff";
+    off.verb = scenario::Verb::kSignoff;
     sc.timeline.push_back(off);
   };
   auto takes = [this] {
@@ -289,7 +292,8 @@ TEST_F(InvariantsTest, ASignOffOrAHandOverAtTheExactBoundsOfATake) {
   Add(1, "amy-1");
   Remove(20, "amy-1");
   handed(30, "amy");
-  sc.timeline.push_back({.line = 1, .at = 30, .verb = "signoff"});
+  sc.timeline.push_back(
+      {.line = 1, .at = 30, .verb = scenario::Verb::kSignoff});
   // The client was already off when bob's and cy's were taken (at 100);
   // bob's was handed over at the end of the forward's minute, so the
   // client had it; cy's a moment later, by another take.
@@ -330,7 +334,7 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
     for (const char* f : {"flooder1", "flooder2"})
       sc.timeline.push_back({.line = t,
                              .at = t + 0.1,
-                             .verb = "say",
+                             .verb = scenario::Verb::kSay,
                              .name = f,
                              .text = "/srv send 1"});
   sc.run_until = 400;
@@ -350,9 +354,12 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   EXPECT_EQ(figures.flood_asks, 3);
 
   // The user acting meanwhile, or a sign-off shortly before, excuses it.
+  sc.timeline.push_back({.line = 900,
+                         .at = 110,
+                         .verb = scenario::Verb::kPress,
+                         .name = "cmdPause"});
   sc.timeline.push_back(
-      {.line = 900, .at = 110, .verb = "press", .name = "cmdPause"});
-  sc.timeline.push_back({.line = 901, .at = 150, .verb = "signoff"});
+      {.line = 901, .at = 150, .verb = scenario::Verb::kSignoff});
   std::sort(sc.timeline.begin(), sc.timeline.end(),
             [](const auto& a, const auto& b) { return a.at < b.at; });
   text.clear();
@@ -401,12 +408,12 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
            {"early1", 5.2}, {"early2", 5.4}, {"early3", 5.6}})
     sc.timeline.push_back({.line = 1,
                            .at = at,
-                           .verb = "say",
+                           .verb = scenario::Verb::kSay,
                            .name = who,
                            .text = "/srv send 3"});
   sc.timeline.push_back({.line = 2,
                          .at = 5.3,
-                         .verb = "say",
+                         .verb = scenario::Verb::kSay,
                          .name = "early4",
                          .text = "/srv send 4"});
   // Heard exactly two seconds after it was said, and a moment later.
@@ -414,7 +421,7 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
            {"early5", 5.5}, {"early6", 5.75}})
     sc.timeline.push_back({.line = 3,
                            .at = at,
-                           .verb = "say",
+                           .verb = scenario::Verb::kSay,
                            .name = who,
                            .text = "/srv send 2"});
   Add(5.25, "early1-3");   // taken
@@ -505,9 +512,12 @@ class LoggedEndingsTest : public InvariantsTest {
     sc.run_until = 1000;
     sc.dead_mails = {3};
     sc.full_mailboxes = {"Amy"};
-    sc.timeline.push_back({.line = 1, .at = 50, .verb = "signoff"});
     sc.timeline.push_back(
-        {.line = 2, .at = 200, .verb = "press", .name = "lblExit"});
+        {.line = 1, .at = 50, .verb = scenario::Verb::kSignoff});
+    sc.timeline.push_back({.line = 2,
+                           .at = 200,
+                           .verb = scenario::Verb::kPress,
+                           .name = "lblExit"});
     Add(1, "bob-3");  // a dead mail
     Remove(2, "bob-3");
     Add(1, "amy-1");  // a full mailbox
@@ -577,9 +587,10 @@ class UntakenRequestsTest : public InvariantsTest {
                                                      {15, "mnuClearALL"},
                                                      {20, "lblExit"}})
       sc.timeline.push_back(
-          {.line = 1, .at = at, .verb = "press", .name = name});
+          {.line = 1, .at = at, .verb = scenario::Verb::kPress, .name = name});
     for (double at : {11, 21})
-      sc.timeline.push_back({.line = 2, .at = at, .verb = "start"});
+      sc.timeline.push_back(
+          {.line = 2, .at = at, .verb = scenario::Verb::kStart});
     Add(1, "bob-1");
     Add(1, "amy-2");
     Add(1, "cy-2");

@@ -15,8 +15,8 @@
 #include "app/job_log.h"
 #include "invariants.h"
 #include "ports/virtual_host.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 #include "soak_room.h"
 
 namespace {
@@ -117,11 +117,12 @@ int main(int argc, char** argv) {
     std::vector<std::string> bad;
     soak::RunFigures fig;
     try {
-      const sim::Scenario sc = sim::ParseScenario(name, text, sim::Controls());
+      const scenario::Scenario sc =
+          scenario::ParseScenario(name, text, scenario::Controls());
       if (sc.lost_clicks > 0) ++client_faults["rooms losing clicks"];
-      for (const sim::TimedLine& t : sc.timeline) {
-        if (t.verb == "signoff") ++client_faults["sign-offs"];
-        if (t.verb == "kill") ++client_faults["kills"];
+      for (const scenario::TimedLine& t : sc.timeline) {
+        if (t.verb == scenario::Verb::kSignoff) ++client_faults["sign-offs"];
+        if (t.verb == scenario::Verb::kKill) ++client_faults["kills"];
       }
       client_faults["full rooms"] += static_cast<int>(sc.full_rooms.size());
       client_faults["full mailboxes"] +=
@@ -129,12 +130,12 @@ int main(int argc, char** argv) {
       client_faults["dead mails"] += static_cast<int>(sc.dead_mails.size());
       if (sc.latency_ms > 50) ++client_faults["slow clients"];
       std::ostringstream transcript;
-      sim::RunOptions options;
+      scenario::RunOptions options;
       // Every save is flushed to disk: a memory file system keeps a run
       // from waiting on it.
       options.root = (work / std::to_string(seed)).string();
       std::filesystem::remove_all(options.root);
-      sim::RunScenario(sc, options, transcript);
+      scenario::RunScenario(sc, options, transcript);
       const std::string log = ReadLogs(options.root);
       std::filesystem::remove_all(options.root);
       bad = soak::CheckRun(sc, transcript.str(), &fig, &log);

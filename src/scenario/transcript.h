@@ -12,7 +12,7 @@
 
 #include "sim/sim_observer.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 enum class TranscriptFormat { kJsonl, kText };
 
@@ -89,4 +89,4 @@ class TranscriptFile {
 // JSON text of any byte string: invalid UTF-8 is replaced, never thrown.
 std::string JsonDump(const nlohmann::ordered_json& j, int indent = -1);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

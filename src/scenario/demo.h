@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 // The demo as a scenario text, for the scenario parser.
 extern const char* const kDemoScenario;
@@ -18,4 +18,4 @@ inline constexpr const char* kDemoName = "demo.scn";
 std::string DemoSummary(const nlohmann::ordered_json& final_state,
                         const std::string& user);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

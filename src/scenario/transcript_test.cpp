@@ -1,4 +1,4 @@
-#include "sim/transcript.h"
+#include "scenario/transcript.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 #include "testing/temp_folder.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 // Each line of the file reads "00:00:00.000  a: x" at this clock: 19 bytes
@@ -40,4 +40,4 @@ TEST(TranscriptFileTest, LinesAreOnDiskAtOnceAndTheFileStartsAfreshAtItsLimit) {
 }
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

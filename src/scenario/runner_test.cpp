@@ -1,4 +1,4 @@
-#include "sim/runner.h"
+#include "scenario/runner.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "sim/demo.h"
-#include "sim/interrupt.h"
-#include "sim/scenario.h"
+#include "scenario/demo.h"
+#include "scenario/interrupt.h"
+#include "scenario/scenario.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -169,11 +169,11 @@ TEST(RunnerTest, DemoServesEveryKindOfRequest) {
 }
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario
 
 // POSIX signals and environment.
 #if !defined(_WIN32)
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 // A signal noted during the set-up ends the run there: nothing runs,
@@ -213,5 +213,5 @@ TEST(RunnerInterruptTest, ASignalDuringTheSetUpEndsTheRunThere) {
 }
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario
 #endif

@@ -1,15 +1,33 @@
-#include "sim/scenario.h"
+#include "scenario/scenario.h"
 
 #include <charconv>
 #include <cmath>
 #include <fstream>
+#include <optional>
 #include <sstream>
+#include <string_view>
+#include <utility>
 
 #include "sim/sim_knobs.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 namespace {
+
+// The timed lines' words.
+constexpr std::pair<std::string_view, Verb> kVerbWords[] = {
+    {"say", Verb::kSay},       {"press", Verb::kPress},
+    {"select", Verb::kSelect}, {"set", Verb::kSet},
+    {"answer", Verb::kAnswer}, {"signoff", Verb::kSignoff},
+    {"kill", Verb::kKill},     {"join", Verb::kJoin},
+    {"leave", Verb::kLeave},   {"start", Verb::kStart},
+};
+
+std::optional<Verb> FindVerb(std::string_view word) {
+  for (const auto& [w, verb] : kVerbWords)
+    if (w == word) return verb;
+  return std::nullopt;
+}
 
 class LineParser {
  public:
@@ -110,68 +128,83 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
         p.Fail("time " + when + " is earlier than the timed line before it");
       last_time = t.at;
       timed_started = true;
-      t.verb = TakeWord(rest);
-      if (t.verb == "say") {
-        size_t colon = rest.find(": ");
-        if (colon == std::string_view::npos)
-          p.Fail("expected 'say NAME: TEXT'");
-        t.name = std::string(rest.substr(0, colon));
-        t.text = std::string(rest.substr(colon + 2));
-        if (TrimBlanks(t.name).empty()) p.Fail("the speaker's name is empty");
-      } else if (t.verb == "press") {
-        t.name = TakeWord(rest);
-        std::string idx = TakeWord(rest);
-        if (t.name.empty()) p.Fail("expected 'press CONTROL [INDEX]'");
-        if (!idx.empty())
-          t.index = static_cast<int>(p.Whole(idx, "an item index", 1, 99));
-        if (!TrimBlanks(rest).empty())
-          p.Fail("unexpected text after the index");
-        if (controls.pressable && !controls.pressable(t.name, t.index))
-          p.Fail("unknown control to press: '" + t.name +
-                 (t.index ? " " + std::to_string(t.index) : std::string()) +
-                 "'");
-      } else if (t.verb == "select") {
-        t.name = TakeWord(rest);
-        const std::string item = TrimBlanks(rest);
-        if (item.size() >= 2 && item.front() == '"' && item.back() == '"') {
-          // An item by its text, as the user would pick it.
-          t.text = item.substr(1, item.size() - 2);
-          if (t.text.empty()) p.Fail("the item's text is empty");
-        } else {
+      const std::string word = TakeWord(rest);
+      if (word.empty()) p.Fail("expected a directive after the time");
+      const std::optional<Verb> found = FindVerb(word);
+      if (!found) p.Fail("unknown timed directive '" + word + "'");
+      t.verb = *found;
+      switch (t.verb) {
+        case Verb::kSay: {
+          size_t colon = rest.find(": ");
+          if (colon == std::string_view::npos)
+            p.Fail("expected 'say NAME: TEXT'");
+          t.name = std::string(rest.substr(0, colon));
+          t.text = std::string(rest.substr(colon + 2));
+          if (TrimBlanks(t.name).empty()) p.Fail("the speaker's name is empty");
+          break;
+        }
+        case Verb::kPress: {
+          t.name = TakeWord(rest);
           std::string idx = TakeWord(rest);
-          if (t.name.empty() || idx.empty() || !TrimBlanks(rest).empty())
-            p.Fail("expected 'select LIST INDEX' or 'select LIST \"TEXT\"'");
-          t.index =
-              static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
+          if (t.name.empty()) p.Fail("expected 'press CONTROL [INDEX]'");
+          if (!idx.empty())
+            t.index = static_cast<int>(p.Whole(idx, "an item index", 1, 99));
+          if (!TrimBlanks(rest).empty())
+            p.Fail("unexpected text after the index");
+          if (controls.pressable && !controls.pressable(t.name, t.index))
+            p.Fail("unknown control to press: '" + t.name +
+                   (t.index ? " " + std::to_string(t.index) : std::string()) +
+                   "'");
+          break;
         }
-        if (controls.selectable && !controls.selectable(t.name))
-          p.Fail("unknown list to select in: '" + t.name + "'");
-      } else if (t.verb == "set") {
-        size_t eq = rest.find(" = ");
-        size_t eq_end = eq + 3;
-        if (eq == std::string_view::npos && rest.size() >= 2 &&
-            rest.substr(rest.size() - 2) == " =") {
-          eq = rest.size() - 2;
-          eq_end = rest.size();
+        case Verb::kSelect: {
+          t.name = TakeWord(rest);
+          const std::string item = TrimBlanks(rest);
+          if (item.size() >= 2 && item.front() == '"' && item.back() == '"') {
+            // An item by its text, as the user would pick it.
+            t.text = item.substr(1, item.size() - 2);
+            if (t.text.empty()) p.Fail("the item's text is empty");
+          } else {
+            std::string idx = TakeWord(rest);
+            if (t.name.empty() || idx.empty() || !TrimBlanks(rest).empty())
+              p.Fail("expected 'select LIST INDEX' or 'select LIST \"TEXT\"'");
+            t.index =
+                static_cast<int>(p.Whole(idx, "a 0-based item", 0, 1000000000));
+          }
+          if (controls.selectable && !controls.selectable(t.name))
+            p.Fail("unknown list to select in: '" + t.name + "'");
+          break;
         }
-        if (eq == std::string_view::npos)
-          p.Fail("expected 'set CONTROL = VALUE'");
-        t.name = TrimBlanks(rest.substr(0, eq));
-        t.text = std::string(rest.substr(eq_end));
-        if (controls.settable && !controls.settable(t.name))
-          p.Fail("unknown control to set: '" + t.name + "'");
-      } else if (t.verb == "answer") {
-        t.text = std::string(rest);
-      } else if (t.verb == "signoff" || t.verb == "start" || t.verb == "kill") {
-        if (!TrimBlanks(rest).empty()) p.Fail("'" + t.verb + "' takes nothing");
-      } else if (t.verb == "join" || t.verb == "leave") {
-        t.name = std::string(rest);
-        if (TrimBlanks(t.name).empty())
-          p.Fail("expected '" + t.verb + " NAME'");
-      } else if (t.verb.empty()) {
-        p.Fail("expected a directive after the time");
-      } else {
-        p.Fail("unknown timed directive '" + t.verb + "'");
+        case Verb::kSet: {
+          size_t eq = rest.find(" = ");
+          size_t eq_end = eq + 3;
+          if (eq == std::string_view::npos && rest.size() >= 2 &&
+              rest.substr(rest.size() - 2) == " =") {
+            eq = rest.size() - 2;
+            eq_end = rest.size();
+          }
+          if (eq == std::string_view::npos)
+            p.Fail("expected 'set CONTROL = VALUE'");
+          t.name = TrimBlanks(rest.substr(0, eq));
+          t.text = std::string(rest.substr(eq_end));
+          if (controls.settable && !controls.settable(t.name))
+            p.Fail("unknown control to set: '" + t.name + "'");
+          break;
+        }
+        case Verb::kAnswer:
+          t.text = std::string(rest);
+          break;
+        case Verb::kSignoff:
+        case Verb::kStart:
+        case Verb::kKill:
+          if (!TrimBlanks(rest).empty()) p.Fail("'" + word + "' takes nothing");
+          break;
+        case Verb::kJoin:
+        case Verb::kLeave:
+          t.name = std::string(rest);
+          if (TrimBlanks(t.name).empty())
+            p.Fail("expected '" + word + " NAME'");
+          break;
       }
       sc.timeline.push_back(std::move(t));
       continue;
@@ -309,4 +342,4 @@ Scenario LoadScenario(const std::string& path,
   return ParseScenario(path, all.str(), controls);
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

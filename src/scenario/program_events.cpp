@@ -1,11 +1,11 @@
-#include "sim/program_events.h"
+#include "scenario/program_events.h"
 
 #include <memory>
 #include <utility>
 
-#include "sim/interrupt.h"
+#include "scenario/interrupt.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 using nlohmann::ordered_json;
 
@@ -65,14 +65,14 @@ void WatchProgram(QuorvexApp& app, Transcript& t) {
     const_cast<Label*>(l)->Subscribe([&t](const Label& label) {
       t.Write("label", {{"name", label.name()}, {"text", label.caption()}});
     });
-  frm.status.Subscribe([&t](const StatusStrip& s) {
+  frm.controls.status.Subscribe([&t](const StatusStrip& s) {
     t.Write("status", {{"text", s.text()}});
   });
   WatchList(frm.lstPending(), t);
-  WatchList(frm.lstBanned, t);
-  WatchList(frm.lstMails, t);
-  WatchList(frm.ReplyQueue, t);
-  WatchList(frm.MistakeList, t);
+  WatchList(frm.lists.lstBanned, t);
+  WatchList(frm.lists.lstMails, t);
+  WatchList(frm.lists.ReplyQueue, t);
+  WatchList(frm.lists.MistakeList, t);
   WatchForm(app.frmMainForm(), t, false);
   WatchForm(app.frmChatroom().form, t, true);
   WatchForm(app.frmAbout().form, t, true);
@@ -109,14 +109,14 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
     files[f] = ObjectOf(profiles.Dump(machine.HostPath(path)), keys_of);
   }
   ordered_json state{{"lists", lists},
-                     {"ReplyQueue", frm.ReplyQueue.Items()},
-                     {"MistakeList", frm.MistakeList.Items()},
+                     {"ReplyQueue", frm.lists.ReplyQueue.Items()},
+                     {"MistakeList", frm.lists.MistakeList.Items()},
                      {"labels", labels}};
   // The text boxes of open windows that show the program's text.
   ordered_json texts = ordered_json::object();
   for (const auto& [name, box] : app.OpenTexts()) texts[name] = box->text;
   if (!texts.empty()) state["texts"] = texts;
-  state["status"] = frm.status.text();
+  state["status"] = frm.controls.status.text();
   state["menus"] = menus;
   state["checked"] = checked;
   state["disabled"] = disabled;
@@ -125,4 +125,63 @@ ordered_json ProgramFinalState(QuorvexApp& app, const Registry& registry,
   return state;
 }
 
-}  // namespace quorvex::sim
+bool RunUserLine(const TimedLine& line, QuorvexApp& app,
+                 ScriptedPrompter& prompter) {
+  switch (line.verb) {
+    case Verb::kAnswer:
+      prompter.QueueAnswer(line.text);
+      return false;
+    case Verb::kPress: {
+      const bool running = !app.ended();
+      app.Press(line.name, line.index);
+      return running && app.ended();
+    }
+    case Verb::kSelect:
+      if (line.text.empty())
+        app.Select(line.name, line.index);
+      else
+        app.SelectText(line.name, line.text);
+      return false;
+    case Verb::kSet:
+      app.Set(line.name, line.text);
+      return false;
+    default:
+      return false;
+  }
+}
+
+void WatchPrompts(ScriptedPrompter& prompter, Transcript& t) {
+  prompter.SetObserver([&t](const PromptRecord& r) {
+    if (r.kind == "message") {
+      t.Write("prompt",
+              {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
+      return;
+    }
+    t.Write("prompt", {{"kind", r.kind},
+                       {"title", r.title},
+                       {"prompt", r.prompt},
+                       {"default", r.default_text},
+                       {"answer", r.answer}});
+  });
+}
+
+void AddClientMail(
+    ordered_json& state,
+    const std::map<std::string, std::vector<ReceivedMail>>& mailboxes,
+    const std::vector<SimClient::WaitingMail>& waiting) {
+  state["mailboxes"] =
+      ObjectOf(mailboxes, [](const std::vector<ReceivedMail>& mails) {
+        ordered_json box = ordered_json::array();
+        for (const ReceivedMail& m : mails)
+          box.push_back(
+              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
+        return box;
+      });
+  if (waiting.empty()) return;
+  ordered_json held = ordered_json::array();
+  for (const SimClient::WaitingMail& m : waiting)
+    held.push_back({{"to", m.to}, {"subject", m.subject}, {"body", m.body}});
+  state["waiting"] = held;
+}
+
+}  // namespace quorvex::scenario

@@ -6,10 +6,10 @@
 #include <ostream>
 #include <string>
 
-#include "sim/scenario.h"
-#include "sim/transcript.h"
+#include "scenario/scenario.h"
+#include "scenario/transcript.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 struct RunOptions {
   TranscriptFormat format = TranscriptFormat::kJsonl;
@@ -29,4 +29,4 @@ ControlCatalogue Controls();
 int RunScenario(const Scenario& scenario, const RunOptions& options,
                 std::ostream& out);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

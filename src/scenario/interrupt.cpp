@@ -1,9 +1,9 @@
-#include "sim/interrupt.h"
+#include "scenario/interrupt.h"
 
 #include <csignal>
 #include <cstdlib>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 volatile std::sig_atomic_t g_signal = 0;
@@ -29,4 +29,4 @@ void EndBySignal(int signal) {
   std::_Exit(128 + signal);
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -1,4 +1,4 @@
-#include "sim/demo.h"
+#include "scenario/demo.h"
 
 #include <algorithm>
 #include <map>
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 const char* const kDemoScenario =
     R"(# A busy evening in the Lobby: the server is started, builds its lists,
@@ -173,4 +173,4 @@ std::string DemoSummary(const nlohmann::ordered_json& final_state,
   return out.str();
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

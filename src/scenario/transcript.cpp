@@ -1,10 +1,10 @@
-#include "sim/transcript.h"
+#include "scenario/transcript.h"
 
 #include <cmath>
 #include <cstdio>
 #include <utility>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 std::string JsonDump(const nlohmann::ordered_json& j, int indent) {
   return j.dump(indent, ' ', false,
@@ -121,4 +121,4 @@ void TranscriptFile::Open() {
   file_.setf(std::ios::unitbuf);
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -7,11 +7,11 @@
 #include "ports/host.h"
 #include "ports/profile_file.h"
 #include "ports/registry.h"
+#include "scenario/scenario.h"
 #include "sim/folder_machine.h"
-#include "sim/scenario.h"
 #include "sim/sim_client.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 // The registry values of the set-up.
 void StageRegistry(const Scenario& sc, Registry& registry);
@@ -30,4 +30,4 @@ void StageClient(const Scenario& sc, SimClient& client);
 double ScheduleRoomTalk(const Scenario& sc, Host& host, SimClient& client,
                         double offset = 0);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -12,11 +12,11 @@
 #include <vector>
 
 #include "app/job_log.h"
+#include "scenario/runner.h"
+#include "scenario/scenario.h"
 #include "sim/folder_machine.h"
-#include "sim/runner.h"
-#include "sim/scenario.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 namespace {
 
 namespace fs = std::filesystem;
@@ -320,4 +320,4 @@ run 50
 }
 
 }  // namespace
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -1,4 +1,4 @@
-#include "sim/runner.h"
+#include "scenario/runner.h"
 
 #include <chrono>
 #include <filesystem>
@@ -20,20 +20,20 @@
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
+#include "scenario/interrupt.h"
+#include "scenario/program_events.h"
+#include "scenario/room_stage.h"
 #include "server/machine_restart.h"
 #include "server/serve_engine.h"
 #include "sim/faulty_ports.h"
 #include "sim/file_registry.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
-#include "sim/interrupt.h"
-#include "sim/program_events.h"
-#include "sim/room_stage.h"
 #include "sim/sim_client.h"
 #include "sim/sim_observer.h"
 #include "sim/sim_world.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 namespace fs = std::filesystem;
 using nlohmann::ordered_json;
@@ -76,20 +76,7 @@ ordered_json FinalState(QuorvexApp& app, const Registry& registry,
                         const ProfileFile& profiles,
                         const FolderMachine& machine, const SimClient& client) {
   ordered_json state = ProgramFinalState(app, registry, profiles, machine);
-  ordered_json mailboxes =
-      ObjectOf(client.Mailboxes(), [](const std::vector<ReceivedMail>& mails) {
-        ordered_json box = ordered_json::array();
-        for (const ReceivedMail& m : mails)
-          box.push_back(
-              {{"from", m.from}, {"subject", m.subject}, {"body", m.body}});
-        return box;
-      });
-  state["mailboxes"] = mailboxes;
-  // Mail the client holds to send later; shown only when there is some.
-  ordered_json waiting = ordered_json::array();
-  for (const SimClient::WaitingMail& m : client.Waiting())
-    waiting.push_back({{"to", m.to}, {"subject", m.subject}, {"body", m.body}});
-  if (!waiting.empty()) state["waiting"] = waiting;
+  AddClientMail(state, client.Mailboxes(), client.Waiting());
   // The client's mail preferences as saved: what the program set, or left.
   ordered_json preferences = ordered_json::object();
   for (const auto& [label, checked] : client.MailPreferences())
@@ -190,19 +177,7 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   client.Launch();
   client.SetObserver(&observer);
 
-  prompter.SetObserver([&transcript](const PromptRecord& r) {
-    if (r.kind == "message") {
-      transcript.Write(
-          "prompt",
-          {{"kind", r.kind}, {"title", r.title}, {"prompt", r.prompt}});
-      return;
-    }
-    transcript.Write("prompt", {{"kind", r.kind},
-                                {"title", r.title},
-                                {"prompt", r.prompt},
-                                {"default", r.default_text},
-                                {"answer", r.answer}});
-  });
+  WatchPrompts(prompter, transcript);
 
   // Every program made (one more after each machine restart) is watched
   // from before its main window loads.
@@ -217,9 +192,9 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
     // mails left out, and each title's place in the mailbox kept.
     for (std::size_t i = 0; i < sc.mails.size(); ++i)
       if (KeepsMailTitle(sc.mails[i], static_cast<int>(i), true,
-                         &frm.mail_positions))
-        frm.lstMails.Add(sc.mails[i]);
-    frm.lblMails.Set(kMailsCount(frm.lstMails.Count()));
+                         &frm.lists.mail_positions))
+        frm.lists.lstMails.Add(sc.mails[i]);
+    frm.counts.lblMails.Set(kMailsCount(frm.lists.lstMails.Count()));
   };
   auto machine_event = [&transcript](const std::string& what) {
     transcript.Write("machine", {{"what", what}});
@@ -262,34 +237,33 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   // actions do: inside whatever wait the program is in.
   for (const TimedLine& line : sc.timeline) {
     host.ScheduleAt(line.at, [&, line] {
-      if (line.verb == "say") {
-        client.Say(line.name, line.text);
-      } else if (line.verb == "join") {
-        client.Join(line.name);
-      } else if (line.verb == "leave") {
-        client.Leave(line.name);
-      } else if (line.verb == "signoff") {
-        client.SignOff();
-      } else if (line.verb == "kill") {
-        client.Crash();
-      } else if (line.verb == "answer") {
-        prompter.QueueAnswer(line.text);
-      } else if (line.verb == "press") {
-        QuorvexApp& app = program.app();
-        const bool running = !app.ended();
-        app.Press(line.name, line.index);
-        if (running && app.ended()) throw ProgramExited{};
-      } else if (line.verb == "select") {
-        if (line.text.empty())
-          program.app().Select(line.name, line.index);
-        else
-          program.app().SelectText(line.name, line.text);
-      } else if (line.verb == "set") {
-        program.app().Set(line.name, line.text);
-      } else if (line.verb == "start") {
-        // The user starts the program again once it has ended: the run
-        // unwinds to the loop below, which starts it on the same files.
-        if (program.app().ended()) throw UserStartsProgram{};
+      switch (line.verb) {
+        case Verb::kSay:
+          client.Say(line.name, line.text);
+          break;
+        case Verb::kJoin:
+          client.Join(line.name);
+          break;
+        case Verb::kLeave:
+          client.Leave(line.name);
+          break;
+        case Verb::kSignoff:
+          client.SignOff();
+          break;
+        case Verb::kKill:
+          client.Crash();
+          break;
+        case Verb::kAnswer:
+        case Verb::kPress:
+        case Verb::kSelect:
+        case Verb::kSet:
+          if (RunUserLine(line, program.app(), prompter)) throw ProgramExited{};
+          break;
+        case Verb::kStart:
+          // The user starts the program again once it has ended: the run
+          // unwinds to the loop below, which starts it on the same files.
+          if (program.app().ended()) throw UserStartsProgram{};
+          break;
       }
     });
   }
@@ -334,4 +308,4 @@ int RunScenario(const Scenario& sc, const RunOptions& options,
   return transcript.events();
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -1,16 +1,18 @@
-#include "sim/room_stage.h"
+#include "scenario/room_stage.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/text_util.h"
+#include "scenario/program_events.h"
 #include "settings/settings.h"
-#include "sim/program_events.h"
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 void StageRegistry(const Scenario& sc, Registry& registry) {
   // One write for all the lines.
@@ -60,16 +62,24 @@ double ScheduleRoomTalk(const Scenario& sc, Host& host, SimClient& client,
                         double offset) {
   double last = 0;
   for (const TimedLine& line : sc.timeline) {
-    if (line.verb != "say" && line.verb != "join" && line.verb != "leave")
-      continue;
+    std::function<void()> talk;
+    switch (line.verb) {
+      case Verb::kSay:
+        talk = [&client, line] { client.Say(line.name, line.text); };
+        break;
+      case Verb::kJoin:
+        talk = [&client, line] { client.Join(line.name); };
+        break;
+      case Verb::kLeave:
+        talk = [&client, line] { client.Leave(line.name); };
+        break;
+      default:  // what the program's user does is not the room's
+        continue;
+    }
     last = std::max(last, line.at);
-    host.Schedule(offset + line.at, [&client, line] {
-      if (line.verb == "say") client.Say(line.name, line.text);
-      if (line.verb == "join") client.Join(line.name);
-      if (line.verb == "leave") client.Leave(line.name);
-    });
+    host.Schedule(offset + line.at, std::move(talk));
   }
   return last;
 }
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 struct RunInterrupted : std::runtime_error {
   explicit RunInterrupted(int signal)
@@ -22,4 +22,4 @@ void ClearInterrupt();
 // Ends the process by `signal` with its default action.
 [[noreturn]] void EndBySignal(int signal);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario

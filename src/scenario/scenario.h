@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace quorvex::sim {
+namespace quorvex::scenario {
 
 struct ScenarioError : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -24,11 +24,24 @@ struct SetupValue {
   std::string value;
 };
 
+// What a timed line does, read once from its word by the parser.
+enum class Verb {
+  kSay,      // say NAME: TEXT
+  kPress,    // press CONTROL [INDEX]
+  kSelect,   // select LIST INDEX, select LIST "TEXT"
+  kSet,      // set CONTROL = VALUE
+  kAnswer,   // answer TEXT: the next prompt's answer
+  kSignoff,  // the client signs off
+  kKill,     // the client's process ends at once
+  kJoin,     // join NAME
+  kLeave,    // leave NAME
+  kStart,    // the user starts the ended program again
+};
+
 struct TimedLine {
   int line = 0;  // line number in the file
   double at = 0;
-  std::string verb;    // say, press, select, set, answer, signoff, kill,
-                       // join, leave, start
+  Verb verb = Verb::kSay;
   std::string name{};  // speaker, control, list, person
   std::string text{};  // said text, answer, value; select: the item's text
   int index = 0;       // press: preset item (0 none); select: item
@@ -78,4 +91,4 @@ Scenario ParseScenario(const std::string& file_name, const std::string& text,
 Scenario LoadScenario(const std::string& path,
                       const ControlCatalogue& controls);
 
-}  // namespace quorvex::sim
+}  // namespace quorvex::scenario
