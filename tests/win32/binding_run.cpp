@@ -16,6 +16,7 @@
 #include "app/program.h"
 #include "app/quorvex_app.h"
 #include "client/mailbox.h"
+#include "line_clock.h"
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
@@ -193,8 +194,9 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // A timed line runs when the message loop comes to it, a little after
   // its time; what it does is written at its time, as the simulator
   // writes it (the soak's accounting matches a clear or a start to the
-  // line's moment). `late` is how late the line under way came.
-  double late = 0;
+  // line's moment), and what the program does meanwhile in the order it
+  // happened (line_clock.h).
+  LineClock lines;
   // How often the status strip has shown each text; the anchored lines
   // waiting for it, by their place in the timeline (each says whether it
   // is now on its way).
@@ -209,7 +211,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
       program_out, sim::TranscriptFormat::kJsonl,
       [&] {
         if (frozen_at >= 0 && host.Clock() < frozen_until) return frozen_at;
-        return host.Clock() - t0 - late;
+        return lines.At(host.Clock() - t0);
       },
       [&] { return host.Timer(); });
   FaultDice dice({sc.registry_write_faults, sc.profile_write_faults,
@@ -302,13 +304,11 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
   auto run_line = [&](const sim::TimedLine& line) {
-    const double was_late =
-        std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
-    struct Restore {
-      double& late;
-      double was;
-      ~Restore() { late = was; }
-    } restore{late, was_late};
+    lines.Begin(line.at, host.Clock() - t0);
+    struct Done {
+      LineClock& lines;
+      ~Done() { lines.End(); }
+    } done{lines};
     if (line.verb == "say") {
       client.Command("say " + line.name + "|" + line.text);
     } else if (line.verb == "join" || line.verb == "leave") {
@@ -360,7 +360,9 @@ std::string RunThroughBinding(const sim::Scenario& sc,
     const sim::TimedLine& line = sc.timeline[i];
     const auto anchor = o.anchors.find(i);
     if (anchor == o.anchors.end()) {
+      lines.Schedule(line.at);
       host.Schedule(line.at, [&, i, line] {
+        lines.Unschedule(line.at);
         if (!unrun.empty() && *unrun.begin() < i)
           held[i] = line;
         else
@@ -469,7 +471,6 @@ std::string RunThroughBinding(const sim::Scenario& sc,
       try {
         try {
           program.Run(false, [&] {
-            late = 0;
             frozen_at = -1;
             run_on();
           });
