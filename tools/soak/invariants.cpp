@@ -168,18 +168,27 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   // client for it; requests accepted at each time, by entry; what was
   // restored at the start and the labels then.
   std::vector<std::pair<int, double>> asker_asks;
+  // Every item the list holds now, and the asker's requests that stood
+  // behind someone else's than the flooders': the flood bound counts only
+  // theirs ahead (a stretch begins with a clear, but a request said just
+  // before it may be heard after it).
+  std::multiset<std::string> in_list;
+  std::set<std::pair<int, double>> asker_behind_others;
   std::map<int, std::vector<double>> asker_handed;
   std::map<std::string, std::vector<double>> added_at;
   std::vector<std::string> restored_pending, restored_banned;
   std::string label_pending_at_start, label_banned_at_start;
   // lstMails as the start reads it again: each emptying, with the count
-  // before it and the count it came back to.
+  // before it, the count it came back to and when its last title came. A
+  // program started again has read nothing yet: its list is empty.
   struct Read {
     double at;
     int before, after;
+    double end;
   };
   std::vector<Read> reads;
   int mail_titles = 0;
+  bool open_read = false;  // the last read is the running program's
   // When the server went serving (on and not paused) or stopped, as the
   // captions of cmdStart and cmdPause say; a program that ends or starts
   // anew is not serving.
@@ -211,7 +220,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
            ends_and_starts[next_end_or_start].first <= t;
          ++next_end_or_start) {
       on = false;
-      if (ends_and_starts[next_end_or_start].second) paused = false;
+      if (ends_and_starts[next_end_or_start].second) {
+        paused = false;
+        if (open_read) reads.back().after = mail_titles;
+        open_read = false;
+        mail_titles = 0;
+      }
       serving_now(ends_and_starts[next_end_or_start].first);
     }
     if (ev == "chat" || ev == "status") {
@@ -272,11 +286,13 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         banned_at[NoSpaces(item)].push_back(t);
       if (name == "lstMails") {
         if (op == "clear") {
-          if (!reads.empty()) reads.back().after = mail_titles;
-          reads.push_back({t, mail_titles, 0});
+          if (open_read) reads.back().after = mail_titles;
+          reads.push_back({t, mail_titles, 0, t});
+          open_read = true;
           mail_titles = 0;
         }
         mail_titles += op == "add" ? 1 : op == "remove" ? -1 : 0;
+        if (open_read) reads.back().end = t;
       }
       if (t == 0 && op == "add" && name == "lstPending")
         restored_pending.push_back(item);
@@ -291,8 +307,13 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       if (start_times.count(t) && !started.count(t)) {
         started.insert(t);
         live.clear();
+        in_list.clear();
       }
+      if (op == "add") in_list.insert(item);
+      if (op == "remove" && in_list.count(item))
+        in_list.erase(in_list.find(item));
       if (op == "clear") {
+        in_list.clear();
         for (auto& [entry, n] : live)
           if (n > 0) removed_at[entry].push_back(t);
         live.clear();
@@ -311,14 +332,21 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       if (op == "add" && !start_times.count(t)) {
         ++accepted[entry];
         added_at[item].push_back(t);
-        if (entry.first == "asker") asker_asks.emplace_back(entry.second, t);
+        if (entry.first == "asker") {
+          asker_asks.emplace_back(entry.second, t);
+          for (const std::string& other : in_list) {
+            const std::string sn = other.substr(0, other.find_first_of("-~"));
+            if (sn != "asker" && !StartsWithName(sn, "flooder"))
+              asker_behind_others.insert({entry.second, t});
+          }
+        }
       } else if (op == "remove") {
         last_taken[entry] = t;
         removed_at[entry].push_back(t);
       }
     }
   }
-  if (!reads.empty()) reads.back().after = mail_titles;
+  if (open_read) reads.back().after = mail_titles;
   if (final_state.is_null()) {
     bad.push_back("no final state: the run did not end normally");
     return bad;
@@ -689,14 +717,23 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   }
 
   // Requests said while a start read the mailbox: each accepted that asks
-  // for a mail both in the list before the read and in the list after.
+  // for a mail both in the list before the read and in the list after (the
+  // program judges them by the list as it stood before), or said once the
+  // read was over and in the list it read.
   for (const sim::TimedLine& l : sc.timeline) {
     if (l.verb != "say" || !StartsWithName(l.name, "early")) continue;
     const int n = SendNumber(l.text);
     const Read* read = nullptr;
     for (const Read& r : reads)
       if (r.at <= l.at && l.at - r.at < 10) read = &r;
-    if (n <= 0 || !read || n > std::min(read->before, read->after)) continue;
+    // Not a read of the program running then: it ended or started anew
+    // since.
+    for (const auto& [x, start] : ends_and_starts)
+      if (read && x > read->at && x <= l.at) read = nullptr;
+    if (n <= 0 || !read) continue;
+    if (n > std::min(read->before, read->after) &&
+        (l.at <= read->end || n > read->after))
+      continue;
     // Not heard: the client signed off shortly before or right after (the
     // room is read four times a second), or the program ended first.
     bool off = SignedOffAt(client_off, client_on, l.at);
@@ -767,7 +804,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         if (when <= t) serving = yes;
         if (when > t && !yes) quiet = false;
       }
-      if (!serving || !quiet || stopped_within(t, bound)) continue;
+      if (!serving || !quiet || stopped_within(t, bound) ||
+          asker_behind_others.count({n, t}))
+        continue;
       ++fig->flood_asks;
       fig->flood_wait_max = std::max(fig->flood_wait_max, wait);
       if (wait > bound)

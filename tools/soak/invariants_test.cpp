@@ -334,6 +334,32 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   EXPECT_EQ(figures.flood_asks, 1);
 }
 
+TEST_F(InvariantsTest, TheFloodBoundCountsOnlyFloodersAhead) {
+  // Someone's requests said before the stretch's clear, heard after it,
+  // stand ahead of the asker's: the asker waits for them, not for the
+  // flooders. With a flooder's ahead, the bound holds.
+  const double bound = FloodBound(0.05, 0, false, 0);
+  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  sc.run_until = 400;
+  auto late_mail = [this, bound](double asked) {
+    Add(asked, "asker-2");
+    Line(
+        asked + bound + 1,
+        R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+  };
+  Add(5, "jo jo~dog");
+  late_mail(10);
+  Remove(50, "jo jo~dog");
+  Add(60, "flooder1-3");
+  late_mail(100);
+  auto bad = Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("asker-2: held back by flooders, waited " +
+                        std::to_string(static_cast<int>(bound + 1))),
+            std::string::npos);
+  EXPECT_EQ(figures.flood_asks, 1);
+}
+
 TEST_F(InvariantsTest, ARestoredListEndsWithWhatTheFileHolds) {
   Line(0, R"("ev":"label","name":"lblPending","text":"pending: 3")");
   Add(0, "bob-1");
@@ -387,6 +413,47 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
             "early3-3: asked for while a start read the mailbox, "
             "refused");
   EXPECT_EQ(figures.early_requests, 3);
+}
+
+TEST_F(InvariantsTest, AProgramStartedAgainHasReadNoMailYet) {
+  // The first program's read is cut short by an exit at 8; the program
+  // started at 10 reads from 12 to 14 with an empty list before: what is
+  // asked during its read is judged against none, what is asked after it
+  // against the three it read. A request said after the exit, before the
+  // start, is heard by no program.
+  auto title = [this](double t, const char* op, const std::string& item) {
+    Line(t, std::string(R"("ev":"list","name":"lstMails","op":")") + op +
+                R"(","item":")" + item + "\"");
+  };
+  for (const char* t : {"a", "b", "c"}) title(0, "add", t);
+  title(5, "clear", "");
+  title(6, "add", "a");
+  title(7, "add", "b");
+  title(12, "clear", "");
+  for (double t : {12.5, 13.0, 14.0}) title(t, "add", "x");
+  sc.timeline.push_back(
+      {.line = 1, .at = 8, .verb = "press", .name = "lblExit"});
+  sc.timeline.push_back({.line = 2, .at = 10, .verb = "start"});
+  auto say = [this](const char* who, double at) {
+    sc.timeline.push_back({.line = 3,
+                           .at = at,
+                           .verb = "say",
+                           .name = who,
+                           .text = "/srv send 2"});
+  };
+  say("early1", 9);     // no program
+  say("early2", 12.5);  // judged against none: refused
+  say("early3", 14.0);  // the read's last title came then
+  say("early4", 14.5);  // taken
+  say("early5", 15.0);  // refused
+  std::sort(sc.timeline.begin(), sc.timeline.end(),
+            [](const auto& a, const auto& b) { return a.at < b.at; });
+  Add(14.6, "early4-2");
+  const auto bad = Check({}, R"(["early4-2"])");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "early5-2: asked for while a start read the mailbox, refused");
+  EXPECT_EQ(figures.early_requests, 2);
 }
 
 }  // namespace
