@@ -7,11 +7,12 @@
 //  - what the program does while a line is overdue is written no later than
 //    that line's moment: it came before what the line does (a request taken
 //    just before a clear ran is written before the clear, not after it);
-//  - nothing is written before the moment of a line that has already run: a
-//    line run inside a long step of another (a say during a start's read of
-//    the mailbox) is not overtaken by what that step does after it (the
-//    request heard is written after it was said), however late the step
-//    itself started.
+//  - nothing is written before the moment of a line that has already run,
+//    nor before what was written already: a line run inside a long step of
+//    another (a say, a clear during a start's read of the mailbox) is not
+//    overtaken by what that step does after it (the request heard is
+//    written after it was said, the one taken after the clear after it),
+//    however late the step itself started.
 #pragma once
 
 #include <algorithm>
@@ -42,10 +43,11 @@ class LineClock {
     if (!lateness_.empty()) lateness_.pop_back();
   }
   // The moment to write for what happens at `now`.
-  double At(double now) const {
+  double At(double now) {
     double t = now - (lateness_.empty() ? 0.0 : lateness_.back());
-    t = std::max(t, ran_);
+    t = std::max({t, ran_, written_});
     if (!due_.empty()) t = std::min(t, *due_.begin());
+    written_ = t;
     return t;
   }
 
@@ -53,6 +55,7 @@ class LineClock {
   std::multiset<double> due_;     // lines not run yet, by moment
   std::vector<double> lateness_;  // of the lines running, innermost last
   double ran_ = -std::numeric_limits<double>::infinity();
+  double written_ = -std::numeric_limits<double>::infinity();
 };
 
 }  // namespace quorvex::test

@@ -52,9 +52,28 @@ TEST(LineClock, NothingIsWrittenBeforeALineThatHasRun) {
   EXPECT_NEAR(clock.At(38), 38, kEps);
 }
 
+// A clear due at 40 runs inside a say of 39 that came 3 s late, and takes
+// a moment itself; the requests the program takes after it, back in the
+// say's step, are written after the clear.
+TEST(LineClock, NothingIsWrittenBeforeWhatWasWrittenAlready) {
+  LineClock clock;
+  for (double at : {39.0, 40.0, 50.0}) clock.Schedule(at);
+  clock.Unschedule(39);
+  clock.Begin(39, 42);
+  clock.Unschedule(40);
+  clock.Begin(40, 42.01);
+  EXPECT_NEAR(clock.At(42.01), 40, kEps);
+  EXPECT_NEAR(clock.At(42.03), 40.02, kEps);
+  clock.End();
+  EXPECT_NEAR(clock.At(42.04), 40.02, kEps);  // 39.04 by the say's lateness
+  EXPECT_NEAR(clock.At(43.5), 40.5, kEps);
+  clock.End();
+  EXPECT_NEAR(clock.At(44), 44, kEps);
+}
+
 // A line run before its moment (the status strip said so) is written when
-// it runs, and holds nothing back; a line waiting behind it does not
-// stop the clock.
+// it runs, and holds nothing back; a line waiting behind another does not
+// stop the clock, and is written after what came while it waited.
 TEST(LineClock, ALineRunEarlyOrHeldDoesNotMoveTheClock) {
   LineClock clock;
   clock.Schedule(12);
@@ -64,10 +83,12 @@ TEST(LineClock, ALineRunEarlyOrHeldDoesNotMoveTheClock) {
   EXPECT_NEAR(clock.At(9), 9, kEps);
   clock.Unschedule(12);  // held behind another line
   EXPECT_NEAR(clock.At(15), 15, kEps);
+  // Run at 16 once that one has: written after what came meanwhile.
   clock.Begin(12, 16);
-  EXPECT_NEAR(clock.At(16.5), 12.5, kEps);
+  EXPECT_NEAR(clock.At(16.5), 15, kEps);
+  EXPECT_NEAR(clock.At(19.5), 15.5, kEps);
   clock.End();
-  EXPECT_NEAR(clock.At(17), 17, kEps);
+  EXPECT_NEAR(clock.At(20), 20, kEps);
 }
 
 }  // namespace
