@@ -64,6 +64,13 @@ bool SignedOffAt(const std::vector<double>& off, const std::vector<double>& on,
   return true;
 }
 
+// Whether what was written at `t` is what a user's action of moment
+// `moment` did: at that moment (to the transcript's millisecond), or up to
+// `later` seconds after it.
+bool AtMoment(double t, double moment, double later) {
+  return t > moment - 0.0015 && t < moment + 0.0015 + later;
+}
+
 bool StartsWithName(const std::string& name, const char* prefix) {
   return LCase(name).rfind(prefix, 0) == 0;
 }
@@ -112,7 +119,7 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
 std::vector<std::string> CheckRun(const sim::Scenario& sc,
                                   const std::string& transcript,
                                   RunFigures* fig, const std::string* log,
-                                  double heard_within) {
+                                  const Allowances& allow) {
   std::vector<std::string> bad;
   const std::string user = LCase(sc.user);
   const int mails = static_cast<int>(sc.mails.size());
@@ -173,6 +180,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   // theirs ahead (a stretch begins with a clear, but a request said just
   // before it may be heard after it).
   std::multiset<std::string> in_list;
+  // When the room showed each line of an "early" + n, by (name, text).
+  std::map<std::pair<std::string, std::string>, std::vector<double>>
+      early_shown;
   std::set<std::pair<int, double>> asker_behind_others;
   std::map<int, std::vector<double>> asker_handed;
   std::map<std::string, std::vector<double>> added_at;
@@ -228,6 +238,8 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
       }
       serving_now(ends_and_starts[next_end_or_start].first);
     }
+    if (ev == "chat" && StartsWithName(e.value("sn", ""), "early"))
+      early_shown[{LCase(e.value("sn", "")), e.value("text", "")}].push_back(t);
     if (ev == "chat" || ev == "status") {
       std::smatch match;
       const std::string said = e.value("text", "");
@@ -416,7 +428,7 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     if (removed_at.count(entry))
       for (double r : removed_at.at(entry))
         for (double c : moments)
-          if (std::abs(r - c) < 0.0015) {
+          if (AtMoment(r, c, allow.acted_within)) {
             ++n;
             break;
           }
@@ -432,9 +444,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     return b == banned_at.end() ? 0 : removed_then(entry, b->second);
   };
   // Removed at the moment of a clear, or of a ban of `sn`.
-  auto at_any = [](double r, const std::vector<double>& moments) {
+  auto at_any = [&](double r, const std::vector<double>& moments) {
     for (double c : moments)
-      if (std::abs(r - c) < 0.0015) return true;
+      if (AtMoment(r, c, allow.acted_within)) return true;
     return false;
   };
   auto by_user_at = [&](double r) { return at_any(r, clears); };
@@ -734,20 +746,32 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     if (n > std::min(read->before, read->after) &&
         (l.at <= read->end || n > read->after))
       continue;
+    // When the room showed it: at its moment in the simulator; through
+    // the binding, when the line ran, which may be late (the loop held by
+    // a call into a busy client), and lines due meanwhile run right after
+    // it. Never shown: the room was gone.
+    double shown = -1;
+    const auto said = early_shown.find({LCase(l.name), l.text});
+    if (said != early_shown.end())
+      for (double t : said->second)
+        if (t >= l.at - 0.5) {
+          shown = std::max(t, l.at);
+          break;
+        }
     // Not heard: the client signed off shortly before or right after (the
     // room is read four times a second), or the program ended first.
-    bool off = SignedOffAt(client_off, client_on, l.at);
+    bool off = shown < 0 || SignedOffAt(client_off, client_on, shown);
     for (double o : signoffs)
-      if (o <= l.at + 1 && l.at - o < 180) off = true;
+      if (o <= shown + 1 && l.at - o < 180) off = true;
     for (double x : exits)
-      if (x >= l.at && x <= l.at + 1) off = true;
+      if (x >= l.at && x <= shown + 1) off = true;
     if (off) continue;
     ++fig->early_requests;
     bool taken = false;
     const auto it = added_at.find(LCase(l.name) + "-" + std::to_string(n));
     if (it != added_at.end())
       for (double a : it->second)
-        if (a >= l.at && a - l.at <= heard_within) taken = true;
+        if (a >= l.at && a - shown <= allow.heard_within) taken = true;
     if (!taken)
       bad.push_back(LCase(l.name) + "-" + std::to_string(n) +
                     ": asked for while a start read the mailbox, refused");
@@ -771,8 +795,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
       const double bound =
-          FloodBound(sc.latency_ms / 1000.0, static_cast<int>(flooders.size()),
-                     by_mail, sent_restart);
+          allow.serving_pace * FloodBound(sc.latency_ms / 1000.0,
+                                          static_cast<int>(flooders.size()),
+                                          by_mail, sent_restart);
       // The mail handed for it, if any.
       std::vector<double>& got = asker_handed[n];
       std::size_t& k = used[n];

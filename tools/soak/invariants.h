@@ -67,15 +67,26 @@ struct RunFigures {
 double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart);
 
+// How much a run through the real windows may differ in timing from the
+// simulator's, where the checks below depend on it.
+struct Allowances {
+  // A request said while a start read the mailbox is queued within this
+  // many seconds of the program's clock after the room showed it.
+  double heard_within = 2;
+  // What a user's action did is written at its moment, or up to this many
+  // seconds after it (the simulator does it in no time).
+  double acted_within = 0;
+  // The flood bound is this many times FloodBound (the simulator's pace
+  // of serving).
+  double serving_pace = 1;
+};
+
 // The violations found (empty: the run is clean). `log`, when given, is
-// the text of the run's Quorvex.log files, older lines first. A request
-// said while a start read the mailbox must be queued within `heard_within`
-// seconds of the program's clock (a run through the real windows reads
-// the room more slowly than the simulator).
+// the text of the run's Quorvex.log files, older lines first.
 std::vector<std::string> CheckRun(const sim::Scenario& scenario,
                                   const std::string& transcript_jsonl,
                                   RunFigures* figures,
                                   const std::string* log = nullptr,
-                                  double heard_within = 2);
+                                  const Allowances& allowances = {});
 
 }  // namespace quorvex::soak
