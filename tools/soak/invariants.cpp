@@ -104,14 +104,19 @@ bool StoredEmpty(const sim::Scenario& sc, const std::string& key) {
 
 }  // namespace
 
+double ForwardSeconds(double latency_seconds) {
+  // The client opens three windows and sends, and the job pauses (whole
+  // seconds) around them.
+  return 4 * latency_seconds + 3;
+}
+
 double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart) {
-  // What one forward costs at most: the client opens three windows and
-  // sends, and the job pauses (whole seconds) around them. A tick answers
-  // one reply (a mail too, with replies by mail) and forwards one group;
-  // ahead of the request stand at most one group per flooder. The sent-mail
-  // check may come once more.
-  const double forward = 4 * latency_seconds + 3;
+  // What one forward costs at most. A tick answers one reply (a mail too,
+  // with replies by mail) and forwards one group; ahead of the request
+  // stand at most one group per flooder. The sent-mail check may come once
+  // more.
+  const double forward = ForwardSeconds(latency_seconds);
   const double tick = forward * (replies_by_mail ? 2 : 1.5);
   return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
 }
@@ -180,6 +185,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
   // theirs ahead (a stretch begins with a clear, but a request said just
   // before it may be heard after it).
   std::multiset<std::string> in_list;
+  // The forwards of mails, and the time they took all told.
+  double opened_at = -1, forward_seconds = 0;
+  int forwards = 0;
   // When the room showed each line of an "early" + n, by (name, text).
   std::map<std::pair<std::string, std::string>, std::vector<double>>
       early_shown;
@@ -282,6 +290,13 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     } else if (ev == "status") {
       if (e.value("text", "") == "status: deleting sent")
         sent_deleted.push_back(t);
+      // How long each forward of a mail took, opened to sent.
+      if (e.value("text", "") == "status: opening mail") opened_at = t;
+      if (e.value("text", "") == "status: sent mail" && opened_at >= 0) {
+        forward_seconds += t - opened_at;
+        ++forwards;
+        opened_at = -1;
+      }
     } else if (ev == "fault") {
       const std::string kind = e.value("kind", "");
       ++fig->faults[kind];
@@ -784,6 +799,12 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
     const int sent_restart =
         std::atoi(Stored(sc, "Settings", "SentRestart").c_str());
     std::map<int, std::size_t> used;  // handed mails matched so far
+    // How many times slower than FloodBound's forward this client was
+    // served: as allowed, or as its forwards went.
+    double pace = allow.serving_pace;
+    if (allow.pace_from_run && forwards > 0)
+      pace = std::max(pace, forward_seconds / forwards /
+                                ForwardSeconds(sc.latency_ms / 1000.0));
     for (const auto& [n, t] : asker_asks) {
       // Who floods beside it, and whether anything else that may hold the
       // mail back happens from two minutes before to the bound: the user
@@ -794,10 +815,9 @@ std::vector<std::string> CheckRun(const sim::Scenario& sc,
         if (l.verb == "say" && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
-      const double bound =
-          allow.serving_pace * FloodBound(sc.latency_ms / 1000.0,
-                                          static_cast<int>(flooders.size()),
-                                          by_mail, sent_restart);
+      const double bound = pace * FloodBound(sc.latency_ms / 1000.0,
+                                             static_cast<int>(flooders.size()),
+                                             by_mail, sent_restart);
       // The mail handed for it, if any.
       std::vector<double>& got = asker_handed[n];
       std::size_t& k = used[n];

@@ -396,6 +396,19 @@ TEST_F(InvariantsTest, TheFloodBoundCountsOnlyFloodersAhead) {
   bad = Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
   EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
   EXPECT_EQ(figures.flood_asks, 1);
+
+  // Or as its forwards went: one that took the simulator's time does not
+  // widen the bound, one that took twice as long does.
+  allow.serving_pace = 1;
+  allow.pace_from_run = true;
+  auto forward = [this](double at, double seconds) {
+    text.erase(text.rfind("{\"t\""));
+    Line(at, R"("ev":"status","text":"status: opening mail")");
+    Line(at + seconds, R"("ev":"status","text":"status: sent mail")");
+    return Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
+  };
+  EXPECT_EQ(forward(200, ForwardSeconds(0.05)).size(), 1u);
+  EXPECT_TRUE(forward(210, 3 * ForwardSeconds(0.05)).empty());
 }
 
 TEST_F(InvariantsTest, ARestoredListEndsWithWhatTheFileHolds) {
