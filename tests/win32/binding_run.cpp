@@ -341,6 +341,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   // The timeline keeps its order: a line whose time comes while an
   // anchored line before it has not run is held, and runs after it.
   std::set<std::size_t> unrun;  // anchored lines not run yet
+  double latest_line = 0;       // of the others, in the program's clock
   std::map<std::size_t, sim::TimedLine> held;
   std::function<void()> release = [&] {
     if (held.empty()) return;
@@ -363,6 +364,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
       lines.Schedule(line.at);
       host.Schedule(line.at, [&, i, line] {
         lines.Unschedule(line.at);
+        latest_line = std::max(latest_line, host.Clock() - t0 - line.at);
         if (!unrun.empty() && *unrun.begin() < i)
           held[i] = line;
         else
@@ -487,6 +489,7 @@ std::string RunThroughBinding(const sim::Scenario& sc,
   } catch (const PowerOff&) {
   }
   pump->SetEnabled(false);
+  if (o.latest_line) *o.latest_line = latest_line / o.speed;
   std::string out = transcript_now();
   program.app().End();
   registry.DeleteApp(kApp);
