@@ -16,6 +16,7 @@
 #include "app/program.h"
 #include "app/quorvex_app.h"
 #include "client/mailbox.h"
+#include "line_clock.h"
 #include "model/text_util.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
@@ -193,8 +194,9 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   // A timed line runs when the message loop comes to it, a little after
   // its time; what it does is written at its time, as the simulator
   // writes it (the soak's accounting matches a clear or a start to the
-  // line's moment). `late` is how late the line under way came.
-  double late = 0;
+  // line's moment), and what the program does meanwhile in the order it
+  // happened (line_clock.h).
+  LineClock lines;
   // How often the status strip has shown each text; the anchored lines
   // waiting for it, by their place in the timeline (each says whether it
   // is now on its way).
@@ -209,7 +211,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
       program_out, scenario::TranscriptFormat::kJsonl,
       [&] {
         if (frozen_at >= 0 && host.Clock() < frozen_until) return frozen_at;
-        return host.Clock() - t0 - late;
+        return lines.At(host.Clock() - t0);
       },
       [&] { return host.Timer(); });
   FaultDice dice({sc.registry_write_faults, sc.profile_write_faults,
@@ -291,13 +293,11 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   t0 = host.Clock();
   const double w0 = StandInProcess::WallSeconds();
   auto run_line = [&](const scenario::TimedLine& line) {
-    const double was_late =
-        std::exchange(late, std::max(0.0, host.Clock() - t0 - line.at));
-    struct Restore {
-      double& late;
-      double was;
-      ~Restore() { late = was; }
-    } restore{late, was_late};
+    lines.Begin(line.at, host.Clock() - t0);
+    struct Done {
+      LineClock& lines;
+      ~Done() { lines.End(); }
+    } done{lines};
     using scenario::Verb;
     switch (line.verb) {
       case Verb::kSay:
@@ -333,6 +333,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   // The timeline keeps its order: a line whose time comes while an
   // anchored line before it has not run is held, and runs after it.
   std::set<std::size_t> unrun;  // anchored lines not run yet
+  double latest_line = 0;       // of the others, in the program's clock
   std::map<std::size_t, scenario::TimedLine> held;
   std::function<void()> release = [&] {
     if (held.empty()) return;
@@ -352,7 +353,10 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
     const scenario::TimedLine& line = sc.timeline[i];
     const auto anchor = o.anchors.find(i);
     if (anchor == o.anchors.end()) {
+      lines.Schedule(line.at);
       host.Schedule(line.at, [&, i, line] {
+        lines.Unschedule(line.at);
+        latest_line = std::max(latest_line, host.Clock() - t0 - line.at);
         if (!unrun.empty() && *unrun.begin() < i)
           held[i] = line;
         else
@@ -459,7 +463,6 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
       try {
         try {
           program.Run(false, [&] {
-            late = 0;
             frozen_at = -1;
             run_on();
           });
@@ -476,6 +479,7 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   } catch (const PowerOff&) {
   }
   pump->SetEnabled(false);
+  if (o.latest_line) *o.latest_line = latest_line / o.speed;
   std::string out = transcript_now();
   program.app().End();
   registry.DeleteApp(kApp);

@@ -48,6 +48,11 @@ struct BindingOptions {
     int count = 1;
   };
   std::map<std::size_t, Anchor> anchors;
+  // When given: set to how late, in seconds of the wall clock, the latest
+  // of the timed lines that run by their time came to run. A machine too
+  // loaded for the run shows here (the program's loop held by a call into
+  // a client whose process waits for the processor).
+  double* latest_line = nullptr;
 };
 
 // Runs the scenario to its end (`run T`) and returns its transcript.

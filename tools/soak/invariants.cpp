@@ -65,6 +65,13 @@ bool SignedOffAt(const std::vector<double>& off, const std::vector<double>& on,
   return true;
 }
 
+// Whether what was written at `t` is what a user's action of moment
+// `moment` did: at that moment (to the transcript's millisecond), or up to
+// `later` seconds after it.
+bool AtMoment(double t, double moment, double later) {
+  return t > moment - 0.0015 && t < moment + 0.0015 + later;
+}
+
 bool StartsWithName(const std::string& name, const char* prefix) {
   return LCase(name).rfind(prefix, 0) == 0;
 }
@@ -98,14 +105,19 @@ bool StoredEmpty(const scenario::Scenario& sc, const std::string& key) {
 
 }  // namespace
 
+double ForwardSeconds(double latency_seconds) {
+  // The client opens three windows and sends, and the job pauses (whole
+  // seconds) around them.
+  return 4 * latency_seconds + 3;
+}
+
 double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart) {
-  // What one forward costs at most: the client opens three windows and
-  // sends, and the job pauses (whole seconds) around them. A tick answers
-  // one reply (a mail too, with replies by mail) and forwards one group;
-  // ahead of the request stand at most one group per flooder. The sent-mail
-  // check may come once more.
-  const double forward = 4 * latency_seconds + 3;
+  // What one forward costs at most. A tick answers one reply (a mail too,
+  // with replies by mail) and forwards one group; ahead of the request
+  // stand at most one group per flooder. The sent-mail check may come once
+  // more.
+  const double forward = ForwardSeconds(latency_seconds);
   const double tick = forward * (replies_by_mail ? 2 : 1.5);
   return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
 }
@@ -113,7 +125,7 @@ double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
 std::vector<std::string> CheckRun(const scenario::Scenario& sc,
                                   const std::string& transcript,
                                   RunFigures* fig, const std::string* log,
-                                  double heard_within) {
+                                  const Allowances& allow) {
   std::vector<std::string> bad;
   const std::string user = LCase(sc.user);
   const int mails = static_cast<int>(sc.mails.size());
@@ -163,25 +175,40 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // When each name was banned (spaces removed, lower case): by the user
   // from the room window, or by the mistakes it made.
   std::map<std::string, std::vector<double>> banned_at;
-  std::set<double> start_times(starts.begin(), starts.end());
+  std::set<double> start_times(starts.begin(), starts.end()), started;
   std::map<std::pair<std::string, int>, int> live;  // in the list now
   bool queue_file_fault = false, registry_fault = false;
   // The asker's accepted requests (mail, time) and the mails handed to the
   // client for it; requests accepted at each time, by entry; what was
   // restored at the start and the labels then.
   std::vector<std::pair<int, double>> asker_asks;
+  // Every item the list holds now, and the asker's requests that stood
+  // behind someone else's than the flooders': the flood bound counts only
+  // theirs ahead (a stretch begins with a clear, but a request said just
+  // before it may be heard after it).
+  std::multiset<std::string> in_list;
+  // The forwards of mails, and the time they took all told.
+  double opened_at = -1, forward_seconds = 0;
+  int forwards = 0;
+  // When the room showed each line of an "early" + n, by (name, text).
+  std::map<std::pair<std::string, std::string>, std::vector<double>>
+      early_shown;
+  std::set<std::pair<int, double>> asker_behind_others;
   std::map<int, std::vector<double>> asker_handed;
   std::map<std::string, std::vector<double>> added_at;
   std::vector<std::string> restored_pending, restored_banned;
   std::string label_pending_at_start, label_banned_at_start;
   // lstMails as the start reads it again: each emptying, with the count
-  // before it and the count it came back to.
+  // before it, the count it came back to and when its last title came. A
+  // program started again has read nothing yet: its list is empty.
   struct Read {
     double at;
     int before, after;
+    double end;
   };
   std::vector<Read> reads;
   int mail_titles = 0;
+  bool open_read = false;  // the last read is the running program's
   // When the server went serving (on and not paused) or stopped, as the
   // captions of cmdStart and cmdPause say; a program that ends or starts
   // anew is not serving.
@@ -220,15 +247,21 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
          ++next_end_or_start) {
       on = false;
       // A program started again (a start is ignored while it runs) begins
-      // with an empty list, whether or not it restores anything into it.
+      // with an empty list, whether or not it restores anything into it,
+      // and has read no mail yet.
       if (ends_and_starts[next_end_or_start].second) {
         paused = false;
         if (exited) live.clear();
+        if (open_read) reads.back().after = mail_titles;
+        open_read = false;
+        mail_titles = 0;
       }
       exited = !ends_and_starts[next_end_or_start].second;
       if (exited) live_at_exit[ends_and_starts[next_end_or_start].first] = live;
       serving_now(ends_and_starts[next_end_or_start].first);
     }
+    if (ev == "chat" && StartsWithName(e.value("sn", ""), "early"))
+      early_shown[{LCase(e.value("sn", "")), e.value("text", "")}].push_back(t);
     if (ev == "chat" || ev == "status") {
       std::smatch match;
       const std::string said = e.value("text", "");
@@ -271,6 +304,13 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     } else if (ev == "status") {
       if (e.value("text", "") == "status: deleting sent")
         sent_deleted.push_back(t);
+      // How long each forward of a mail took, opened to sent.
+      if (e.value("text", "") == "status: opening mail") opened_at = t;
+      if (e.value("text", "") == "status: sent mail" && opened_at >= 0) {
+        forward_seconds += t - opened_at;
+        ++forwards;
+        opened_at = -1;
+      }
     } else if (ev == "fault") {
       const std::string kind = e.value("kind", "");
       ++fig->faults[kind];
@@ -289,11 +329,13 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         banned_at[NoSpaces(item)].push_back(t);
       if (name == "lstMails") {
         if (op == "clear") {
-          if (!reads.empty()) reads.back().after = mail_titles;
-          reads.push_back({t, mail_titles, 0});
+          if (open_read) reads.back().after = mail_titles;
+          reads.push_back({t, mail_titles, 0, t});
+          open_read = true;
           mail_titles = 0;
         }
         mail_titles += op == "add" ? 1 : op == "remove" ? -1 : 0;
+        if (open_read) reads.back().end = t;
       }
       if (t == 0 && op == "add" && name == "lstPending")
         restored_pending.push_back(item);
@@ -304,7 +346,17 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (dash != std::string::npos) asked.insert(item.substr(0, dash));
       }
       if (name != "lstPending") continue;
+      // A program started again begins with an empty list.
+      if (start_times.count(t) && !started.count(t)) {
+        started.insert(t);
+        live.clear();
+        in_list.clear();
+      }
+      if (op == "add") in_list.insert(item);
+      if (op == "remove" && in_list.count(item))
+        in_list.erase(in_list.find(item));
       if (op == "clear") {
+        in_list.clear();
         for (auto& [entry, n] : live)
           if (n > 0) removed_at[entry].push_back(t);
         live.clear();
@@ -323,14 +375,21 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       if (op == "add" && !start_times.count(t)) {
         ++accepted[entry];
         added_at[item].push_back(t);
-        if (entry.first == "asker") asker_asks.emplace_back(entry.second, t);
+        if (entry.first == "asker") {
+          asker_asks.emplace_back(entry.second, t);
+          for (const std::string& other : in_list) {
+            const std::string sn = other.substr(0, other.find_first_of("-~"));
+            if (sn != "asker" && !StartsWithName(sn, "flooder"))
+              asker_behind_others.insert({entry.second, t});
+          }
+        }
       } else if (op == "remove") {
         last_taken[entry] = t;
         removed_at[entry].push_back(t);
       }
     }
   }
-  if (!reads.empty()) reads.back().after = mail_titles;
+  if (open_read) reads.back().after = mail_titles;
   if (final_state.is_null()) {
     bad.push_back("no final state: the run did not end normally");
     return bad;
@@ -400,7 +459,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     if (removed_at.count(entry))
       for (double r : removed_at.at(entry))
         for (double c : moments)
-          if (std::abs(r - c) < 0.0015) {
+          if (AtMoment(r, c, allow.acted_within)) {
             ++n;
             break;
           }
@@ -416,9 +475,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     return b == banned_at.end() ? 0 : removed_then(entry, b->second);
   };
   // Removed at the moment of a clear, or of a ban of `sn`.
-  auto at_any = [](double r, const std::vector<double>& moments) {
+  auto at_any = [&](double r, const std::vector<double>& moments) {
     for (double c : moments)
-      if (std::abs(r - c) < 0.0015) return true;
+      if (AtMoment(r, c, allow.acted_within)) return true;
     return false;
   };
   auto by_user_at = [&](double r) { return at_any(r, clears); };
@@ -742,28 +801,49 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   }
 
   // Requests said while a start read the mailbox: each accepted that asks
-  // for a mail both in the list before the read and in the list after.
+  // for a mail both in the list before the read and in the list after (the
+  // program judges them by the list as it stood before), or said once the
+  // read was over and in the list it read.
   for (const scenario::TimedLine& l : sc.timeline) {
     if (l.verb != Verb::kSay || !StartsWithName(l.name, "early")) continue;
     const int n = SendNumber(l.text);
     const Read* read = nullptr;
     for (const Read& r : reads)
       if (r.at <= l.at && l.at - r.at < 10) read = &r;
-    if (n <= 0 || !read || n > std::min(read->before, read->after)) continue;
+    // Not a read of the program running then: it ended or started anew
+    // since.
+    for (const auto& [x, start] : ends_and_starts)
+      if (read && x > read->at && x <= l.at) read = nullptr;
+    if (n <= 0 || !read) continue;
+    if (n > std::min(read->before, read->after) &&
+        (l.at <= read->end || n > read->after))
+      continue;
+    // When the room showed it: at its moment in the simulator; through
+    // the binding, when the line ran, which may be late (the loop held by
+    // a call into a busy client), and lines due meanwhile run right after
+    // it. Never shown: the room was gone.
+    double shown = -1;
+    const auto said = early_shown.find({LCase(l.name), l.text});
+    if (said != early_shown.end())
+      for (double t : said->second)
+        if (t >= l.at - 0.5) {
+          shown = std::max(t, l.at);
+          break;
+        }
     // Not heard: the client signed off shortly before or right after (the
     // room is read four times a second), or the program ended first.
-    bool off = SignedOffAt(client_off, client_on, l.at);
+    bool off = shown < 0 || SignedOffAt(client_off, client_on, shown);
     for (double o : signoffs)
-      if (o <= l.at + 1 && l.at - o < 180) off = true;
+      if (o <= shown + 1 && l.at - o < 180) off = true;
     for (double x : exits)
-      if (x >= l.at && x <= l.at + 1) off = true;
+      if (x >= l.at && x <= shown + 1) off = true;
     if (off) continue;
     ++fig->early_requests;
     bool taken = false;
     const auto it = added_at.find(LCase(l.name) + "-" + std::to_string(n));
     if (it != added_at.end())
       for (double a : it->second)
-        if (a >= l.at && a - l.at <= heard_within) taken = true;
+        if (a >= l.at && a - shown <= allow.heard_within) taken = true;
     if (!taken)
       bad.push_back(LCase(l.name) + "-" + std::to_string(n) +
                     ": asked for while a start read the mailbox, refused");
@@ -776,6 +856,12 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     const int sent_restart =
         std::atoi(Stored(sc, "Settings", "SentRestart").c_str());
     std::map<int, std::size_t> used;  // handed mails matched so far
+    // How many times slower than FloodBound's forward this client was
+    // served: as allowed, or as its forwards went.
+    double pace = allow.serving_pace;
+    if (allow.pace_from_run && forwards > 0)
+      pace = std::max(pace, forward_seconds / forwards /
+                                ForwardSeconds(sc.latency_ms / 1000.0));
     for (const auto& [n, t] : asker_asks) {
       // Who floods beside it, and whether anything else that may hold the
       // mail back happens from two minutes before to the bound: the user
@@ -786,9 +872,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (l.verb == Verb::kSay && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
-      const double bound =
-          FloodBound(sc.latency_ms / 1000.0, static_cast<int>(flooders.size()),
-                     by_mail, sent_restart);
+      const double bound = pace * FloodBound(sc.latency_ms / 1000.0,
+                                             static_cast<int>(flooders.size()),
+                                             by_mail, sent_restart);
       // The mail handed for it, if any.
       std::vector<double>& got = asker_handed[n];
       std::size_t& k = used[n];
@@ -820,7 +906,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (when <= t) serving = yes;
         if (when > t && !yes) quiet = false;
       }
-      if (!serving || !quiet || stopped_within(t, bound)) continue;
+      if (!serving || !quiet || stopped_within(t, bound) ||
+          asker_behind_others.count({n, t}))
+        continue;
       ++fig->flood_asks;
       fig->flood_wait_max = std::max(fig->flood_wait_max, wait);
       if (wait > bound)

@@ -69,16 +69,34 @@ struct RunFigures {
 // check after every `sent_restart` mails (0: never).
 double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
                   int sent_restart);
+// The longest one forward of a mail takes at this client latency, in the
+// simulator's pace.
+double ForwardSeconds(double latency_seconds);
+
+// How much a run through the real windows may differ in timing from the
+// simulator's, where the checks below depend on it.
+struct Allowances {
+  // A request said while a start read the mailbox is queued within this
+  // many seconds of the program's clock after the room showed it.
+  double heard_within = 2;
+  // What a user's action did is written at its moment, or up to this many
+  // seconds after it (the simulator does it in no time).
+  double acted_within = 0;
+  // The flood bound is this many times FloodBound (the simulator's pace
+  // of serving) at least; with `pace_from_run`, as many times as the run's
+  // forwards of mails took longer on average than ForwardSeconds (a
+  // loaded machine slows every call into the client alike): the bound
+  // then counts the forwards ahead, at the pace this client was served.
+  double serving_pace = 1;
+  bool pace_from_run = false;
+};
 
 // The violations found (empty: the run is clean). `log`, when given, is
-// the text of the run's Quorvex.log files, older lines first. A request
-// said while a start read the mailbox must be queued within `heard_within`
-// seconds of the program's clock (a run through the real windows reads
-// the room more slowly than the simulator).
+// the text of the run's Quorvex.log files, older lines first.
 std::vector<std::string> CheckRun(const scenario::Scenario& scenario,
                                   const std::string& transcript_jsonl,
                                   RunFigures* figures,
                                   const std::string* log = nullptr,
-                                  double heard_within = 2);
+                                  const Allowances& allowances = {});
 
 }  // namespace quorvex::soak

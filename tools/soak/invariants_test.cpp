@@ -28,6 +28,18 @@ class InvariantsTest : public ::testing::Test {
   void Line(double t, const std::string& body) {
     text += "{\"t\":" + std::to_string(t) + "," + body + "}\n";
   }
+  // `who` says `said` at `at`; the room shows it at `shown` (at its
+  // moment when not given).
+  void Say(double at, const std::string& who, const std::string& said,
+           double shown = -1) {
+    sc.timeline.push_back({.line = 1,
+                           .at = at,
+                           .verb = scenario::Verb::kSay,
+                           .name = who,
+                           .text = said});
+    Line(shown < 0 ? at : shown,
+         R"("ev":"chat","sn":")" + who + R"(","text":")" + said + "\"");
+  }
   // The final state: mailboxes as (owner, mail number) pairs.
   std::vector<std::string> Check(
       const std::vector<std::pair<std::string, int>>& received,
@@ -48,7 +60,7 @@ class InvariantsTest : public ::testing::Test {
                   R"("}},"files":{},"mailboxes":{)" + boxes + "}" +
                   (waiting.empty() ? "" : R"(,"waiting":)" + waiting));
     figures = {};
-    return CheckRun(sc, text, &figures, log.empty() ? nullptr : &log);
+    return CheckRun(sc, text, &figures, log.empty() ? nullptr : &log, allow);
   }
   // A line of the program's log, as it writes them.
   void Log(JobOutcome outcome, const std::string& who,
@@ -59,6 +71,7 @@ class InvariantsTest : public ::testing::Test {
   scenario::Scenario sc;
   std::string text;
   std::string log;  // none: the log is not checked
+  Allowances allow;
   RunFigures figures;
 };
 
@@ -139,6 +152,30 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
       {"in flight at a stop", 1},
       {"lost with a sign-off", 2}};
   EXPECT_EQ(figures.endings, endings);
+}
+
+TEST_F(InvariantsTest, WhatAUserDidMayComeAMomentAfterTheAction) {
+  // A clear pressed at 5, written 4 ms of the clock later (through the
+  // real windows the press itself takes that long at ten times the pace).
+  sc.timeline.push_back({.line = 1,
+                         .at = 5,
+                         .verb = scenario::Verb::kPress,
+                         .name = "mnuClearALL"});
+  Add(1, "bob-1");
+  Line(5.004, R"("ev":"list","name":"lstPending","op":"clear")");
+  EXPECT_EQ(Check({}).size(), 1u);
+  allow.acted_within = 0.002;
+  text.erase(text.rfind("{\"t\""));
+  EXPECT_EQ(Check({}).size(), 1u);
+  allow.acted_within = 0.05;
+  text.erase(text.rfind("{\"t\""));
+  EXPECT_TRUE(Check({}).empty());
+  EXPECT_EQ(figures.endings["cleared or removed by the user"], 1);
+  // Before the moment, it is not the action's doing.
+  text.clear();
+  Add(1, "bob-1");
+  Line(4.99, R"("ev":"list","name":"lstPending","op":"clear")");
+  EXPECT_EQ(Check({}).size(), 1u);
 }
 
 TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
@@ -372,6 +409,51 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   EXPECT_EQ(figures.flood_asks, 1);
 }
 
+TEST_F(InvariantsTest, TheFloodBoundCountsOnlyFloodersAhead) {
+  // Someone's requests said before the stretch's clear, heard after it,
+  // stand ahead of the asker's: the asker waits for them, not for the
+  // flooders. With a flooder's ahead, the bound holds.
+  const double bound = FloodBound(0.05, 0, false, 0);
+  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  sc.run_until = 400;
+  auto late_mail = [this, bound](double asked) {
+    Add(asked, "asker-2");
+    Line(
+        asked + bound + 1,
+        R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+  };
+  Add(5, "jo jo~dog");
+  late_mail(10);
+  Remove(50, "jo jo~dog");
+  Add(60, "flooder1-3");
+  late_mail(100);
+  auto bad = Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_NE(bad[0].find("asker-2: held back by flooders, waited " +
+                        std::to_string(static_cast<int>(bound + 1))),
+            std::string::npos);
+  EXPECT_EQ(figures.flood_asks, 1);
+  // A client served at half the simulator's pace has twice the bound.
+  allow.serving_pace = 2;
+  text.erase(text.rfind("{\"t\""));
+  bad = Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
+  EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
+  EXPECT_EQ(figures.flood_asks, 1);
+
+  // Or as its forwards went: one that took the simulator's time does not
+  // widen the bound, one that took twice as long does.
+  allow.serving_pace = 1;
+  allow.pace_from_run = true;
+  auto forward = [this](double at, double seconds) {
+    text.erase(text.rfind("{\"t\""));
+    Line(at, R"("ev":"status","text":"status: opening mail")");
+    Line(at + seconds, R"("ev":"status","text":"status: sent mail")");
+    return Check({{"asker", 2}, {"asker", 2}}, R"(["flooder1-3"])");
+  };
+  EXPECT_EQ(forward(200, ForwardSeconds(0.05)).size(), 1u);
+  EXPECT_TRUE(forward(210, 3 * ForwardSeconds(0.05)).empty());
+}
+
 TEST_F(InvariantsTest, ARestoredListEndsWithWhatTheFileHolds) {
   Line(0, R"("ev":"label","name":"lblPending","text":"pending: 3")");
   Add(0, "bob-1");
@@ -404,26 +486,13 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
     Line(6,
          std::string(R"("ev":"list","name":"lstMails","op":"add","item":")") +
              title + "\"");
-  for (const auto& [who, at] : std::vector<std::pair<std::string, double>>{
-           {"early1", 5.2}, {"early2", 5.4}, {"early3", 5.6}})
-    sc.timeline.push_back({.line = 1,
-                           .at = at,
-                           .verb = scenario::Verb::kSay,
-                           .name = who,
-                           .text = "/srv send 3"});
-  sc.timeline.push_back({.line = 2,
-                         .at = 5.3,
-                         .verb = scenario::Verb::kSay,
-                         .name = "early4",
-                         .text = "/srv send 4"});
+  Say(5.2, "early1", "/srv send 3");
+  Say(5.3, "early4", "/srv send 4");
+  Say(5.4, "early2", "/srv send 3");
+  Say(5.6, "early3", "/srv send 3");
   // Heard exactly two seconds after it was said, and a moment later.
-  for (const auto& [who, at] : std::vector<std::pair<std::string, double>>{
-           {"early5", 5.5}, {"early6", 5.75}})
-    sc.timeline.push_back({.line = 3,
-                           .at = at,
-                           .verb = scenario::Verb::kSay,
-                           .name = who,
-                           .text = "/srv send 2"});
+  Say(5.5, "early5", "/srv send 2");
+  Say(5.75, "early6", "/srv send 2");
   Add(5.25, "early1-3");   // taken
   Add(5.5, "early2-3");    // taken
   Add(7.5, "early5-2");    // taken, at the bound
@@ -439,6 +508,85 @@ TEST_F(InvariantsTest, ARequestSaidWhileAStartReadsTheMailboxIsTaken) {
             "early6-2: asked for while a start read the mailbox, "
             "refused");
   EXPECT_EQ(figures.early_requests, 5);
+}
+
+TEST_F(InvariantsTest, ARequestIsJudgedFromWhenTheRoomShowedIt) {
+  // A read from 5 to 6 of three titles, before and after. Through the
+  // binding a line runs late when a call into a busy client holds the
+  // loop, and the lines due meanwhile run right after it. A request must
+  // be taken within 10 s of the room showing it.
+  allow.heard_within = 10;
+  auto titles = [this](double t) {
+    for (const char* title : {"a", "b", "c"})
+      Line(t,
+           std::string(R"("ev":"list","name":"lstMails","op":"add","item":")") +
+               title + "\"");
+  };
+  titles(0);
+  Line(5, R"("ev":"list","name":"lstMails","op":"clear")");
+  Say(5.2, "early1", "/srv send 1", 8.0);  // shown 2.8 s late
+  Say(5.3, "early2", "/srv send 2");
+  Say(5.4, "early3", "/srv send 3", 9.0);
+  Say(5.5, "early4", "/srv send 3");  // the room never showed it
+  text.erase(text.rfind("{\"t\""));
+  titles(6);
+  Add(17.9, "early1-1");  // 9.9 s after the room showed it: heard
+  Add(15.5, "early2-2");  // 10.2 s after: another, later
+  const auto bad = Check({}, R"(["early1-1","early2-2"])");
+  ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "early2-2: asked for while a start read the mailbox, refused");
+  EXPECT_EQ(bad[1],
+            "early3-3: asked for while a start read the mailbox, refused");
+  EXPECT_EQ(figures.early_requests, 3);
+
+  // A sign-off due at 7 runs right after the lines shown at 8 and 9:
+  // their requests were not heard. early2's, shown at 5.3, was.
+  sc.timeline.push_back({.line = 2, .at = 7, .verb = scenario::Verb::kSignoff});
+  std::sort(sc.timeline.begin(), sc.timeline.end(),
+            [](const auto& a, const auto& b) { return a.at < b.at; });
+  text.erase(text.rfind("{\"t\""));  // the final state
+  const auto excused = Check({}, R"(["early1-1","early2-2"])");
+  ASSERT_EQ(excused.size(), 1u) << testing::PrintToString(excused);
+  EXPECT_EQ(excused[0].rfind("early2-2:", 0), 0u);
+  EXPECT_EQ(figures.early_requests, 1);
+}
+
+TEST_F(InvariantsTest, AProgramStartedAgainHasReadNoMailYet) {
+  // The first program's read is cut short by an exit at 8; the program
+  // started at 10 reads from 12 to 14 with an empty list before: what is
+  // asked during its read is judged against none, what is asked after it
+  // against the three it read. A request said after the exit, before the
+  // start, is heard by no program.
+  auto title = [this](double t, const char* op, const std::string& item) {
+    Line(t, std::string(R"("ev":"list","name":"lstMails","op":")") + op +
+                R"(","item":")" + item + "\"");
+  };
+  for (const char* t : {"a", "b", "c"}) title(0, "add", t);
+  title(5, "clear", "");
+  title(6, "add", "a");
+  title(7, "add", "b");
+  title(12, "clear", "");
+  for (double t : {12.5, 13.0, 14.0}) title(t, "add", "x");
+  sc.timeline.push_back(
+      {.line = 1, .at = 8, .verb = scenario::Verb::kPress, .name = "lblExit"});
+  sc.timeline.push_back({.line = 2, .at = 10, .verb = scenario::Verb::kStart});
+  auto say = [this](const char* who, double at) {
+    Say(at, who, "/srv send 2");
+  };
+  say("early1", 9);     // no program
+  say("early2", 12.5);  // judged against none: refused
+  say("early3", 14.0);  // the read's last title came then
+  say("early4", 14.5);  // taken
+  say("early5", 15.0);  // refused
+  std::sort(sc.timeline.begin(), sc.timeline.end(),
+            [](const auto& a, const auto& b) { return a.at < b.at; });
+  Add(14.6, "early4-2");
+  const auto bad = Check({}, R"(["early4-2"])");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "early5-2: asked for while a start read the mailbox, refused");
+  EXPECT_EQ(figures.early_requests, 2);
 }
 
 }  // namespace
