@@ -21,10 +21,14 @@ Hwnd VisibleMenu(WindowApi& api) {
   return menu != 0 && api.IsWindowVisible(menu) ? menu : 0;
 }
 
-// The wait for a tool-bar menu has no limit: the member sees the client
-// and can help it. A click the busy client lost is made again, at a pace.
-WaitOptions MenuClickedAgain(WindowApi& api, Hwnd icon) {
-  return AskingAgain(nullptr, [&api, icon] { PostClickIcon(api, icon); });
+// The wait for a tool-bar menu has no limit while the client runs: the
+// member sees the client and can help it. A click the busy client lost is
+// made again, at a pace. A client that is gone (killed, crashed, never
+// come back from a restart) shows no menu: the wait ends, and the job
+// finds it signed off.
+WaitOptions MenuClickedAgain(WindowApi& api, Hwnd frame, Hwnd icon) {
+  return AskingAgain(Gone(api, frame),
+                     [&api, icon] { PostClickIcon(api, icon); });
 }
 
 }  // namespace
@@ -37,7 +41,7 @@ void RunClientMenu(WindowApi& api, int submenu, int item) {
 }
 
 void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
-  const Hwnd frame = c.api.FindWindowExA(0, 0, aol::kFrameClass, nullptr);
+  const Hwnd frame = FindFrame(c.api);
   const Hwnd first =
       FindChild(c.api, FindToolbarRow(c.api, frame), aol::kIconClass);
   const Hwnd icon = NextSibling(c.api, first, icon_number - 1);
@@ -46,13 +50,14 @@ void RunToolbarMenu(const ClientContext& c, int icon_number, char letter) {
   Hwnd menu = 0;
   WaitUntil(
       c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
-      MenuClickedAgain(c.api, icon));
+      MenuClickedAgain(c.api, frame, icon));
   Pause(c.host, 0.5);
   c.api.PostMessageA(menu, win::kWmChar, static_cast<unsigned char>(letter), 0);
 }
 
 void OpenOfflineMailbox(const ClientContext& c) {
-  const Hwnd row = FindToolbarRow(c.api, FindFrame(c.api));
+  const Hwnd frame = FindFrame(c.api);
+  const Hwnd row = FindToolbarRow(c.api, frame);
   const Hwnd mail_icon =
       FindNthChild(c.api, row, aol::kIconClass, aol::kToolbarMailIcon);
 
@@ -64,7 +69,7 @@ void OpenOfflineMailbox(const ClientContext& c) {
   Hwnd menu = 0;
   WaitUntil(
       c.host, [&] { return (menu = VisibleMenu(c.api)) != 0; },
-      MenuClickedAgain(c.api, mail_icon));
+      MenuClickedAgain(c.api, frame, mail_icon));
   // Up twice, Right into the submenu, Return. The second Up has no key up;
   // the menu does not mind and it has always been sent so.
   PostKey(c.api, menu, win::kVkUp);

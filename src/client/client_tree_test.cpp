@@ -124,5 +124,17 @@ TEST_F(ClientTreeTest, OfflineMailboxThroughTheMailMenuKeys) {
   EXPECT_NE(FindDocument(api, kIncomingMail), 0u);
 }
 
+// A tool-bar menu is waited for without a limit while the client runs;
+// a killed client shows none, and the wait must end, or the job that
+// asked would wait for ever.
+TEST_F(ClientTreeTest, AToolbarMenuOfAClientThatIsGoneIsNotWaitedFor) {
+  Launch();
+  sim.Crash();
+  host.SetEnd(host.Elapsed() + 600);
+  EXPECT_NO_THROW(OpenOfflineMailbox(c));
+  EXPECT_NO_THROW(RunToolbarMenu(c, 3, 'S'));
+  EXPECT_EQ(FindDocument(api, kIncomingMail), 0u);
+}
+
 }  // namespace
 }  // namespace quorvex
