@@ -171,6 +171,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       "mail (?:<U>)?([0-9]+)(?:</U>)? is a dead mail");
   std::map<std::pair<std::string, int>, double> last_taken;
   std::map<std::pair<std::string, int>, std::vector<double>> removed_at;
+  // The removals that were a job's take, and those just seen.
+  std::map<std::pair<std::string, int>, std::vector<double>> taken_at;
+  std::vector<std::pair<std::pair<std::string, int>, double>> just_removed;
   std::set<std::string> asked;  // anyone with a request or reply order
   // When each name was banned (spaces removed, lower case): by the user
   // from the room window, or by the mistakes it made.
@@ -242,6 +245,18 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     const std::string ev = e.value("ev", "");
     const double t = e.value("t", 0.0);
     last_t = t;
+    // A job's take removes its group from the list and then counts it
+    // sent; a take can come at the very moment of a user's removal (the
+    // prompt of a clear lets the serving go on).
+    if (ev == "list" && e.value("name", "") == "lstPending" &&
+        e.value("op", "") == "remove") {
+      just_removed.emplace_back(MailEntry(e.value("item", "")), t);
+    } else {
+      if (ev == "label" && e.value("name", "") == "lblSent")
+        for (const auto& [entry, at] : just_removed)
+          if (at == t) taken_at[entry].push_back(t);
+      just_removed.clear();
+    }
     for (; next_end_or_start < ends_and_starts.size() &&
            ends_and_starts[next_end_or_start].first <= t;
          ++next_end_or_start) {
@@ -689,7 +704,10 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
               " was removed by a ban, and no line says " + sn + " was banned");
       }
       // Each time the user removed it, a line says so.
-      const int user_removed = removed_then(entry, clears);
+      int user_removed = removed_then(entry, clears);
+      if (taken_at.count(entry))
+        for (double r : taken_at.at(entry))
+          if (at_any(r, clears)) --user_removed;
       const auto removed_lines =
           logged_times.find({"removed by the user", sn, what});
       const int removed_told =

@@ -178,6 +178,31 @@ TEST_F(InvariantsTest, WhatAUserDidMayComeAMomentAfterTheAction) {
   EXPECT_EQ(Check({}).size(), 1u);
 }
 
+TEST_F(InvariantsTest, ATakeAtTheMomentOfAClearIsNoRemovalByTheUser) {
+  // The clear's prompt lets the serving go on: at its moment a job takes
+  // hal's request and counts it sent. A removal the count does not follow
+  // is the user's, and wants its line.
+  sc.timeline.push_back({.line = 1,
+                         .at = 5,
+                         .verb = scenario::Verb::kPress,
+                         .name = "mnuClearSN"});
+  Add(1, "hal-2");
+  Add(1, "ann-3");
+  Remove(5, "hal-2");
+  Line(5, R"("ev":"label","name":"lblSent","text":"total: 1")");
+  Remove(5, "ann-3");
+  Log(JobOutcome::kSent, "(hal)", "send 2");
+  auto bad = Check({{"hal", 2}}, "[]", "total: 1", "1");
+  ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
+  EXPECT_EQ(bad[0],
+            "log: ann's request for mail 3 was removed by the user 1 times, "
+            "and 0 lines say so");
+  text.erase(text.rfind("{\"t\""));
+  Log(JobOutcome::kRemovedByUser, "(ann)", "send 3");
+  bad = Check({{"hal", 2}}, "[]", "total: 1", "1");
+  EXPECT_TRUE(bad.empty()) << testing::PrintToString(bad);
+}
+
 TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
   sc.timeline.push_back({.line = 2, .at = 11, .verb = scenario::Verb::kKill});
   // Handed to the client a second before it died; taken, and the client
