@@ -593,9 +593,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         for (double o : signoffs)
           if (o >= taken && o - taken <= kForwardSeconds && o < first_hand)
             lost_by_client = true;
-        if (first_hand <= taken + kForwardSeconds) continue;
         // Or it was already off when the group was taken (it signed off
-        // earlier in the same tick): the forward ends at once.
+        // or was killed before the tick): the forward ends at once,
+        // whatever a later take of the request asked again hands over.
         if (SignedOffAt(client_off, client_on, taken)) lost_by_client = true;
       }
     }

@@ -356,20 +356,26 @@ TEST_F(InvariantsTest, ASignOffOrAHandOverAtTheExactBoundsOfATake) {
   handed(30, "amy");
   sc.timeline.push_back(
       {.line = 1, .at = 30, .verb = scenario::Verb::kSignoff});
-  // The client was already off when bob's and cy's were taken (at 100);
-  // bob's was handed over at the end of the forward's minute, so the
-  // client had it; cy's a moment later, by another take.
+  // The client was already off (killed at 90) when bob's was taken at
+  // 100: that take ended at once. Bob asked again; the client came back
+  // at 120 and a later take handed the mail over at 130, within the first
+  // take's minute: that hand-over is the second take's, not the first's.
   Line(90, R"("ev":"client","what":"signs off")");
   Add(1, "bob-1");
-  Add(1, "cy-1");
   Remove(100, "bob-1");
-  Remove(100, "cy-1");
-  handed(160, "bob");
-  handed(160.5, "cy");
-  const auto bad = Check({});
+  Add(110, "bob-1");
+  Line(120, R"("ev":"client","what":"signs on")");
+  Remove(125, "bob-1");
+  handed(130, "bob");
+  // Cy's was taken once the client was back, and handed over at the end
+  // of the forward's minute: the client had it, and cy did not get it.
+  Add(1, "cy-1");
+  Remove(140, "cy-1");
+  handed(200, "cy");
+  const auto bad = Check({{"bob", 1}});
   ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
   EXPECT_EQ(bad[0],
-            "bob-1: asked 1 times, delivered 0, pending 0, and no reason why");
+            "cy-1: asked 1 times, delivered 0, pending 0, and no reason why");
   EXPECT_EQ(figures.endings.at("lost with a sign-off"), 2);
 }
 
