@@ -106,6 +106,19 @@ TEST_P(QuorvexLogTest, NamesWhoAskedWhatAndHowEachJobEnded) {
   EXPECT_EQ(PlayRoom(GetParam().room).log, GetParam().log);
 }
 
+// Three requests waiting at an exit, and the program started again.
+const std::string kExitAndStartAgain = R"(person bob
+person amy
+person eve
+mails 10 song
+at 1 say bob: /host send 2
+at 1.1 say amy: /host send 2
+at 1.2 say eve: /host find song
+at 5 press lblExit
+at 6 start
+run 20
+)";
+
 const LogCase kLogCases[] = {
     // eve's request leaves with her ban, so nothing else names her.
     {"EveryKindOfEnd",
@@ -211,34 +224,13 @@ run 20
     // Every write of a profile file fails: the queue saved at the exit does
     // not read back, so its requests are gone with the program.
     {"AQueueTheExitCannotSaveIsLost",
-     R"(fault profile-write 100
-person bob
-person amy
-person eve
-mails 10 song
-at 1 say bob: /host send 2
-at 1.1 say amy: /host send 2
-at 1.2 say eve: /host find song
-at 5 press lblExit
-at 6 start
-run 20
-)",
+     "fault profile-write 100\n" + kExitAndStartAgain,
      {"started||program", "lost with a failed save|bob,amy|send 2",
       "lost with a failed save|eve|find song", "stopped||program",
       "started||program"}},
-    // The same room saved whole: the queue comes back with the next start.
+    // Saved whole, the queue comes back with the next start.
     {"AQueueSavedWholeIsNotLost",
-     R"(person bob
-person amy
-person eve
-mails 10 song
-at 1 say bob: /host send 2
-at 1.1 say amy: /host send 2
-at 1.2 say eve: /host find song
-at 5 press lblExit
-at 6 start
-run 20
-)",
+     kExitAndStartAgain,
      {"started||program", "stopped||program", "started||program"}},
 };
 
