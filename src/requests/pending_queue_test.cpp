@@ -206,18 +206,6 @@ TEST_F(PendingQueueTest, SaveAndLoadOfHandEditedFiles) {
   EXPECT_EQ(q.list().Items(), (Lines{"bob-1", "", "amy-2"}));
   EXPECT_EQ(Mail(), "(bob)");
   EXPECT_EQ(Mail(), "");
-
-  // A damaged count loads the lines that are there: nothing is added
-  // behind the last key present, and the label counts what was loaded.
-  q.list().Clear();
-  profiles.WriteString(path, "Quorvex", "TotalPending", "2000000000");
-  profiles.WriteString(path, "Quorvex", "Pending 0", "bob-3");
-  q.Load(file, label);
-  EXPECT_EQ(q.list().Items(), (Lines{"bob-3"}));
-  EXPECT_EQ(label.caption(), "pending: 1");
-  q.Append("amy-4");  // a later request is served
-  EXPECT_EQ(Mail(), "(bob)");
-  EXPECT_EQ(Mail(), "(amy)");
 }
 
 // A profile file whose writes can be made to fail, leaving what it held.

@@ -64,47 +64,41 @@ TEST_F(SettingsMenuTest, TextAndOnOffEntries) {
   EXPECT_EQ(menus.Caption("mnuMailResize"), "resize - [ off ]");
 }
 
+// The ends of a range are in it: whole numbers, a custom scroll interval
+// at the top of its range, a list size at both; each step changes the
+// value it checks.
 TEST_F(SettingsMenuTest, NumberEntriesCheckRangeThenRoundHalfEven) {
   struct Step {
     const char* menu;
+    int index;
     const char* answer;
     std::int16_t Settings::*field;
     int want;
   };
   const Step steps[] = {
-      {"mnuAOLRes", "", &Settings::AOLRestart, 1000},  // Cancel reads as 0
-      {"mnuSentRes", "2.5", &Settings::SentRestart, 2},
-      {"mnuMPList", "500.4", &Settings::ListSize, 250},  // range first
-      {"mnuMPList", "499.5", &Settings::ListSize, 500},
-      {"mnuFMininum", "0", &Settings::FindMin, 2},
-      {"mnuBMax", "12abc", &Settings::BlockMax, 12},
-      {"mnuBMax", "40000", &Settings::BlockMax, 12},  // would not fit
-      {"mnuBMax", "", &Settings::BlockMax, 0},        // no limit
+      {"mnuAOLRes", 0, "", &Settings::AOLRestart, 1000},  // Cancel reads as 0
+      {"mnuSentRes", 0, "2.5", &Settings::SentRestart, 2},
+      {"mnuMPList", 0, "500.4", &Settings::ListSize, 250},  // range first
+      {"mnuMPList", 0, "499.5", &Settings::ListSize, 500},
+      {"mnuMPList", 0, "50", &Settings::ListSize, 50},
+      {"mnuMPList", 0, "500", &Settings::ListSize, 500},
+      {"mnuFMax", 0, "30", &Settings::FindMax, 30},
+      {"mnuFMininum", 0, "0", &Settings::FindMin, 2},
+      {"mnuBMax", 0, "12abc", &Settings::BlockMax, 12},
+      {"mnuBMax", 0, "40000", &Settings::BlockMax, 12},  // would not fit
+      {"mnuBMax", 0, "", &Settings::BlockMax, 0},        // no limit
+      {"mnuBScroll", 8, "300", &Settings::BotScroll, 300},
+      // The list's custom interval is the exception: it must be above 1.
+      {"mnuLSend", 6, "1", &Settings::ListAdvertise, 30},
+      {"mnuLSend", 6, "1.5", &Settings::ListAdvertise, 2},
   };
   for (const Step& s : steps) {
-    Click(s.menu, 0, s.answer);
+    Click(s.menu, s.index, s.answer);
     EXPECT_EQ(settings.*s.field, s.want) << s.menu << " " << s.answer;
   }
-}
-
-// The ends of a range are in it: whole numbers, a custom speed and a
-// custom scroll interval at the top of their ranges, a list size at both.
-TEST_F(SettingsMenuTest, RangesTakeTheirEnds) {
-  Click("mnuMPList", 0, "500");
-  EXPECT_EQ(settings.ListSize, 500);
-  Click("mnuMPList", 0, "50");
-  EXPECT_EQ(settings.ListSize, 50);
-  Click("mnuFMax", 0, "30");
-  EXPECT_EQ(settings.FindMax, 30);
+  // A custom speed at the top of its range.
   Click("mnuMSpeed", 5, "1");
   EXPECT_EQ(settings.MailSpeed, 1.0f);
-  Click("mnuBScroll", 8, "300");
-  EXPECT_EQ(settings.BotScroll, 300);
-  // The list's custom interval is the exception: it must be above 1.
-  Click("mnuLSend", 6, "1");
-  EXPECT_EQ(settings.ListAdvertise, 30);
-  Click("mnuLSend", 6, "1.5");
-  EXPECT_EQ(settings.ListAdvertise, 2);
 }
 
 TEST_F(SettingsMenuTest, PresetsAndCustomValuesShowInCaptions) {
