@@ -4,6 +4,7 @@
 
 #include "client/client_tree.h"
 #include "client/window_ops.h"
+#include "model/utf8.h"
 #include "ports/client_windows.h"
 
 namespace quorvex {
@@ -82,13 +83,6 @@ void AddChatLine(std::string_view line, std::vector<ChatLineEvent>* out) {
                   std::string(line.substr(colon + 2))});
 }
 
-// The characters of a UTF-8 text: its code points.
-std::size_t CharacterCount(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(),
-      [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 }  // namespace
 
 std::vector<ChatLineEvent> ChatScanner::Drain() {
@@ -109,12 +103,13 @@ std::vector<ChatLineEvent> ChatScanner::Drain() {
   // Only what was read goes: the client adds the room's lines whenever
   // they come, also between this read and the deletion, and emptying the
   // whole display would lose such a line. The selection counts characters
-  // (the code page's, one each). A display that takes no deletion is
-  // emptied whole.
+  // (the code page's, one each; a byte
+  // of the text that is no character of its own is shown as one). A display
+  // that takes no deletion is emptied whole.
   kept_.clear();
   if (text.empty()) return fresh;
   api_.SendMessageA(display, win::kEmSetSel, 0,
-                    static_cast<std::intptr_t>(CharacterCount(text)));
+                    static_cast<std::intptr_t>(Utf8Characters(text)));
   api_.SendMessageA(display, win::kWmClear, 0, 0);
   std::string after = GetText(api_, display);
   if (after.starts_with(text)) {

@@ -91,13 +91,17 @@ TEST_F(ChatScannerTest, ALineAddedBetweenTheReadAndTheDeletionIsReadNext) {
         got.push_back(sn + ": " + text);
       });
   racing_scanner.SetEnabled(id, true);
-  sim.Say("Ann", "first \xC3\xA9t\xC3\xA9");
+  // Two-byte characters and a byte that is no character of its own (a
+  // lone continuation byte): the display shows it as one character, and
+  // the count of what was read must select just that, not the line break
+  // of the line that came after.
+  const std::string typed = "first \xC3\xA9t\xC3\xA9 \xA6!";
+  sim.Say("Ann", typed);
   racing.after_read = [&] { sim.Say("Bob", "between"); };
   EXPECT_EQ(racing_scanner.Scan(), 1);
   EXPECT_EQ(racing_scanner.Scan(), 1);
   EXPECT_EQ(racing_scanner.Scan(), 0);
-  EXPECT_EQ(got, (std::vector<std::string>{"Ann: first \xC3\xA9t\xC3\xA9",
-                                           "Bob: between"}));
+  EXPECT_EQ(got, (std::vector<std::string>{"Ann: " + typed, "Bob: between"}));
   // Nothing read stays behind.
   EXPECT_EQ(GetText(api, FindChild(api, FindChatRoom(api), "RICHCNTL")), "");
 }

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "model/utf8.h"
+
 namespace quorvex {
 
 namespace {
@@ -59,12 +61,7 @@ bool ContainsIgnoreCase(std::string_view haystack, std::string_view needle) {
   return LCase(haystack).find(LCase(needle)) != std::string::npos;
 }
 
-std::size_t Len(std::string_view s) {
-  std::size_t n = 0;
-  for (unsigned char ch : s)
-    if ((ch & 0xC0) != 0x80) ++n;
-  return n;
-}
+std::size_t Len(std::string_view s) { return Utf8Characters(s); }
 
 std::string Trim(std::string_view s) {
   size_t b = 0, e = s.size();

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "model/text_util.h"
+#include "model/utf8.h"
 #include "ports/client_windows.h"
 #include "sim/rich_text.h"
 
@@ -633,17 +634,11 @@ std::intptr_t SimClient::Dispatch(Hwnd hwnd, unsigned msg,
     case win::kWmClear:
       // Deletes the display's selection.
       if (role == kRoleDisplay) {
-        // The byte where character `chars` starts (the end when past it).
-        auto offset = [&w](std::size_t chars) {
-          for (std::size_t i = 0; i < w->text.size(); ++i) {
-            if ((static_cast<unsigned char>(w->text[i]) & 0xC0) == 0x80)
-              continue;
-            if (chars-- == 0) return i;
-          }
-          return w->text.size();
-        };
-        const std::size_t from = offset(display_sel_start_);
-        const std::size_t to = std::max(from, offset(display_sel_end_));
+        // Characters as the real display shows them: a malformed byte
+        // is one.
+        const std::size_t from = Utf8Offset(w->text, display_sel_start_);
+        const std::size_t to =
+            std::max(from, Utf8Offset(w->text, display_sel_end_));
         std::string text = w->text;
         text.erase(from, to - from);
         SetDisplayText(*w, std::move(text));

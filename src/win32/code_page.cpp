@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "model/utf8.h"
+
 namespace quorvex::win32 {
 
 namespace {
@@ -44,35 +46,6 @@ void AppendUtf8(char32_t c, std::string* out) {
   }
 }
 
-constexpr char32_t kBad = 0xFFFFFFFF;
-
-// Decodes one character at `*i`, moving past it; kBad for a byte that does
-// not start a well-formed sequence (only that byte is skipped).
-char32_t NextUtf8(std::string_view s, std::size_t* i) {
-  const auto b = static_cast<unsigned char>(s[(*i)++]);
-  if (b < 0x80) return b;
-  int more = 0;
-  char32_t c = 0, min = 0;
-  if ((b & 0xE0) == 0xC0) {
-    more = 1, c = b & 0x1F, min = 0x80;
-  } else if ((b & 0xF0) == 0xE0) {
-    more = 2, c = b & 0x0F, min = 0x800;
-  } else if ((b & 0xF8) == 0xF0) {
-    more = 3, c = b & 0x07, min = 0x10000;
-  } else {
-    return kBad;
-  }
-  std::size_t j = *i;
-  for (int k = 0; k < more; ++k, ++j) {
-    if (j >= s.size() || (static_cast<unsigned char>(s[j]) & 0xC0) != 0x80)
-      return kBad;
-    c = (c << 6) | (static_cast<unsigned char>(s[j]) & 0x3F);
-  }
-  if (c < min || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) return kBad;
-  *i = j;
-  return c;
-}
-
 }  // namespace
 
 std::string Utf8ToCp1252(std::string_view utf8) {
@@ -80,7 +53,7 @@ std::string Utf8ToCp1252(std::string_view utf8) {
   out.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size();) {
     const char32_t c = NextUtf8(utf8, &i);
-    out.push_back(c == kBad ? '?' : CharToByte(c));
+    out.push_back(c == kMalformedUtf8 ? '?' : CharToByte(c));
   }
   return out;
 }
@@ -98,7 +71,7 @@ std::wstring Utf8ToWide(std::string_view utf8) {
   out.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size();) {
     char32_t c = NextUtf8(utf8, &i);
-    if (c == kBad) c = 0xFFFD;
+    if (c == kMalformedUtf8) c = 0xFFFD;
     if (c >= 0x10000) {
       c -= 0x10000;
       out.push_back(static_cast<wchar_t>(0xD800 + (c >> 10)));

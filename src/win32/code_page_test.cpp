@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "model/utf8.h"
+
 namespace quorvex::win32 {
 namespace {
 
@@ -50,6 +52,13 @@ TEST(CodePageTest, WideTextsConvertBothWays) {
   EXPECT_EQ(WideThroughCp1252(wide), "Grüße • ?");
   EXPECT_EQ(WideToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))),
             "\xEF\xBF\xBD");
+  // A window shows a text with one character where the program counts
+  // one, malformed bytes included (outside the plane of two-byte units).
+  const std::string malformed =
+      "a\xA6\xFC"
+      "e\xE2\x82\xC3\xA9!";
+  EXPECT_EQ(Utf8ToWide(malformed).size(), Utf8Characters(malformed));
+  EXPECT_EQ(WideThroughCp1252(Utf8ToWide(malformed)), "a??e??\xC3\xA9!");
 }
 
 }  // namespace
