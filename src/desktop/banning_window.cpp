@@ -33,7 +33,7 @@ bool ChosenItem(HWND combo, std::string& text) {
 void BanningWindow::Open() {
   if (open()) return;
   CreateSmall(kBanningClass, desktop_.Title("mnuBanOpts"), 0, 0, 300, 166);
-  const BanningForm& b = desktop_.app().frm().forms.frmBanning;
+  const FrmBanning& b = desktop_.app().frm().forms.frmBanning;
   const DWORD check = BS_AUTOCHECKBOX | WS_TABSTOP;
   const DWORD combo = CBS_DROPDOWN | WS_VSCROLL | WS_TABSTOP;
   Child(L"STATIC", "number of mistakes before banning the requester", SS_LEFT,
@@ -61,7 +61,7 @@ void BanningWindow::Open() {
 }
 
 ComboBox& BanningWindow::Model(int id) {
-  BanningForm& b = desktop_.app().frm().forms.frmBanning;
+  FrmBanning& b = desktop_.app().frm().forms.frmBanning;
   return id == kIdCmbMistakes ? b.cmbMistakes : b.cmbMails;
 }
 
