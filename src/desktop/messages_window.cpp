@@ -72,7 +72,7 @@ void MessagesWindow::Open() {
       const std::string text = WindowText(entry);
       desktop_.Post([this, &app, index, text] {
         app.Set(TxtAddName(index), text);
-        txtAdd_KeyPress(app.frm().forms.frmMessages, index, 13);
+        app.Press(TxtAddName(index));  // Return
         Refresh();
       });
       return true;
