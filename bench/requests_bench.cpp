@@ -70,7 +70,7 @@ std::vector<std::pair<std::string, std::string>> ChatMix(int n) {
 void BM_ParseChatLines(benchmark::State& state) {
   Settings settings;
   settings.Handle = "srv";
-  BanningForm banning;
+  BanningOptions banning;
   PendingQueue pending;
   ListBox lstBanned{"lstBanned"}, lstMails{"lstMails"},
       ReplyQueue{"ReplyQueue"};

@@ -35,7 +35,7 @@ void BM_SaveMessages(benchmark::State& state) {
   fs::create_directories(folder);
   {
     FileRegistry registry(folder / "registry.json");
-    MessagesForm form;
+    MessageControls form;
     for (int i = 0; i < n; ++i) {
       form.lstChat.Add("chat message number " + std::to_string(i));
       form.lstThankyou.Add("thank you number " + std::to_string(i));

@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
   settings.FindMax = in.ConsumeIntegral<std::int16_t>();
   settings.ScrollThankyou = in.ConsumeBool();
   settings.ScrollStatus = in.ConsumeBool();
-  BanningForm banning;
+  BanningOptions banning;
   banning.chkPending.value = in.ConsumeBool();
   banning.chkDupReqs.value = in.ConsumeBool();
   banning.cmbMails.text = in.ConsumeRandomLengthString(6);

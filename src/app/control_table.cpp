@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "app/file_menu.h"
 #include "app/quorvex_app.h"
-#include "client/room_buster.h"
 #include "model/text_util.h"
 #include "requests/ban_policy.h"
 #include "server/replies.h"
@@ -119,7 +119,7 @@ std::vector<Control> MakeTable() {
         h.items > 0 ? 1 : 0, h.items));
   }
   t.push_back(Clicked("mnuMessages", K::kMenu, [](QuorvexApp& a, int) {
-    frmMessages_Load(a.frm().forms.frmMessages, a.frm().ports.registry);
+    a.frm().forms.frmMessages.Form_Load(a.frm().ports.registry);
   }));
   t.push_back(Clicked("mnuRoomBuster", K::kMenu, [](QuorvexApp& a, int) {
     a.frm().forms.frmRoomBuster->Form_Load();
@@ -186,11 +186,11 @@ std::vector<Control> MakeTable() {
   // frmMessages: the editor of the chat, mail and thank-you texts.
   t.push_back(
       Clicked("frmMessages.cmdSave", K::kButton, [](QuorvexApp& a, int) {
-        cmdSave_Click(a.frm().forms.frmMessages, a.frm().ports.registry);
+        a.frm().forms.frmMessages.cmdSave_Click(a.frm().ports.registry);
       }));
   t.push_back(Clicked(
       "frmMessages.cmdExit", K::kButton,
-      [](QuorvexApp& a, int) { cmdExit_Click(a.frm().forms.frmMessages); }));
+      [](QuorvexApp& a, int) { a.frm().forms.frmMessages.cmdExit_Click(); }));
   t.push_back(Clicked(
       "frmMessages.Tab", K::kTab,
       [](QuorvexApp& a, int index) {
@@ -205,7 +205,7 @@ std::vector<Control> MakeTable() {
       "frmMessages.lstThankyou",
       [](QuorvexApp& a) { return &a.frm().forms.frmMessages.lstThankyou; },
       [](QuorvexApp& a, int) {
-        MessagesForm& m = a.frm().forms.frmMessages;
+        FrmMessages& m = a.frm().forms.frmMessages;
         if (m.lstThankyou.selected() >= 0)
           lstThankyou_Click(m, m.lstThankyou.selected());
       },
@@ -221,7 +221,7 @@ std::vector<Control> MakeTable() {
     t.push_back(Typed(
         "frmMessages.txtAdd(" + std::to_string(i) + ")", K::kTextBox,
         [i](QuorvexApp& a, const std::string& v) {
-          MessagesForm& m = a.frm().forms.frmMessages;
+          FrmMessages& m = a.frm().forms.frmMessages;
           m.txtAdd[i].Set(v);
           SetCaret(m, i, v.size());
         },

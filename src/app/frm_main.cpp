@@ -9,7 +9,7 @@ namespace quorvex {
 
 RequestContext MakeRequestContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmBanning = frm.forms.frmBanning,
+          .banning = frm.forms.frmBanning,
           .pending = frm.lists.pending,
           .lstBanned = frm.lists.lstBanned,
           .lstMails = frm.lists.lstMails,
@@ -30,7 +30,7 @@ BanContext MakeBanContext(FrmMain& frm, const ClientContext& c) {
   const bool* ended = &frm.serving.ended;
   const ClientContext* cc = &c;
   return {
-      .frmBanning = frm.forms.frmBanning,
+      .banning = frm.forms.frmBanning,
       .MistakeList = frm.lists.MistakeList,
       .lstBanned = frm.lists.lstBanned,
       .lblBanned = frm.counts.lblBanned,
@@ -50,7 +50,7 @@ MailboxLists MakeMailboxLists(FrmMain& frm) {
 
 MailJobContext MakeMailJobContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmMessages = frm.forms.frmMessages,
+          .messages = frm.forms.frmMessages,
           .mailbox = MakeMailboxLists(frm),
           .pending = frm.lists.pending,
           .lblPending = frm.counts.lblPending,
@@ -66,7 +66,7 @@ MailJobContext MakeMailJobContext(FrmMain& frm) {
 
 ReplyContext MakeReplyContext(FrmMain& frm) {
   return {.settings = frm.settings,
-          .frmMessages = frm.forms.frmMessages,
+          .messages = frm.forms.frmMessages,
           .pending = frm.lists.pending,
           .lstMails = frm.lists.lstMails,
           .counters = frm.counts.counters,
@@ -84,7 +84,7 @@ RestartContext MakeRestartContext(FrmMain& frm) {
           .profiles = p.profiles,
           .registry = p.registry,
           .settings = frm.settings,
-          .frmMessages = frm.forms.frmMessages,
+          .messages = frm.forms.frmMessages,
           .pending = frm.lists.pending,
           .lblPending = frm.counts.lblPending,
           .lstBanned = frm.lists.lstBanned,

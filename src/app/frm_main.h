@@ -11,7 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "client/room_buster.h"
+#include "app/frm_banning.h"
+#include "app/frm_messages.h"
+#include "app/frm_pausing.h"
+#include "app/frm_room.h"
+#include "app/frm_room_buster.h"
 #include "model/draw_status.h"
 #include "model/job_event.h"
 #include "model/label.h"
@@ -24,21 +28,21 @@
 #include "ports/prompter.h"
 #include "ports/registry.h"
 #include "ports/window_api.h"
-#include "requests/ban_policy.h"
 #include "requests/pending_queue.h"
 #include "requests/request_parser.h"
-#include "requests/room_view.h"
 #include "requests/serve_counters.h"
 #include "server/forward_job.h"
 #include "server/machine_restart.h"
-#include "server/pausing_form.h"
 #include "server/replies.h"
 #include "server/serve_engine.h"
 #include "server/server_common.h"
-#include "settings/messages.h"
 #include "settings/settings.h"
 
 namespace quorvex {
+
+// The tool tip of lstBanned.
+inline constexpr const char* kBannedToolTip =
+    "left click to remove, right click to add";
 
 struct FrmMain {
   explicit FrmMain(Ports p) : ports(p) {}
@@ -115,17 +119,16 @@ struct FrmMain {
   // The other windows.
   struct Forms {
     // Option windows whose controls are the live store of their values.
-    BanningForm frmBanning;
-    MessagesForm frmMessages;
+    FrmBanning frmBanning;
+    FrmMessages frmMessages;
     // The restart options window, shown from the restart options but not
     // consulted.
-    PausingForm frmPausing;
-    // The room buster window (client/room_buster.h), set up with the
-    // client context.
+    FrmPausing frmPausing;
+    // The room buster window, set up with the client context.
     std::unique_ptr<FrmRoomBuster> frmRoomBuster;
     // The room people window, opened by a right click on lstBanned; it
     // reads the room when it opens.
-    RoomForm frmRoom;
+    FrmRoom frmRoom;
   } forms;
 
   ListBox& lstPending() { return lists.pending.list(); }

@@ -10,8 +10,8 @@
 #include <memory>
 #include <string>
 
+#include "app/frm_splash.h"
 #include "app/quorvex_app.h"
-#include "app/small_windows.h"
 
 namespace quorvex {
 

@@ -1,10 +1,10 @@
 #include "app/quorvex_app.h"
 
 #include "app/control_table.h"
+#include "app/frm_room_buster.h"
 #include "client/chat_room.h"
 #include "client/chat_scanner.h"
 #include "client/client_tree.h"
-#include "client/room_buster.h"
 #include "client/session.h"
 #include "model/draw_status.h"
 #include "model/text_util.h"

@@ -10,10 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "app/frm_about.h"
+#include "app/frm_chatroom.h"
+#include "app/frm_credits.h"
 #include "app/frm_main.h"
 #include "app/job_log.h"
-#include "app/small_windows.h"
-#include "client/chatroom_window.h"
 #include "client/client_context.h"
 #include "model/form.h"
 #include "settings/settings_menu.h"

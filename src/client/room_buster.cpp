@@ -30,26 +30,26 @@ bool InRoom(WindowApi& api, const std::string& wanted) {
 
 }  // namespace
 
-FrmRoomBuster::FrmRoomBuster(const ClientContext& c,
-                             std::function<void()> aol_restart)
-    : c_(c), aol_restart_(std::move(aol_restart)) {
+RoomBuster::RoomBuster(Form& window, const ClientContext& c,
+                       std::function<void()> aol_restart)
+    : window_(window), c_(c), aol_restart_(std::move(aol_restart)) {
   Timer1 = c_.host.CreateTimer([this] { Timer1_Timer(); });
   Timer1->SetInterval(kRoomBusterInterval);
 }
 
-FrmRoomBuster::~FrmRoomBuster() = default;
+RoomBuster::~RoomBuster() = default;
 
-void FrmRoomBuster::Form_Load() {
-  if (form.open()) return;
-  form.Open();
+void RoomBuster::Form_Load() {
+  if (window_.open()) return;
+  window_.Open();
   // Kept on top by the view; the title is painted in the program's blue.
   picTitle.Set(kWindowTitle);
 }
 
-void FrmRoomBuster::Form_Unload() {
+void RoomBuster::Form_Unload() {
   Timer1->SetEnabled(false);
   busting_ = false;
-  form.Close();
+  window_.Close();
   tries_ = 0;
   busts_ = 0;
   restart = BusterRestart::kNone;
@@ -60,14 +60,14 @@ void FrmRoomBuster::Form_Unload() {
   picTitle.Set("");
 }
 
-void FrmRoomBuster::cmdStart_Click() {
+void RoomBuster::cmdStart_Click() {
   if (busting_)
     Stop();
   else
     Start();
 }
 
-void FrmRoomBuster::Start() {
+void RoomBuster::Start() {
   ChatSend(c_, "quorvex busting <B><U>" + txtRoom.text + "</B></U>");
   txtRoom.SetEnabled(false);
   busting_ = true;
@@ -75,7 +75,7 @@ void FrmRoomBuster::Start() {
   cmdStart.Set("&stop");
 }
 
-void FrmRoomBuster::Stop() {
+void RoomBuster::Stop() {
   WindowApi& api = c_.api;
   if (Hwnd box = FindClientMessageBox(api)) CloseWindow(api, box);
   ChatSend(c_, "quorvex stopped busting <B><U>" + txtRoom.text +
@@ -92,7 +92,7 @@ void FrmRoomBuster::Stop() {
   cmdStart.Set("&start");
 }
 
-void FrmRoomBuster::Timer1_Timer() {
+void RoomBuster::Timer1_Timer() {
   WindowApi& api = c_.api;
   in_tick_ = true;
   struct TickEnd {

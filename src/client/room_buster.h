@@ -1,7 +1,8 @@
-// frmRoomBuster: enters a member chat room that is full by asking for it
-// again and again (one try a tick of Timer1) until a place is free,
-// counting the refusals, and says the result in the chat. The client
-// restart uses the same window to return to the server's room.
+// The room buster: enters a member chat room that is full by asking for
+// it again and again (one try a tick of Timer1) until a place is free,
+// counting the refusals, and says the result in the chat. It works on the
+// controls of its window (app/frm_room_buster.h), which it opens and
+// closes. The client restart uses it to return to the server's room.
 #pragma once
 
 #include <functional>
@@ -32,16 +33,18 @@ enum class BusterRestart {
   kBust,
 };
 
-class FrmRoomBuster {
+class RoomBuster {
  public:
-  // `aol_restart` is the client restart, run when a tick finds the client
-  // signed off. `c` must outlive the buster.
-  FrmRoomBuster(const ClientContext& c, std::function<void()> aol_restart);
-  ~FrmRoomBuster();
-  FrmRoomBuster(const FrmRoomBuster&) = delete;
-  FrmRoomBuster& operator=(const FrmRoomBuster&) = delete;
+  // `window` is the buster's window, opened and closed here; it is only
+  // held (not used) until the first call. `aol_restart` is the client
+  // restart, run when a tick finds the client signed off. `window` and
+  // `c` must outlive the buster.
+  RoomBuster(Form& window, const ClientContext& c,
+             std::function<void()> aol_restart);
+  ~RoomBuster();
+  RoomBuster(const RoomBuster&) = delete;
+  RoomBuster& operator=(const RoomBuster&) = delete;
 
-  Form form{"frmRoomBuster"};
   TextBox txtRoom;
   Label cmdStart{"frmRoomBuster.cmdStart", "&start"};
   Label lblBusts{"frmRoomBuster.lblBusts", kBustsCount(0)};
@@ -58,7 +61,7 @@ class FrmRoomBuster {
   void cmdStart_Click();
   void Timer1_Timer();
 
-  bool loaded() const { return form.open(); }
+  bool loaded() const { return window_.open(); }
   bool busting() const { return busting_; }
   // True while a tick runs: a restart started from it cannot wait for the
   // buster, whose next tick only comes after this one.
@@ -70,6 +73,7 @@ class FrmRoomBuster {
   void Start();
   void Stop();
 
+  Form& window_;
   const ClientContext& c_;
   std::function<void()> aol_restart_;
   bool busting_ = false;

@@ -27,7 +27,8 @@ class RoomBusterTest : public ClientTest {
   }
 
   int restarts = 0;
-  FrmRoomBuster buster{c, [this] { ++restarts; }};
+  Form window{"frmRoomBuster"};
+  RoomBuster buster{window, c, [this] { ++restarts; }};
 };
 
 TEST_F(RoomBusterTest, BustsAFullRoomThenClosesFresh) {

@@ -138,7 +138,7 @@ void OpenFlashmail(const SessionContext& s) {
 
 // Back into the server's room through the room buster.
 void BustRoom(const SessionContext& s) {
-  FrmRoomBuster& buster = s.frmRoomBuster;
+  RoomBuster& buster = s.buster;
   SetStatus(s, "status: busting chatroom");
   // No room to return to: the client signed off before the server ever
   // saw its room. A bust of no name ends at once, and the wait for a room
@@ -192,7 +192,7 @@ std::string GetAOLPath(const Machine& machine, const ProfileFile& profiles) {
 }
 
 void AOLRestart(const SessionContext& s) {
-  FrmRoomBuster& buster = s.frmRoomBuster;
+  RoomBuster& buster = s.buster;
   // The buster's tick can find the client signed off while a restart is
   // bringing it back; a second restart inside the first would close the
   // client it is signing on.

@@ -25,7 +25,7 @@ struct SessionContext {
   Machine& machine;
   const ProfileFile& profiles;
   StatusStrip& status;
-  FrmRoomBuster& frmRoomBuster;
+  RoomBuster& buster;
   const std::string& room_name;
 };
 

@@ -70,10 +70,11 @@ class SessionTest : public ClientTest {
   StatusStrip status;
   std::string room = "Lobby";
   int buster_restarts = 0;
-  FrmRoomBuster buster{c, [this] {
-                         ++buster_restarts;
-                         AOLRestart(Session());
-                       }};
+  Form buster_window{"frmRoomBuster"};
+  RoomBuster buster{buster_window, c, [this] {
+                      ++buster_restarts;
+                      AOLRestart(Session());
+                    }};
   std::vector<std::string> started, client_events;
 };
 

@@ -1,5 +1,6 @@
 #include "desktop/banning_window.h"
 
+#include "app/frm_banning.h"
 #include "desktop/control_ids.h"
 #include "desktop/desktop.h"
 #include "desktop/wide_text.h"
@@ -33,21 +34,18 @@ bool ChosenItem(HWND combo, std::string& text) {
 void BanningWindow::Open() {
   if (open()) return;
   CreateSmall(kBanningClass, desktop_.Title("mnuBanOpts"), 0, 0, 300, 166);
-  const BanningForm& b = desktop_.app().frm().forms.frmBanning;
+  const FrmBanning& b = desktop_.app().frm().forms.frmBanning;
   const DWORD check = BS_AUTOCHECKBOX | WS_TABSTOP;
   const DWORD combo = CBS_DROPDOWN | WS_VSCROLL | WS_TABSTOP;
-  Child(L"STATIC", "number of mistakes before banning the requester", SS_LEFT,
-        8, 28, 200, 30, 0);
+  Child(L"STATIC", kMistakesCaption, SS_LEFT, 8, 28, 200, 30, 0);
   FillCombo(Child(L"COMBOBOX", "", combo, 232, 30, 60, 200, kIdCmbMistakes),
             b.cmbMistakes);
-  Child(L"BUTTON", "ban for having", check, 8, 68, 100, 18, kIdChkPending);
+  Child(L"BUTTON", kPendingCaptionBefore, check, 8, 68, 100, 18, kIdChkPending);
   FillCombo(Child(L"COMBOBOX", "", combo, 110, 67, 60, 200, kIdCmbMails),
             b.cmbMails);
-  Child(L"STATIC", "pending", SS_LEFT, 176, 70, 60, 16, 0);
-  Child(L"BUTTON", "ban for duplicate requestings", check, 8, 96, 250, 18,
-        kIdChkDupReqs);
-  Child(L"BUTTON", "ban for full mail box", check, 8, 122, 250, 18,
-        kIdChkFullBox);
+  Child(L"STATIC", kPendingCaptionAfter, SS_LEFT, 176, 70, 60, 16, 0);
+  Child(L"BUTTON", kDupReqsCaption, check, 8, 96, 250, 18, kIdChkDupReqs);
+  Child(L"BUTTON", kFullBoxCaption, check, 8, 122, 250, 18, kIdChkFullBox);
   SendMessageW(Item(kIdChkPending), BM_SETCHECK, b.chkPending.value, 0);
   SendMessageW(Item(kIdChkDupReqs), BM_SETCHECK, b.chkDupReqs.value, 0);
   SendMessageW(Item(kIdChkFullBox), BM_SETCHECK, b.chkFullBox.value, 0);
@@ -61,7 +59,7 @@ void BanningWindow::Open() {
 }
 
 ComboBox& BanningWindow::Model(int id) {
-  BanningForm& b = desktop_.app().frm().forms.frmBanning;
+  FrmBanning& b = desktop_.app().frm().forms.frmBanning;
   return id == kIdCmbMistakes ? b.cmbMistakes : b.cmbMails;
 }
 

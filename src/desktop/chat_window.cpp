@@ -34,10 +34,6 @@ void ChatroomWindow::Open() {
   BindText(Item(kIdTxtChat), form.txtChat, subs_);
   BindList(Item(kIdLstPeople), form.lstPeople, subs_);
   BindLabel(Item(kIdLblPeople), form.lblPeople, subs_);
-  // The window goes when the core unloads the form.
-  subs_.Add(form.form, [this](const Form& f) {
-    if (!f.open()) Destroy();
-  });
   // The line is the person's until the model empties it (once said or
   // queued, or when the window is reset).
   subs_.Add(form.txtSend, [this, send](const TextBox& box) {

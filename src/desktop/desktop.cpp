@@ -32,15 +32,19 @@ Desktop::Desktop(QuorvexApp& app, win32::Win32Host& host, Prompter& prompter)
       messages_(std::make_unique<MessagesWindow>(*this)),
       buster_(std::make_unique<BusterWindow>(*this)),
       chatroom_(std::make_unique<ChatroomWindow>(*this)),
-      about_(std::make_unique<InfoWindow>()),
-      credits_(std::make_unique<InfoWindow>()) {
+      about_(std::make_unique<InfoWindow>(
+          [this] { Post([this] { app_.Press("frmAbout.lblExit"); }); })),
+      credits_(std::make_unique<InfoWindow>(
+          [this] { Post([this] { app_.Press("frmCredits.lblExit"); }); })) {
   main_->Create();
+  FollowWindows();
   SetSmallWindowPlacer([this](HWND opening) { return Place(opening); });
   host_.SetMessageFilter(
       [this](void* m) { return Keyboard(*static_cast<MSG*>(m)); });
 }
 
 Desktop::~Desktop() {
+  windows_.Clear();
   host_.SetMessageFilter(nullptr);
   SetSmallWindowPlacer(nullptr);
 }
@@ -101,54 +105,49 @@ POINT Desktop::Place(HWND opening) const {
   return {p.x, p.y};
 }
 
+void Desktop::FollowWindows() {
+  FrmMain& f = app_.frm();
+  Follow(f.forms.frmBanning.form, *banning_, [this] { banning_->Open(); });
+  Follow(f.forms.frmRoom.form, *room_, [this] { room_->Open(); });
+  Follow(f.forms.frmMessages.form, *messages_, [this] { messages_->Open(); });
+  Follow(f.forms.frmRoomBuster->form, *buster_, [this] { buster_->Open(); });
+  Follow(app_.frmChatroom().form, *chatroom_, [this] { chatroom_->Open(); });
+  Follow(app_.frmAbout().form, *about_, [this] { OpenAbout(); });
+  Follow(app_.frmCredits().form, *credits_, [this] { OpenCredits(); });
+}
+
+void Desktop::Follow(Form& model, Window& view, std::function<void()> open) {
+  windows_.Add(model, [&view, open = std::move(open)](const Form& form) {
+    if (form.open())
+      open();
+    else
+      view.Destroy();
+  });
+}
+
+void Desktop::OpenAbout() {
+  const FrmAbout& a = app_.frmAbout();
+  about_->Open(kAboutClass, Title("mnuAbout"),
+               a.lblName.caption() + "\r\n" + a.lblFor.caption() + "\r\n\r\n" +
+                   a.lblAuthor.caption() + "\r\n" + a.lblArt.caption());
+}
+
+void Desktop::OpenCredits() {
+  credits_->Open(kCreditsClass, Title("mnuCredits"),
+                 app_.frmCredits().lblCredits.caption());
+}
+
 void Desktop::RunMenu(const std::string& name) {
-  if (name == "mnuBanOpts") {
-    Post([this] { app_.Press("mnuBanOpts"); });
-    banning_->Open();
-  } else if (name == "mnuMessages") {
-    Post([this] {
-      app_.Press("mnuMessages");
-      messages_->Open();
-    });
-  } else if (name == "mnuRoomBuster") {
-    Post([this] {
-      app_.Press("mnuRoomBuster");
-      buster_->Open();
-    });
-  } else if (name == "mnuServeNChat") {
-    Post([this] {
-      app_.Press("mnuServeNChat");
-      chatroom_->Open();
-    });
-  } else if (name == "mnuAbout") {
-    Post([this] {
-      app_.Press("mnuAbout");
-      const FrmAbout& a = app_.frmAbout();
-      about_->Open(kAboutClass, Title("mnuAbout"),
-                   a.lblName.caption() + "\r\n" + a.lblFor.caption() +
-                       "\r\n\r\n" + a.lblAuthor.caption() + "\r\n" +
-                       a.lblArt.caption());
-    });
-  } else if (name == "mnuCredits") {
-    Post([this] {
-      app_.Press("mnuCredits");
-      credits_->Open(kCreditsClass, Title("mnuCredits"),
-                     app_.frmCredits().lblCredits.caption());
-    });
-  } else if (!name.empty()) {
-    // Settings entries, preset items and the pending menu.
-    auto [control, index] = SplitGroupItem(name);
-    Post([this, control, index] {
-      if (app_.CanPress(control, index)) app_.Press(control, index);
-    });
-  }
+  if (name.empty()) return;
+  // A preset group's item comes as "mnuMSpeed(3)".
+  auto [control, index] = SplitGroupItem(name);
+  Post([this, control, index] {
+    if (app_.CanPress(control, index)) app_.Press(control, index);
+  });
 }
 
 void Desktop::OpenRoom() {
-  Post([this] {
-    app_.Press("lstBanned", 2);
-    room_->Open();
-  });
+  Post([this] { app_.Press("lstBanned", 2); });
 }
 
 void Desktop::Close() {

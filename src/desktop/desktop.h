@@ -11,6 +11,8 @@
 #include <string>
 
 #include "app/quorvex_app.h"
+#include "model/form.h"
+#include "model/subscriptions.h"
 #include "ports/prompter.h"
 #include "win32/win32_host.h"
 
@@ -23,6 +25,7 @@ class MessagesWindow;
 class BusterWindow;
 class InfoWindow;
 class ChatroomWindow;
+class Window;
 
 class Desktop {
  public:
@@ -37,9 +40,11 @@ class Desktop {
   void Post(std::function<void()> fn) { host_.Schedule(0, std::move(fn)); }
 
   MainWindow& main() { return *main_; }
-  // A pick from one of the main window's menus, by entry name.
+  // A pick from one of the main window's menus, by entry name: pressed in
+  // the core, where a window's entry opens its model (and so its view).
   void RunMenu(const std::string& name);
-  // The right click on lstBanned: the room is read, then shown.
+  // The right click on lstBanned: the core reads the room and opens the
+  // room people window.
   void OpenRoom();
   // The program has ended: every window goes, and so does the process.
   void Close();
@@ -50,6 +55,12 @@ class Desktop {
  private:
   POINT Place(HWND opening) const;
   bool Keyboard(MSG& msg);
+  // Every small window opens and closes with its model, whoever opened or
+  // closed it (a menu entry, a key, a scenario or the core itself).
+  void FollowWindows();
+  void Follow(Form& model, Window& view, std::function<void()> open);
+  void OpenAbout();
+  void OpenCredits();
 
   QuorvexApp& app_;
   win32::Win32Host& host_;
@@ -62,6 +73,8 @@ class Desktop {
   std::unique_ptr<ChatroomWindow> chatroom_;
   std::unique_ptr<InfoWindow> about_;
   std::unique_ptr<InfoWindow> credits_;
+  // The views' subscriptions to their models; ended before the views go.
+  Subscriptions windows_;
 };
 
 }  // namespace quorvex::desktop

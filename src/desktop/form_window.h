@@ -1,7 +1,8 @@
 // A small window over one of the core's forms (banning options, room
-// people, room buster, serve-and-chat): it opens beside the main window
-// on the form's own model, and its lblExit hands the form's exit to the
-// core before the window goes.
+// people, room buster, serve-and-chat): the desktop opens it beside the
+// main window when the form's model opens, and destroys it when the model
+// closes; its lblExit hands the form's exit to the core before the window
+// goes.
 #pragma once
 
 #include "desktop/window.h"

@@ -59,7 +59,7 @@ void MainWindow::CreateControls() {
   HWND banned =
       Child(L"LISTBOX", "", list_style, 162, 182, 154, 58, kIdLstBanned);
   AddToolTip(hwnd(), pending, "right click for options");
-  AddToolTip(hwnd(), banned, "left click to remove, right click to add");
+  AddToolTip(hwnd(), banned, kBannedToolTip);
   OnMouseDown(banned, [this](UINT msg) { lstBanned_MouseDown(msg); });
   OnMouseDown(pending, [this](UINT msg) { lstPending_MouseDown(msg); });
 

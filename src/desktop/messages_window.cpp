@@ -25,7 +25,7 @@ void MessagesWindow::Open() {
   if (open()) return Refresh();
   CreateSmall(kMessagesClass, desktop_.Title("mnuMessages"), 0, 0, 300, 236,
               false);
-  MessagesForm& form = desktop_.app().frm().forms.frmMessages;
+  FrmMessages& form = desktop_.app().frm().forms.frmMessages;
   HWND tab = Child(WC_TABCONTROLW, "", WS_TABSTOP, 4, 24, 292, 176, kIdTab);
   const wchar_t* captions[] = {L"chat", L"mail", L"thank You"};
   for (int i = 0; i < 3; ++i) {
@@ -72,7 +72,7 @@ void MessagesWindow::Open() {
       const std::string text = WindowText(entry);
       desktop_.Post([this, &app, index, text] {
         app.Set(TxtAddName(index), text);
-        txtAdd_KeyPress(app.frm().forms.frmMessages, index, 13);
+        app.Press(TxtAddName(index));  // Return
         Refresh();
       });
       return true;
@@ -84,7 +84,7 @@ void MessagesWindow::Open() {
 
 void MessagesWindow::Refresh() {
   if (!open()) return;
-  const MessagesForm& form = desktop_.app().frm().forms.frmMessages;
+  const FrmMessages& form = desktop_.app().frm().forms.frmMessages;
   refreshing_ = true;
   for (int i = 0; i < 3; ++i) {
     HWND edit = Item(kIdTxtAdd0 + i);

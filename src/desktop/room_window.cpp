@@ -6,7 +6,8 @@
 namespace quorvex::desktop {
 
 void RoomWindow::Open() {
-  Destroy();  // it reads the room anew each time it opens
+  // Open already, it follows the room the core reads again.
+  if (open()) return;
   CreateSmall(kRoomClass, "room people", 0, 0, 240, 220);
   Child(L"LISTBOX", "",
         LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP,

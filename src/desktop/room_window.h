@@ -10,7 +10,7 @@ class RoomWindow : public FormWindow {
  public:
   explicit RoomWindow(Desktop& desktop)
       : FormWindow(desktop, "frmRoom.lblExit") {}
-  // Shows the room as the core read it when the window loaded.
+  // Shows the room as the core read it, and follows it.
   void Open() override;
 
  protected:

@@ -157,6 +157,14 @@ void SmallWindow::CreateSmall(const wchar_t* class_name,
   }
 }
 
+LRESULT SmallWindow::Handle(UINT msg, WPARAM wp, LPARAM lp) {
+  if (msg == WM_CLOSE) {
+    Escape();
+    return 0;
+  }
+  return Window::Handle(msg, wp, lp);
+}
+
 void SmallWindow::OnCommand(int id, int code, HWND control) {
   if (id == kIdLblExit && code == STN_CLICKED) return lblExit_Click();
   if (id == IDCANCEL && !control) return Escape();

@@ -61,6 +61,9 @@ class SmallWindow : public Window {
   // end (unless `with_exit` is false).
   void CreateSmall(const wchar_t* class_name, const std::string& caption, int x,
                    int y, int w, int h, bool with_exit = true);
+  // WM_CLOSE (Alt+F4, the task bar) does what Escape does: the core's
+  // model closes with its window.
+  LRESULT Handle(UINT msg, WPARAM wp, LPARAM lp) override;
   void OnCommand(int id, int code, HWND control) override;
   virtual void lblExit_Click() {}
   // Escape: what lblExit does, in a window that has it.

@@ -56,7 +56,7 @@ void SayLeft(BanContext& ctx, const std::string& sn, double left) {
 
 }  // namespace
 
-BanningForm::BanningForm()
+BanningOptions::BanningOptions()
     : cmbMistakes{"3", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}},
       chkPending{1},
       cmbMails{"500",
@@ -65,40 +65,40 @@ BanningForm::BanningForm()
       chkDupReqs{1},
       chkFullBox{1} {}
 
-double BanningForm::Mistakes() const {
+double BanningOptions::Mistakes() const {
   return ComboNumber(cmbMistakes, kDefaultMistakes);
 }
 
-double BanningForm::Mails() const {
+double BanningOptions::Mails() const {
   return ComboNumber(cmbMails, kDefaultMails);
 }
 
-std::string BanningForm::MistakesText() const {
+std::string BanningOptions::MistakesText() const {
   return IsNumeric(cmbMistakes.text) ? cmbMistakes.text
                                      : NumberText(kDefaultMistakes);
 }
 
-void LoadBanning(const Registry& registry, BanningForm& form) {
-  form.chkFullBox.Set(ReadCheck(registry, "FullBox", 1));
-  form.chkDupReqs.Set(ReadCheck(registry, "DupeRequests", 1));
-  form.chkPending.Set(ReadCheck(registry, "MailsPending", 1));
-  form.cmbMails.Set(ReadCombo(registry, "Mails", 500));
-  form.cmbMistakes.Set(ReadCombo(registry, "Mistakes", 3));
+void LoadBanning(const Registry& registry, BanningOptions& options) {
+  options.chkFullBox.Set(ReadCheck(registry, "FullBox", 1));
+  options.chkDupReqs.Set(ReadCheck(registry, "DupeRequests", 1));
+  options.chkPending.Set(ReadCheck(registry, "MailsPending", 1));
+  options.cmbMails.Set(ReadCombo(registry, "Mails", 500));
+  options.cmbMistakes.Set(ReadCombo(registry, "Mistakes", 3));
 }
 
-void SaveBanning(Registry& registry, const BanningForm& form) {
+void SaveBanning(Registry& registry, const BanningOptions& options) {
   registry.Save(kApp, kSection, "FullBox",
-                std::to_string(form.chkFullBox.value));
+                std::to_string(options.chkFullBox.value));
   registry.Save(kApp, kSection, "DupeRequests",
-                std::to_string(form.chkDupReqs.value));
+                std::to_string(options.chkDupReqs.value));
   registry.Save(kApp, kSection, "MailsPending",
-                std::to_string(form.chkPending.value));
-  registry.Save(kApp, kSection, "Mails", form.cmbMails.text);
-  registry.Save(kApp, kSection, "Mistakes", form.cmbMistakes.text);
+                std::to_string(options.chkPending.value));
+  registry.Save(kApp, kSection, "Mails", options.cmbMails.text);
+  registry.Save(kApp, kSection, "Mistakes", options.cmbMistakes.text);
 }
 
 void AddMistake(BanContext& ctx, const std::string& sn) {
-  double allowed = ctx.frmBanning.Mistakes();
+  double allowed = ctx.banning.Mistakes();
   for (int i = 0; i < ctx.MistakeList.Count(); ++i) {
     const std::string& element = ctx.MistakeList.Item(i);
     if (element.empty()) break;
@@ -111,7 +111,7 @@ void AddMistake(BanContext& ctx, const std::string& sn) {
     double now = Val(count) + 1;
     ctx.MistakeList.Remove(i);
     // The limit is compared as text, as the window holds it.
-    if (ctx.frmBanning.MistakesText() == NumberText(now)) {
+    if (ctx.banning.MistakesText() == NumberText(now)) {
       Ban(ctx, sn);
     } else {
       ctx.MistakeList.Add(sn + "-" + NumberText(now));

@@ -1,12 +1,12 @@
-// Mistakes and bans: the banning options window `frmBanning`, the
-// in-memory mistake counts, and the banned list.
+// Mistakes and bans: the banning options (the controls of the options
+// window, app/frm_banning.h), the in-memory mistake counts, and the
+// banned list.
 #pragma once
 
 #include <functional>
 #include <string>
 
 #include "model/controls.h"
-#include "model/form.h"
 #include "model/job_event.h"
 #include "model/label.h"
 #include "model/list_box.h"
@@ -15,12 +15,11 @@
 
 namespace quorvex {
 
-// The options window. The controls are the live store of the options;
-// the combo boxes are editable and their text is the value.
-struct BanningForm {
-  BanningForm();
-
-  Form form{"frmBanning"};
+// The options as the options window's controls hold them: they are the
+// live store of the options; the combo boxes are editable and their text
+// is the value.
+struct BanningOptions {
+  BanningOptions();
 
   ComboBox cmbMistakes;  // mistakes allowed before a ban
   CheckBox chkPending;   // enforce the per-person pending limit
@@ -36,23 +35,13 @@ struct BanningForm {
   std::string MistakesText() const;
 };
 
-// Captions of the window and of the banned list's tool tip.
-inline constexpr const char* kMistakesCaption =
-    "number of mistakes before banning the requester";
-inline constexpr const char* kPendingCaptionBefore = "ban for having";
-inline constexpr const char* kPendingCaptionAfter = "pending";
-inline constexpr const char* kDupReqsCaption = "ban for duplicate requestings";
-inline constexpr const char* kFullBoxCaption = "ban for full mail box";
-inline constexpr const char* kBannedToolTip =
-    "left click to remove, right click to add";
-
 // Section "Banning" of the registry. A stored text that is no small
 // integer (or no check box value) loads as the default.
-void LoadBanning(const Registry& registry, BanningForm& form);
-void SaveBanning(Registry& registry, const BanningForm& form);
+void LoadBanning(const Registry& registry, BanningOptions& options);
+void SaveBanning(Registry& registry, const BanningOptions& options);
 
 struct BanContext {
-  const BanningForm& frmBanning;
+  const BanningOptions& banning;
   ListBox& MistakeList;  // sn + "-" + count, or sn + "-banned"
   ListBox& lstBanned;
   Label& lblBanned;

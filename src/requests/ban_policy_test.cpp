@@ -17,7 +17,7 @@ using Lines = std::vector<std::string>;
 
 TEST(BanningOptionsTest, BadStoredValuesLoadAsDefaults) {
   MemoryRegistry registry;
-  BanningForm form;
+  BanningOptions form;
   registry.Save(kApp, "Banning", "Mails", "lots");
   registry.Save(kApp, "Banning", "Mistakes", "99999");  // beyond 16 bits
   registry.Save(kApp, "Banning", "FullBox", "7");       // no check value
@@ -41,7 +41,7 @@ TEST(BanningOptionsTest, StoredValuesAtTheEdgesOfTheirRanges) {
                                                        {"32767.4", "32767"}};
   for (const auto& [stored, loaded] : mails) {
     MemoryRegistry registry;
-    BanningForm form;
+    BanningOptions form;
     registry.Save(kApp, "Banning", "Mails", stored);
     LoadBanning(registry, form);
     EXPECT_EQ(form.cmbMails.text, loaded) << stored;
@@ -50,7 +50,7 @@ TEST(BanningOptionsTest, StoredValuesAtTheEdgesOfTheirRanges) {
       {"-1", 1}, {"0", 0}, {"2", 2}, {"3", 1}};
   for (const auto& [stored, loaded] : checks) {
     MemoryRegistry registry;
-    BanningForm form;
+    BanningOptions form;
     registry.Save(kApp, "Banning", "FullBox", stored);
     LoadBanning(registry, form);
     EXPECT_EQ(form.chkFullBox.value, loaded) << stored;
@@ -59,7 +59,7 @@ TEST(BanningOptionsTest, StoredValuesAtTheEdgesOfTheirRanges) {
 
 class AddMistakeTest : public ::testing::Test {
  protected:
-  BanningForm form;
+  BanningOptions form;
   ListBox MistakeList{"MistakeList"};
   ListBox lstBanned{"lstBanned"};
   Label lblBanned{"lblBanned", "banned: 0"};
@@ -114,8 +114,8 @@ TEST_F(AddMistakeTest, LimitsOfOneZeroAndOddTexts) {
 }
 
 // The room people window: the first name of the room is handled like any.
-TEST(RoomFormTest, LeavesOutTheBannedAndBansTheSelectedPerson) {
-  RoomForm room;
+TEST(RoomPeopleTest, LeavesOutTheBannedAndBansTheSelectedPerson) {
+  RoomPeople room;
   ListBox lstBanned{"lstBanned"};
   Label lblBanned{"lblBanned", "banned: 2"};
   PendingQueue pending;

@@ -51,7 +51,7 @@ bool CheckDuplicate(RequestContext& ctx, const std::string& sn,
   entry += separator;
   entry += item;
   if (!ctx.pending.Has(entry)) return false;
-  if (ctx.frmBanning.chkDupReqs.value == 1)
+  if (ctx.banning.chkDupReqs.value == 1)
     QueueReply(ctx.ReplyQueue, sn, "duplication");
   return true;
 }
@@ -68,8 +68,8 @@ End RangeRequest(RequestContext& ctx, const std::string& sn,
   double y = Val(Trim(msg.substr(msg.find('-') + 1)));
   int pending = ctx.pending.PendingCount(sn);
   // The span is y - x, one less than the mails asked for.
-  if (ctx.frmBanning.chkPending.value == 1 &&
-      y - x + pending > ctx.frmBanning.Mails()) {
+  if (ctx.banning.chkPending.value == 1 &&
+      y - x + pending > ctx.banning.Mails()) {
     QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }
@@ -103,8 +103,7 @@ End SingleRequest(RequestContext& ctx, const std::string& sn,
   if (rest.size() >= 6 || rest.empty()) return End::kSilent;
   int pending = ctx.pending.PendingCount(sn);
   double n = Val(Trim(rest));
-  if (ctx.frmBanning.chkPending.value == 1 &&
-      pending + 1 > ctx.frmBanning.Mails()) {
+  if (ctx.banning.chkPending.value == 1 && pending + 1 > ctx.banning.Mails()) {
     QueueReply(ctx.ReplyQueue, sn, "pending");
     return End::kRefresh;
   }

@@ -16,7 +16,7 @@ namespace quorvex {
 
 struct RequestContext {
   const Settings& settings;
-  const BanningForm& frmBanning;
+  const BanningOptions& banning;
   PendingQueue& pending;
   const ListBox& lstBanned;
   const ListBox& lstMails;  // its count is the highest mail number

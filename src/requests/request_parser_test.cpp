@@ -27,7 +27,7 @@ class RequestParserTest : public ::testing::Test {
   void Mark() { lblPending.Set("unrefreshed"); }
 
   Settings settings;
-  BanningForm banning;
+  BanningOptions banning;
   PendingQueue pending;
   ListBox lstBanned{"lstBanned"};
   ListBox lstMails{"lstMails"};

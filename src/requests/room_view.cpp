@@ -2,8 +2,8 @@
 
 namespace quorvex {
 
-void RoomForm::Load(const std::vector<std::string>& people,
-                    const ListBox& lstBanned) {
+void RoomPeople::Load(const std::vector<std::string>& people,
+                      const ListBox& lstBanned) {
   lstRoom.Clear();
   for (const auto& name : people) lstRoom.Add(name);
   for (int i = 0; i < lstBanned.Count(); ++i) {
@@ -12,8 +12,8 @@ void RoomForm::Load(const std::vector<std::string>& people,
   }
 }
 
-std::string RoomForm::DoubleClick(ListBox& lstBanned, Label& lblBanned,
-                                  PendingQueue& pending, Label& lblPending) {
+std::string RoomPeople::DoubleClick(ListBox& lstBanned, Label& lblBanned,
+                                    PendingQueue& pending, Label& lblPending) {
   int selected = lstRoom.selected();
   if (selected < 0) return "";
   std::string name = lstRoom.Item(selected);

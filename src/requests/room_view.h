@@ -1,19 +1,18 @@
-// The room people window `frmRoom`: the people in the chat room who are
-// not banned yet; a double click bans one silently.
+// The room's people as the room people window (app/frm_room.h) lists
+// them: those in the chat room who are not banned yet; a double click bans
+// one silently.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "model/form.h"
 #include "model/label.h"
 #include "model/list_box.h"
 #include "requests/pending_queue.h"
 
 namespace quorvex {
 
-struct RoomForm {
-  Form form{"frmRoom"};
+struct RoomPeople {
   ListBox lstRoom{"lstRoom"};
 
   // Fills lstRoom with the room's people as the reader gave them, then

@@ -38,7 +38,7 @@ Hwnd FindMailWindow(WindowApi& api, const std::string& title) {
 }  // namespace
 
 std::string NotifyText(const MailJobContext& m, Host& host) {
-  const ListBox& chat = m.frmMessages.lstChat;
+  const ListBox& chat = m.messages.lstChat;
   if (chat.Empty()) return "sent";
   const int pick = RandomNumber(chat.Count(), host.Timer(), m.seed);
   return chat.Item(pick - 1);
@@ -76,7 +76,7 @@ std::string ForwardBody(const MailJobContext& m,
                         const std::string& second_line) {
   const Settings& s = m.settings;
   return BannerLine(s) + s.LAscii + second_line + s.RAscii + "\r\n" +
-         m.frmMessages.mail_text().text + "\r\n";
+         m.messages.mail_text().text + "\r\n";
 }
 
 Hwnd FindForwardWindow(WindowApi& api) {

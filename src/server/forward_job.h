@@ -29,7 +29,7 @@ namespace quorvex {
 struct MailJobContext {
   const Settings& settings;
   // The notices said after a forward and the text every forward carries.
-  const MessagesForm& frmMessages;
+  const MessageControls& messages;
   MailboxLists mailbox;
   PendingQueue& pending;
   Label& lblPending;

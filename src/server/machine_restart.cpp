@@ -83,7 +83,7 @@ void CPURestart(const RestartContext& r, const ClientContext& c) {
   if (r.Timer2) r.Timer2->SetEnabled(false);
 
   SaveSettings(r.settings, r.registry);
-  SaveMessages(r.frmMessages, r.registry);
+  SaveMessages(r.messages, r.registry);
   SaveRestartState(r);
 
   // The client may ignore a close; it is asked again every 40 seconds.

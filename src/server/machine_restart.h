@@ -32,7 +32,7 @@ struct RestartContext {
   Registry& registry;
   // Saved to the registry before the machine goes down.
   const Settings& settings;
-  const MessagesForm& frmMessages;
+  const MessageControls& messages;
   PendingQueue& pending;
   Label& lblPending;
   ListBox& lstBanned;

@@ -33,7 +33,7 @@ void MailReply(const ReplyContext& r, const ClientContext& c,
 void ThankYouReply(const ReplyContext& r, const ClientContext& c,
                    const std::string& sn) {
   const LostIfCutShort on_exit(r.events, r.ended, sn, "thanks");
-  const ListBox& thanks = r.frmMessages.lstThankyou;
+  const ListBox& thanks = r.messages.lstThankyou;
   std::string text = "you are welcome";
   if (!thanks.Empty()) {
     int pick = RandomNumber(thanks.Count(), c.host.Timer(), r.seed);

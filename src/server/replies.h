@@ -21,7 +21,7 @@ namespace quorvex {
 // What the replies and the advertisement read and say.
 struct ReplyContext {
   const Settings& settings;
-  const MessagesForm& frmMessages;  // the thank-you lines
+  const MessageControls& messages;  // the thank-you lines
   const PendingQueue& pending;
   const ListBox& lstMails;
   const ServeCounters& counters;

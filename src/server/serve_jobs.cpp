@@ -29,7 +29,7 @@ ServeJobs DefaultServeJobs(const MailJobContext& mail,
   };
   jobs.advertise = [replies, cc] { Advertise(replies, *cc); };
   jobs.full_mailbox = [ban = BanContext(ban)](const std::string& sn) mutable {
-    if (ban.frmBanning.chkFullBox.value == 1) AddMistake(ban, sn);
+    if (ban.banning.chkFullBox.value == 1) AddMistake(ban, sn);
   };
   jobs.cpu_restart = [restart, cc] { CPURestart(restart, *cc); };
   return jobs;

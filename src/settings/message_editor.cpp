@@ -12,13 +12,13 @@ namespace {
 
 bool ValidBox(int index) { return index >= 0 && index <= 2; }
 
-std::size_t& Caret(MessagesForm& form, int index) {
+std::size_t& Caret(MessageControls& form, int index) {
   std::size_t& caret = form.caret[index];
   caret = std::min(caret, form.txtAdd[index].text.size());
   return caret;
 }
 
-void InsertAtCaret(MessagesForm& form, int index, const std::string& text) {
+void InsertAtCaret(MessageControls& form, int index, const std::string& text) {
   std::size_t& caret = Caret(form, index);
   std::string changed = form.txtAdd[index].text;
   changed.insert(caret, text);
@@ -28,17 +28,11 @@ void InsertAtCaret(MessagesForm& form, int index, const std::string& text) {
 
 }  // namespace
 
-void frmMessages_Load(MessagesForm& form, const Registry& registry) {
-  LoadMessages(form, registry);
-  Tab_Click(form, 0);
-  form.form.Open();
-}
-
-void Tab_Click(MessagesForm& form, int Index) {
+void Tab_Click(MessageControls& form, int Index) {
   if (ValidBox(Index)) form.tab = Index;
 }
 
-bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii) {
+bool txtAdd_KeyPress(MessageControls& form, int Index, int KeyAscii) {
   if (!ValidBox(Index)) return false;
   TextBox& box = form.txtAdd[Index];
   if (KeyAscii == kKeyEnter && Index != 1) {
@@ -71,24 +65,24 @@ bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii) {
   return false;
 }
 
-void SetCaret(MessagesForm& form, int Index, std::size_t position) {
+void SetCaret(MessageControls& form, int Index, std::size_t position) {
   if (!ValidBox(Index)) return;
   form.caret[Index] = position;
   Caret(form, Index);
 }
 
-void lstChat_DblClick(MessagesForm& form) {
+void lstChat_DblClick(MessageControls& form) {
   int selected = form.lstChat.selected();
   if (selected >= 0) form.lstChat.Remove(selected);
 }
 
-void lstThankyou_Click(MessagesForm& form, int index) {
+void lstThankyou_Click(MessageControls& form, int index) {
   form.lstThankyou.Select(index);
   int selected = form.lstThankyou.selected();
   if (selected >= 0) form.lstThankyou.Remove(selected);
 }
 
-bool ClickInsertItem(MessagesForm& form, const std::string& name) {
+bool ClickInsertItem(MessageControls& form, const std::string& name) {
   std::string item = name;
   if (StartsWith(item, kMessagesMenuPrefix))
     item = item.substr(std::string(kMessagesMenuPrefix).size());
@@ -100,12 +94,5 @@ bool ClickInsertItem(MessagesForm& form, const std::string& name) {
   }
   return false;
 }
-
-void cmdSave_Click(MessagesForm& form, Registry& registry) {
-  SaveMessages(form, registry);
-  form.form.Close();
-}
-
-void cmdExit_Click(MessagesForm& form) { form.form.Close(); }
 
 }  // namespace quorvex

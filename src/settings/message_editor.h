@@ -1,11 +1,10 @@
-// frmMessages, the message editor: its handlers on the form's model. The
-// window's topmost state, title painting and pop-up placement belong to
-// the front end.
+// The message editor's handlers on its controls. Opening and closing the
+// window (app/frm_messages.h) belong to the program; its topmost state,
+// title painting and pop-up placement to the front end.
 #pragma once
 
 #include <string>
 
-#include "ports/registry.h"
 #include "settings/messages.h"
 
 namespace quorvex {
@@ -13,11 +12,8 @@ namespace quorvex {
 inline constexpr int kKeyEnter = 13;
 inline constexpr int kKeyBackspace = 8;
 
-// The form's load: the texts from the registry, the first page shown.
-void frmMessages_Load(MessagesForm& form, const Registry& registry);
-
 // Shows the page of tab `Index` (0 chat, 1 mail, 2 thank you).
-void Tab_Click(MessagesForm& form, int Index);
+void Tab_Click(MessageControls& form, int Index);
 
 // A key typed into txtAdd(Index). Enter on a non-empty entry line (0 or 2)
 // adds it to its list, clears it and is swallowed; on the mail text (1) it
@@ -26,24 +22,19 @@ void Tab_Click(MessagesForm& form, int Index);
 // one-line boxes, backspace removes the character before the caret, a
 // printable ASCII key is inserted. Returns true when the handler swallowed
 // the key.
-bool txtAdd_KeyPress(MessagesForm& form, int Index, int KeyAscii);
+bool txtAdd_KeyPress(MessageControls& form, int Index, int KeyAscii);
 
 // Sets the caret of txtAdd(Index), clamped to its text.
-void SetCaret(MessagesForm& form, int Index, std::size_t position);
+void SetCaret(MessageControls& form, int Index, std::size_t position);
 
 // Removes the selected chat message; nothing when none is selected.
-void lstChat_DblClick(MessagesForm& form);
+void lstChat_DblClick(MessageControls& form);
 // A single click on a thank-you message removes it at once.
-void lstThankyou_Click(MessagesForm& form, int index);
+void lstThankyou_Click(MessageControls& form, int index);
 
 // An item of the inserts menu ("frmMessages.mnuDate" or "mnuDate"): puts
 // its code into the shown page's text box at the caret and leaves the
 // caret after it. False for a name that is not an insert item.
-bool ClickInsertItem(MessagesForm& form, const std::string& name);
-
-// Saves the texts and closes the window.
-void cmdSave_Click(MessagesForm& form, Registry& registry);
-// Closes the window; the edits stay in the controls, unsaved.
-void cmdExit_Click(MessagesForm& form);
+bool ClickInsertItem(MessageControls& form, const std::string& name);
 
 }  // namespace quorvex

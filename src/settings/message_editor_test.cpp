@@ -12,13 +12,13 @@ namespace {
 // Loading with gaps, deleting by click and saving renumbered also run whole
 // in tests/scenarios/loaded_kept.scn.
 
-void Type(MessagesForm& form, int index, const std::string& text) {
+void Type(MessageControls& form, int index, const std::string& text) {
   for (char c : text) txtAdd_KeyPress(form, index, c);
 }
 
 TEST(MessagesTest, NothingStoredGivesEmptyListsAndDefaultMailText) {
   MemoryRegistry registry;
-  MessagesForm form;
+  MessageControls form;
   form.lstChat.Add("left over");
   LoadMessages(form, registry);
   EXPECT_TRUE(form.lstChat.Empty());
@@ -40,7 +40,7 @@ TEST(MessagesTest, SaveTouchesOnlyKeysOfTheOldCount) {
   registry.Save(kApp, "ThankYouMsgs", "ThankYou Msg1", "ty");
   registry.Save(kApp, "MailMsgs", "Mail Msg", "line 1\r\nline 2");
 
-  MessagesForm form;
+  MessageControls form;
   LoadMessages(form, registry);
   EXPECT_EQ(form.lstThankyou.Items(), std::vector<std::string>{"ty"});
   EXPECT_EQ(form.txtAdd[1].text, "line 1\r\nline 2");
@@ -61,7 +61,7 @@ TEST(MessagesTest, OddTotalsDoNotLoadOrStall) {
   MemoryRegistry registry;
   registry.Save(kApp, "ChatMsgs", "Chat Msg0", "a");
   registry.Save(kApp, "ChatMsgs", "Chat Msg01", "not index 1");
-  MessagesForm form;
+  MessageControls form;
   for (const char* total : {"-1", "abc", "-5"}) {
     registry.Save(kApp, "ChatMsgs", "ChatMsgTotal", total);
     LoadMessages(form, registry);
@@ -80,7 +80,7 @@ TEST(MessagesTest, OnlyPlainIndexesBelowTheCountLoad) {
   for (const char* key :
        {"Chat Msg1", "Chat Msg2", "Chat Msg/", "Chat Msg:", "Chat Msg0"})
     registry.Save(kApp, "ChatMsgs", key, key);
-  MessagesForm form;
+  MessageControls form;
   LoadMessages(form, registry);
   EXPECT_EQ(form.lstChat.Items(),
             (std::vector<std::string>{"Chat Msg0", "Chat Msg1"}));
@@ -96,7 +96,7 @@ TEST(MessagesTest, OnlyPlainIndexesBelowTheCountLoad) {
 // Return adding an entry line (and nothing from an empty one) runs whole in
 // tests/scenarios/small_windows.scn.
 TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
-  MessagesForm form;
+  MessageControls form;
   EXPECT_FALSE(txtAdd_KeyPress(form, 0, kKeyEnter));
   Type(form, 2, "thx");
   EXPECT_TRUE(txtAdd_KeyPress(form, 2, kKeyEnter));
@@ -111,7 +111,7 @@ TEST(MessageEditorTest, EnterIsTakenByEntryLinesButBreaksMailText) {
 // around them; backspace takes one whole character and nothing before the
 // start; the pages are 0 to 2.
 TEST(MessageEditorTest, KeysAndPagesAtTheirEdges) {
-  MessagesForm form;
+  MessageControls form;
   for (int key : {31, 32, 126, 127, int{'\t'}}) txtAdd_KeyPress(form, 0, key);
   EXPECT_EQ(form.txtAdd[0].text, " ~\t");
 
@@ -139,7 +139,7 @@ TEST(MessageEditorTest, KeysAndPagesAtTheirEdges) {
 }
 
 TEST(MessageEditorTest, ListsDeleteByDoubleAndSingleClick) {
-  MessagesForm form;
+  MessageControls form;
   form.lstChat.Add("one");
   lstChat_DblClick(form);  // nothing selected
   EXPECT_EQ(form.lstChat.Count(), 1);
@@ -153,7 +153,7 @@ TEST(MessageEditorTest, ListsDeleteByDoubleAndSingleClick) {
 }
 
 TEST(MessageEditorTest, InsertItemsGoToTheShownPageAtTheCaret) {
-  MessagesForm form;
+  MessageControls form;
   form.txtAdd[0].text = "ab";
   SetCaret(form, 0, 1);
   EXPECT_TRUE(ClickInsertItem(form, "mnuAOL"));
@@ -168,17 +168,6 @@ TEST(MessageEditorTest, InsertItemsGoToTheShownPageAtTheCaret) {
   Tab_Click(form, 7);
   EXPECT_EQ(form.tab, 1);
   EXPECT_FALSE(ClickInsertItem(form, "mnuMailNotify"));
-}
-
-TEST(MessageEditorTest, ExitClosesWithoutSaving) {
-  MemoryRegistry registry;
-  MessagesForm form;
-  frmMessages_Load(form, registry);
-  form.form.Open();
-  form.lstChat.Add("hello");
-  cmdExit_Click(form);
-  EXPECT_FALSE(form.form.open());
-  EXPECT_TRUE(registry.Dump(kApp).empty());
 }
 
 }  // namespace

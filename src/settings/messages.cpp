@@ -94,14 +94,14 @@ void SaveList(const ListBox& box, const Registry& registry,
 
 }  // namespace
 
-void LoadMessages(MessagesForm& form, const Registry& registry) {
+void LoadMessages(MessageControls& form, const Registry& registry) {
   LoadList(form.lstChat, registry, kChat);
   LoadList(form.lstThankyou, registry, kThankYou);
   form.mail_text().Set(registry.GetSetting(kApp, kMailMsgsSection, "Mail Msg",
                                            kDefaultMailMessage));
 }
 
-void SaveMessages(const MessagesForm& form, Registry& registry) {
+void SaveMessages(const MessageControls& form, Registry& registry) {
   // One write of the settings for all of them: a save per key rewrote
   // the whole settings file once per message.
   std::vector<RegistryChange> changes;

@@ -7,7 +7,6 @@
 #include <cstddef>
 
 #include "model/controls.h"
-#include "model/form.h"
 #include "model/list_box.h"
 #include "ports/registry.h"
 
@@ -20,8 +19,9 @@ inline constexpr const char* kMailMsgsSection = "MailMsgs";
 // The mail text used when none is stored.
 extern const char* const kDefaultMailMessage;
 
-// frmMessages: the editor window and its controls.
-struct MessagesForm {
+// The message editor's controls (its window is app/frm_messages.h): the
+// texts, the entry lines with their carets, and the page shown.
+struct MessageControls {
   ListBox lstChat{"lstChat"};
   ListBox lstThankyou{"lstThankyou"};
   // 0: new chat message, 1: the mail text, 2: new thank-you message.
@@ -31,8 +31,6 @@ struct MessagesForm {
   // The shown tab and page: 0 chat (Picture1), 1 mail (Picture2),
   // 2 thank you (Picture3).
   int tab = 0;
-  // Hidden between uses; the lists live on while it is.
-  Form form{"frmMessages"};
 
   TextBox& mail_text() { return txtAdd[1]; }
   const TextBox& mail_text() const { return txtAdd[1]; }
@@ -40,9 +38,9 @@ struct MessagesForm {
 
 // Fills lstChat, lstThankyou and the mail text from the registry. Empty or
 // missing numbered messages are skipped, so gaps close up.
-void LoadMessages(MessagesForm& form, const Registry& registry);
+void LoadMessages(MessageControls& form, const Registry& registry);
 // Writes the three texts back, first deleting the numbered keys of the old
 // count so that none is left over when a list shrank.
-void SaveMessages(const MessagesForm& form, Registry& registry);
+void SaveMessages(const MessageControls& form, Registry& registry);
 
 }  // namespace quorvex

@@ -17,7 +17,7 @@
 namespace quorvex {
 
 // How a setting is edited and shown.
-enum class SettingForm {
+enum class SettingInput {
   kText,         // an input box; blank answers refused
   kFlag,         // an input box taking "on" or "off"
   kNumber,       // an input box taking a whole number in a range
@@ -38,7 +38,7 @@ inline constexpr double kNoLimit = std::numeric_limits<double>::infinity();
 struct SettingRow {
   const char* key;       // read from this registry key
   const char* saved_as;  // written under this key; nullptr: not written here
-  SettingForm form;
+  SettingInput input;
   SettingField field;
   // Place in the load order (the loader reads the keys in this order).
   int load_rank;

@@ -213,24 +213,24 @@ void BotScrollClick(SettingsMenuContext& ctx, const SettingRow& row,
 
 // Runs the click on `row` (item `index` of its group, 0 for an entry).
 void RunClick(SettingsMenuContext& ctx, const SettingRow& row, int index) {
-  switch (row.form) {
-    case SettingForm::kText:
+  switch (row.input) {
+    case SettingInput::kText:
       return TextEntry(ctx, row);
-    case SettingForm::kFlag:
+    case SettingInput::kFlag:
       return row.item > 0 ? FlagGroupClick(ctx, row) : FlagEntry(ctx, row);
-    case SettingForm::kNumber:
+    case SettingInput::kNumber:
       return NumberEntry(ctx, row);
-    case SettingForm::kSpeed:
+    case SettingInput::kSpeed:
       return SpeedClick(ctx, row, index);
-    case SettingForm::kListSend:
+    case SettingInput::kListSend:
       return ListSendClick(ctx, row, index);
-    case SettingForm::kBotScroll:
+    case SettingInput::kBotScroll:
       return BotScrollClick(ctx, row, index);
-    case SettingForm::kMailMethod:
+    case SettingInput::kMailMethod:
       return MailMethodClick(ctx, row, index);
-    case SettingForm::kReplyMethod:
+    case SettingInput::kReplyMethod:
       return ReplyMethodClick(ctx, row, index);
-    case SettingForm::kCount:
+    case SettingInput::kCount:
       return;
   }
 }

@@ -68,31 +68,31 @@ void ReadValue(const SettingRow& row, Settings& s, const Reader& in,
 // Writes the row's captions and check marks in their load form.
 void ShowLoaded(const SettingRow& row, Settings& s, MenuModel& menus,
                 Label& lblSent) {
-  switch (row.form) {
-    case SettingForm::kText:
+  switch (row.input) {
+    case SettingInput::kText:
       menus.SetCaption(
           ShownIn(row),
           Loaded(row.caption,
                  LCase(s.*std::get<std::string Settings::*>(row.field))));
       break;
-    case SettingForm::kFlag:
+    case SettingInput::kFlag:
       menus.SetCaption(
           ShownIn(row),
           Loaded(row.caption, OnOff(s.*std::get<bool Settings::*>(row.field))));
       break;
-    case SettingForm::kNumber:
+    case SettingInput::kNumber:
       menus.SetCaption(
           ShownIn(row),
           Loaded(row.caption,
                  std::to_string(
                      s.*std::get<std::int16_t Settings::*>(row.field))));
       break;
-    case SettingForm::kCount:
+    case SettingInput::kCount:
       lblSent.Set(
           row.caption +
           std::to_string(s.*std::get<std::int32_t Settings::*>(row.field)));
       break;
-    case SettingForm::kSpeed: {
+    case SettingInput::kSpeed: {
       float value = s.*std::get<float Settings::*>(row.field);
       menus.SetCaption(ShownIn(row), Loaded(row.caption, SingleText(value)));
       int item = SpeedItemFor(value);
@@ -102,7 +102,7 @@ void ShowLoaded(const SettingRow& row, Settings& s, MenuModel& menus,
       CheckOnly(menus, row.entry, row.items, item);
       break;
     }
-    case SettingForm::kListSend: {
+    case SettingInput::kListSend: {
       std::int16_t value = s.*std::get<std::int16_t Settings::*>(row.field);
       menus.SetCaption(ShownIn(row),
                        Loaded(row.caption, std::to_string(value)));
@@ -115,17 +115,17 @@ void ShowLoaded(const SettingRow& row, Settings& s, MenuModel& menus,
                        s.ListIfNoPending);
       break;
     }
-    case SettingForm::kBotScroll: {
+    case SettingInput::kBotScroll: {
       std::int16_t value = s.*std::get<std::int16_t Settings::*>(row.field);
       menus.SetCaption(ShownIn(row),
                        Loaded(row.caption, std::to_string(value)));
       CheckOnly(menus, row.entry, row.items, BotScrollItemFor(value));
       break;
     }
-    case SettingForm::kMailMethod:
-    case SettingForm::kReplyMethod: {
+    case SettingInput::kMailMethod:
+    case SettingInput::kReplyMethod: {
       bool value = s.*std::get<bool Settings::*>(row.field);
-      if (row.form == SettingForm::kMailMethod) {
+      if (row.input == SettingInput::kMailMethod) {
         menus.SetCaption(ShownIn(row), MailMethodCaption(row, value));
         CheckOnly(menus, row.entry, row.items, value ? 2 : 1);
       } else {

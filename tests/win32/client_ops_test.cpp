@@ -248,7 +248,8 @@ TEST_F(ClientOpsTest, InstantMessagesGoOffAndOnThroughTheClientsBox) {
 TEST_F(ClientOpsTest, TheRoomBusterPressesThroughAFullRoomsBoxes) {
   ASSERT_TRUE(standin.running());
   standin.Command("refuse Den|2");
-  FrmRoomBuster buster(c, nullptr);
+  Form window{"frmRoomBuster"};
+  RoomBuster buster(window, c, nullptr);
   buster.Form_Load();
   buster.txtRoom.Set("Den");
   buster.cmdStart_Click();
@@ -280,7 +281,8 @@ TEST_F(RestartTest, TheClientIsRestartedPastASignOnErrorAndBackInTheRoom) {
   win32::Win32ProfileFile profiles;
   test::NameStandInInWinIni();
   StatusStrip status;
-  FrmRoomBuster buster(c, nullptr);
+  Form window{"frmRoomBuster"};
+  RoomBuster buster(window, c, nullptr);
   const std::string room = "Lobby";
   // Closes the client (its process ends), starts its program again (a new
   // process, the same world), signs on (the first try ends in the error

@@ -13,7 +13,7 @@ namespace quorvex {
 inline constexpr const char* kPausingCaptions[2] = {
     "save banning on restart", "save dead mails cache on restart"};
 
-struct PausingForm {
+struct FrmPausing {
   std::array<CheckBox, 2> chkCPU;  // captions: kPausingCaptions
   Form form{"frmPausing"};
 };

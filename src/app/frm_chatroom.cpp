@@ -1,4 +1,4 @@
-#include "client/chatroom_window.h"
+#include "app/frm_chatroom.h"
 
 #include <utility>
 
