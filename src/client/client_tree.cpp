@@ -57,12 +57,8 @@ Hwnd WaitForClientChild(const ClientContext& c, std::string_view caption) {
 
 Hwnd FindClientChildWhere(WindowApi& api,
                           const std::function<bool(Hwnd)>& test) {
-  const Hwnd mdi = FindMdiClient(api);
-  for (Hwnd child = FindChild(api, mdi, aol::kChildClass); child != 0;
-       child = api.FindWindowExA(mdi, child, aol::kChildClass, nullptr)) {
-    if (test(child)) return child;
-  }
-  return 0;
+  return FindChildWhere(api, FindMdiClient(api), aol::kChildClass, nullptr,
+                        test);
 }
 
 bool IsChatRoom(WindowApi& api, Hwnd w) {
@@ -97,11 +93,8 @@ Hwnd FindComposeWindow(WindowApi& api) {
 Hwnd FindWriteMail(WindowApi& api) {
   const Hwnd mdi = FindMdiClient(api);
   if (!mdi) return 0;
-  for (Hwnd w = api.FindWindowExA(mdi, 0, aol::kChildClass, kWriteMail); w != 0;
-       w = api.FindWindowExA(mdi, w, aol::kChildClass, kWriteMail)) {
-    if (!IsChatRoom(api, w)) return w;
-  }
-  return 0;
+  return FindChildWhere(api, mdi, aol::kChildClass, kWriteMail,
+                        [&](Hwnd w) { return !IsChatRoom(api, w); });
 }
 
 Hwnd FindTabbedMailbox(WindowApi& api) {
@@ -112,18 +105,17 @@ Hwnd FindTabbedMailbox(WindowApi& api) {
 }
 
 std::string GetUserSN(WindowApi& api) {
-  const Hwnd mdi = FindMdiClient(api);
-  for (Hwnd child = FindChild(api, mdi, aol::kChildClass); child != 0;
-       child = api.FindWindowExA(mdi, child, aol::kChildClass, nullptr)) {
-    const std::string caption = GetCaption(api, child);
-    if (!StartsWith(caption, "Welcome, ")) continue;
-    // Without the "!" the old runtime failed on a negative length; the
-    // rest of the caption is the best guess.
-    const auto bang = caption.find('!');
-    return bang == std::string::npos ? caption.substr(9)
-                                     : caption.substr(9, bang - 9);
-  }
-  return "";
+  std::string caption;
+  const Hwnd welcome = FindClientChildWhere(api, [&](Hwnd child) {
+    caption = GetCaption(api, child);
+    return StartsWith(caption, "Welcome, ");
+  });
+  if (!welcome) return "";
+  // Without the "!" the old runtime failed on a negative length; the rest
+  // of the caption is the best guess.
+  const auto bang = caption.find('!');
+  return bang == std::string::npos ? caption.substr(9)
+                                   : caption.substr(9, bang - 9);
 }
 
 bool IsSignedOn(WindowApi& api) {

@@ -1,5 +1,6 @@
 #include "client/client_tree.h"
 
+#include "client/chat_room.h"
 #include "testing/test_client.h"
 
 namespace quorvex {
@@ -48,6 +49,45 @@ TEST_F(ClientTreeTest, AWindowClosingMidWalkHidesNoneAfterIt) {
   EXPECT_EQ(FindDocument(api, kSendIm), 0u);
   // A walk that finds nothing still ends.
   EXPECT_EQ(FindChildByTitle(api, FindMdiClient(api), "Goodbye"), 0u);
+}
+
+// The same with the walks that ask FindWindowExA for the window after the
+// last: the chat room below a window that closes just then is still found
+// (a line said at that moment once went unsaid), and so is the welcome
+// window the screen name is read from.
+TEST_F(ClientTreeTest, AWindowClosingMidFindHidesNoneAfterIt) {
+  Launch();
+  const Hwnd mdi = FindMdiClient(api);
+  Hwnd im = 0;
+  auto open_im_on_top = [&] {
+    Keyword(api, "aol://9293:Ann");
+    Run(1);
+    im = FindDocument(api, kSendIm);
+    ASSERT_NE(im, 0u);
+    ASSERT_EQ(FindChild(api, mdi, aol::kChildClass), im);
+  };
+  int closings = 0;
+  api.before_find_window = [&](Hwnd parent, Hwnd after) {
+    if (parent == mdi && after == im && api.IsWindow(im)) {
+      ++closings;
+      api.SendMessageA(im, win::kWmClose, 0, 0);
+    }
+  };
+
+  open_im_on_top();
+  ChatSend(c, "still heard");
+  EXPECT_EQ(closings, 1);
+  ASSERT_FALSE(chats.empty());
+  EXPECT_EQ(chats.back(), ChatLine(c, "still heard"));
+
+  open_im_on_top();
+  EXPECT_EQ(GetUserSN(api), "Joe Smith");
+  EXPECT_EQ(closings, 2);
+
+  // A walk that finds nothing still ends.
+  open_im_on_top();
+  EXPECT_EQ(FindClientChildWhere(api, [](Hwnd) { return false; }), 0u);
+  EXPECT_EQ(closings, 3);
 }
 
 TEST_F(ClientTreeTest, WaitForClientChildWithinOneSecond) {

@@ -8,20 +8,21 @@ namespace quorvex {
 
 namespace {
 
+// The client opens and closes windows while we walk its children: the
+// next of a window that has just closed is none, whether asked with
+// GetWindow or FindWindowExA, which would end the walk before the windows
+// after it (the welcome window, and the user would be taken for signed
+// off; the chat room, and a line to say would be dropped). A walk cut
+// short that way starts again from the first child, a few times at the
+// most.
+constexpr int kWalks = 4;
+
 // The walk of FindChildByClass and FindChildByTitle. The old runtime held
 // the walked handle in a 16-bit number and stopped with an overflow above
 // 32767; handles stay whole here.
-//
-// The client opens and closes windows while we walk: the next of a window
-// that has just closed is none, which would end the walk before the
-// windows after it (the welcome window among them, and the user would be
-// taken for signed off). A walk cut short that way starts again from the
-// first child, a few times at the most.
-constexpr int kWalks = 4;
-
 template <typename Text>
-Hwnd FindChildWhere(WindowApi& api, Hwnd parent, std::string_view wanted,
-                    Text text_of) {
+Hwnd FindChildContaining(WindowApi& api, Hwnd parent, std::string_view wanted,
+                         Text text_of) {
   const std::string needle = UCase(wanted);
   for (int walk = 0; walk < kWalks; ++walk) {
     Hwnd last = 0;
@@ -39,14 +40,30 @@ Hwnd FindChildWhere(WindowApi& api, Hwnd parent, std::string_view wanted,
 
 Hwnd FindChildByClass(WindowApi& api, Hwnd parent,
                       std::string_view class_name) {
-  return FindChildWhere(api, parent, class_name,
-                        [&](Hwnd h) { return api.GetClassNameA(h, 250); });
+  return FindChildContaining(api, parent, class_name,
+                             [&](Hwnd h) { return api.GetClassNameA(h, 250); });
 }
 
 Hwnd FindChildByTitle(WindowApi& api, Hwnd parent, std::string_view text) {
-  return FindChildWhere(api, parent, text, [&](Hwnd h) {
+  return FindChildContaining(api, parent, text, [&](Hwnd h) {
     return api.GetWindowTextA(h, api.GetWindowTextLengthA(h) + 1);
   });
+}
+
+Hwnd FindChildWhere(WindowApi& api, Hwnd parent, const char* class_name,
+                    const char* caption,
+                    const std::function<bool(Hwnd)>& test) {
+  for (int walk = 0; walk < kWalks; ++walk) {
+    Hwnd last = 0;
+    for (Hwnd child = api.FindWindowExA(parent, 0, class_name, caption);
+         child != 0;
+         child = api.FindWindowExA(parent, child, class_name, caption)) {
+      if (test(child)) return child;
+      last = child;
+    }
+    if (last == 0 || api.IsWindow(last)) break;  // walked to the true end
+  }
+  return 0;
 }
 
 Hwnd FindNthChild(WindowApi& api, Hwnd parent, const char* class_name, int n) {

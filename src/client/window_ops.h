@@ -3,6 +3,7 @@
 // operations; every lookup starts again from a parent the caller found.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,12 @@ namespace quorvex {
 Hwnd FindChildByClass(WindowApi& api, Hwnd parent, std::string_view class_name);
 // The same walk over captions.
 Hwnd FindChildByTitle(WindowApi& api, Hwnd parent, std::string_view text);
+// The first child of `class_name` (and `caption`, when given) that passes
+// the test, walking FindWindowExA with the previous one as "after". A walk
+// cut short by a window that closed under it starts again, as the walks
+// above do.
+Hwnd FindChildWhere(WindowApi& api, Hwnd parent, const char* class_name,
+                    const char* caption, const std::function<bool(Hwnd)>& test);
 
 // The n-th child (from 1) of a class: FindWindowExA again with the previous
 // match as "after", n - 1 times. As with FindWindowExA, a step that finds

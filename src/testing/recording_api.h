@@ -35,9 +35,11 @@ class RecordingApi : public WindowApi, public SimObserver {
   void SetObserver(SimObserver* observer) { observer_ = observer; }
 
   std::vector<RecordedMessage> messages;
-  // Runs before each GetWindow: lets a test close a window mid-walk, as
-  // the client does whenever it likes.
+  // Run before each GetWindow and each FindWindowExA (with its parent and
+  // "after"): let a test close a window mid-walk, as the client does
+  // whenever it likes.
   std::function<void(Hwnd, unsigned)> before_get_window;
+  std::function<void(Hwnd, Hwnd)> before_find_window;
   // The messages sent or posted to one window.
   std::vector<RecordedMessage> To(Hwnd hwnd) const {
     std::vector<RecordedMessage> out;
@@ -70,6 +72,7 @@ class RecordingApi : public WindowApi, public SimObserver {
     return sim_.FindWindowA(c, t);
   }
   Hwnd FindWindowExA(Hwnd p, Hwnd a, const char* c, const char* t) override {
+    if (before_find_window) before_find_window(p, a);
     return sim_.FindWindowExA(p, a, c, t);
   }
   Hwnd GetWindow(Hwnd h, unsigned cmd) override {

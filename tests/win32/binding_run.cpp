@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/frm_main.h"
+#include "app/job_log.h"
 #include "app/program.h"
 #include "app/quorvex_app.h"
 #include "client/mailbox.h"
@@ -481,6 +482,14 @@ std::string RunThroughBinding(const scenario::Scenario& sc,
   pump->SetEnabled(false);
   if (o.latest_line) *o.latest_line = latest_line / o.speed;
   std::string out = transcript_now();
+  if (o.keep) {
+    const std::string folder = o.keep(out);
+    if (!folder.empty()) {
+      client.CopyFilesTo(folder);
+      const std::string log = machine.AppPath() + "\\" + kLogName;
+      ::CopyFileA(log.c_str(), (folder + "\\" + kLogName).c_str(), FALSE);
+    }
+  }
   program.app().End();
   registry.DeleteApp(kApp);
   return out;

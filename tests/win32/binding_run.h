@@ -53,6 +53,11 @@ struct BindingOptions {
   // loaded for the run shows here (the program's loop held by a call into
   // a client whose process waits for the processor).
   double* latest_line = nullptr;
+  // Asked at the end with the run's transcript, while the client's files
+  // are still there: a folder (a Windows path, made already) to copy the
+  // client's state file, its event log and the program's log into, for a
+  // failure to be read after the run; "" keeps nothing.
+  std::function<std::string(const std::string& transcript)> keep;
 };
 
 // Runs the scenario to its end (`run T`) and returns its transcript.

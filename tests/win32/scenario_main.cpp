@@ -176,6 +176,149 @@ json Summary(const std::string& transcript, const std::string& user,
           {"lists", lists}};
 }
 
+// The events of a transcript but its final state, in order.
+std::vector<json> Events(const std::string& transcript) {
+  std::vector<json> events;
+  std::istringstream in(transcript);
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty()) continue;
+    json ev = json::parse(line);
+    if (ev["ev"] != "final") events.push_back(std::move(ev));
+  }
+  return events;
+}
+
+// An event as a short line: its moment, its kind, what it says.
+std::string Brief(const json& ev) {
+  char at[32];
+  std::snprintf(at, sizeof at, "%9.3f ", ev.value("t", 0.0));
+  std::string out = at + ev.value("ev", std::string());
+  for (const char* field : {"sn", "name", "op", "to", "subject", "what"})
+    if (ev.contains(field) && ev[field].is_string())
+      out += " " + ev[field].get<std::string>();
+  for (const char* field : {"item", "text"})
+    if (ev.contains(field) && ev[field].is_string())
+      out += " | " + ev[field].get<std::string>();
+  return out;
+}
+
+// The user's line as the summary writes it.
+bool IsUserLine(const json& ev, const std::string& user,
+                const std::string& line) {
+  return ev["ev"] == "chat" && ev["sn"] == user &&
+         Uncounted(Ungrouped(ev["text"].get<std::string>())) == line;
+}
+
+// Prints the events from `from` on, labels left out, `count` of them.
+void PrintEvents(const std::vector<json>& events, std::size_t from, int count) {
+  for (std::size_t i = from; i < events.size() && count > 0; ++i) {
+    if (events[i]["ev"] == "label") continue;
+    std::printf("    %s\n", Brief(events[i]).c_str());
+    --count;
+  }
+}
+
+// The events around where `line` was said in one run: three before it,
+// itself and two after, labels left out.
+void PrintAround(const std::vector<json>& events, const std::string& user,
+                 const std::string& line) {
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    if (!IsUserLine(events[i], user, line)) continue;
+    std::size_t from = i;
+    for (int before = 0; from > 0 && before < 3;)
+      if (events[--from]["ev"] != "label") ++before;
+    PrintEvents(events, from, 6);
+    return;
+  }
+}
+
+// What a difference in the user's lines is: each line one run said and
+// the other did not, with its neighbours where it was said and, in the
+// other run, what came after the user line before it (said in both).
+void ExplainLines(const json& want, const json& got,
+                  const std::vector<json>& simulated,
+                  const std::vector<json>& bound, const std::string& user) {
+  const auto in_sim = want.get<std::set<std::string>>();
+  const auto in_binding = got.get<std::set<std::string>>();
+  auto explain = [&](const std::set<std::string>& lines,
+                     const std::set<std::string>& other,
+                     const std::vector<json>& said,
+                     const std::vector<json>& not_said, const char* where,
+                     const char* elsewhere) {
+    for (const std::string& line : lines) {
+      if (other.count(line)) continue;
+      std::printf("said only in the %s: %s\n  around it there:\n", where,
+                  line.c_str());
+      PrintAround(said, user, line);
+      // The last line before it that both runs said.
+      std::string before;
+      for (const json& ev : said) {
+        if (ev["ev"] != "chat" || ev["sn"] != user) continue;
+        const std::string text =
+            Uncounted(Ungrouped(ev["text"].get<std::string>()));
+        if (text == line) break;
+        if (other.count(text)) before = text;
+      }
+      if (before.empty()) continue;
+      std::printf("  in the %s, after the line before it (%s):\n", elsewhere,
+                  before.c_str());
+      for (std::size_t i = not_said.size(); i-- > 0;)
+        if (IsUserLine(not_said[i], user, before)) {
+          PrintEvents(not_said, i, 8);
+          break;
+        }
+    }
+  };
+  explain(in_sim, in_binding, simulated, bound, "simulator", "binding");
+  explain(in_binding, in_sim, bound, simulated, "binding", "simulator");
+}
+
+// Where the binding's run stood when it ended, and its last timed line.
+void ExplainEnd(const scenario::Scenario& sc, const std::string& path,
+                const std::vector<json>& bound, double latest_line) {
+  std::printf("the binding's run ended at %.1f s; its last events:\n",
+              sc.run_until);
+  std::size_t from = bound.size();
+  for (int n = 0; from > 0 && n < 5;)
+    if (bound[--from]["ev"] != "label") ++n;
+  PrintEvents(bound, from, 5);
+  const scenario::TimedLine* last = nullptr;
+  for (const scenario::TimedLine& line : sc.timeline)
+    if (!last || line.at >= last->at) last = &line;
+  if (!last) return;
+  std::ifstream file(path);
+  std::string text;
+  for (int n = 0; n < last->line && std::getline(file, text);) ++n;
+  std::printf(
+      "its last timed line, line %d (%s); the latest timed line ran %.2f s "
+      "of the wall clock late\n",
+      last->line, text.c_str(), latest_line);
+}
+
+// A failed comparison's files are kept in a folder of their own, named by
+// the file, the moment and this process, that a retry does not overwrite:
+// both transcripts, the client's state and event log, the program's log.
+constexpr const char* kFailures = "scenario-failures";
+
+std::string FailureFolder(const std::string& scenario_path) {
+  std::string name =
+      scenario_path.substr(scenario_path.find_last_of("\\/") + 1);
+  name = name.substr(0, name.rfind('.'));
+  SYSTEMTIME now;
+  ::GetLocalTime(&now);
+  char stamp[64];
+  std::snprintf(stamp, sizeof stamp, "-%04u%02u%02u-%02u%02u%02u-%lu",
+                now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute,
+                now.wSecond,
+                static_cast<unsigned long>(::GetCurrentProcessId()));
+  ::CreateDirectoryA(kFailures, nullptr);
+  const std::string folder = std::string(kFailures) + "\\" + name + stamp;
+  ::CreateDirectoryA(folder.c_str(), nullptr);
+  char full[MAX_PATH];
+  const DWORD n = ::GetFullPathNameA(folder.c_str(), MAX_PATH, full, nullptr);
+  return n > 0 && n < MAX_PATH ? std::string(full, n) : folder;
+}
+
 // Where the simulator's run stood when each of the timeline's exits,
 // sign-offs and kills came: the status strip's text then, and how often
 // it had shown it.
@@ -233,9 +376,22 @@ int Run(const std::string& path, double speed, double settle, double watch,
   options.done = [&](const std::string& so_far) {
     return Summary(so_far, sc.user, throughput) == want;
   };
+  double latest_line = 0;
+  options.latest_line = &latest_line;
+  std::string kept;  // where a failure's files went
+  options.keep = [&](const std::string& transcript) {
+    if (Summary(transcript, sc.user, throughput) == want) return std::string();
+    kept = FailureFolder(path);
+    return kept;
+  };
   const std::string bound = test::RunThroughBinding(sc, options);
   if (!transcript_file.empty())
     std::ofstream(transcript_file, std::ios::binary) << bound;
+  if (!kept.empty()) {
+    std::ofstream(kept + "\\simulator.jsonl", std::ios::binary)
+        << simulated.str();
+    std::ofstream(kept + "\\binding.jsonl", std::ios::binary) << bound;
+  }
 
   const json got = Summary(bound, sc.user, throughput);
   auto text = [](const json& j) {
@@ -247,7 +403,18 @@ int Run(const std::string& path, double speed, double settle, double watch,
     if (got[key] != value)
       std::printf("differs: %s\n  simulator %s\n  binding   %s\n", key.c_str(),
                   text(value).c_str(), text(got[key]).c_str());
-  return want == got ? 0 : 1;
+  if (want == got) return 0;
+  const std::vector<json> bound_events = Events(bound);
+  if (want["user_lines"] != got["user_lines"])
+    ExplainLines(want["user_lines"], got["user_lines"], Events(simulated.str()),
+                 bound_events, sc.user);
+  ExplainEnd(sc, path, bound_events, latest_line);
+  if (!kept.empty())
+    std::printf(
+        "both transcripts, the client's state and event log and the "
+        "program's log are kept in %s\n",
+        kept.c_str());
+  return 1;
 }
 
 }  // namespace

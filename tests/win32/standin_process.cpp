@@ -139,6 +139,13 @@ void StandInProcess::Note(const std::string& text) {
   ::LeaveCriticalSection(&note_lock_);
 }
 
+void StandInProcess::CopyFilesTo(const std::string& folder) const {
+  for (const std::string& f : {state_path_, state_path_ + ".events"}) {
+    const std::string name = f.substr(f.find_last_of('\\') + 1);
+    ::CopyFileA(f.c_str(), (folder + "\\" + name).c_str(), FALSE);
+  }
+}
+
 void StandInProcess::StartWatchdog() {
   ::InitializeCriticalSection(&note_lock_);
   // The client's waits have no limit of their own; a test that would hang

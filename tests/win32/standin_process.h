@@ -53,6 +53,9 @@ class StandInProcess {
 
   // What the test is doing, printed by the watchdog if it fires.
   void Note(const std::string& text);
+  // Copies the client's state file and its event log into `folder` (a
+  // Windows path), under their own names.
+  void CopyFilesTo(const std::string& folder) const;
 
   // The Windows path of the client's install folder (holding AOL.exe).
   static std::string InstallFolder();
