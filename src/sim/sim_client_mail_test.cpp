@@ -144,6 +144,18 @@ TEST_F(SimMailTest, FullMailboxesAreNamedAsWrittenAndMatchedWithoutBlanks) {
             "bobsmith - Mailbox is full");
   EXPECT_EQ(sim.Mailboxes()["Ann"].size(), 1u);
   EXPECT_TRUE(sim.Mailboxes()["Bob Smith"].empty());
+
+  // A line set for a name is shown as written, the name matched as
+  // names are; the others keep theirs.
+  ClickIcon(api, Icon(error, 1));
+  sim.SetFullMailbox("ann");
+  sim.SetErrorLine("bob smith", "x-full\r\n-");
+  ClickIcon(api, Icon(Forward(2, "(ann)(bobsmith)"), 14));
+  Run(1);
+  const Hwnd again = FindDocument(api, "Error");
+  ASSERT_NE(again, 0u);
+  EXPECT_EQ(GetText(api, FindChild(api, again, aol::kViewClass)),
+            "ann - Mailbox is full\r\nx-full\r\n-");
 }
 
 TEST_F(SimMailTest, DeadAndOverlongMailsAreRefusedWithTheClientsBox) {

@@ -1,7 +1,5 @@
-// The client's preferences: the "Preferences" window (keyword
-// Preferences) and its pages, modal dialogs of check boxes. The boxes are
-// remembered between openings; the mail page's confirm, close and spell
-// check boxes change how mail is sent (sim_client_mail.cpp).
+#include "sim/sim_client_prefs.h"
+
 #include "ports/client_windows.h"
 #include "sim/sim_client.h"
 
@@ -26,10 +24,12 @@ const std::vector<Default> kGeneralPreferences = {
     {"Notify me before closing open windows", 0},
     {"Enable event sounds", 1},
 };
+// A page's OK is its first icon.
+constexpr int kPageOkIcon = 1;
 
 }  // namespace
 
-int SimClient::Preference(const std::string& label) const {
+int SimClientPreferences::Preference(const std::string& label) const {
   auto it = preferences_.find(label);
   if (it != preferences_.end()) return it->second;
   for (const auto* list : {&kMailPreferences, &kGeneralPreferences})
@@ -38,28 +38,45 @@ int SimClient::Preference(const std::string& label) const {
   return -1;
 }
 
-std::vector<std::pair<std::string, int>> SimClient::MailPreferences() const {
+std::vector<std::pair<std::string, int>> SimClientPreferences::MailPreferences()
+    const {
   std::vector<std::pair<std::string, int>> out;
   for (const Default& d : kMailPreferences)
     out.emplace_back(d.label, Preference(d.label));
   return out;
 }
 
-void SimClient::OpenPreferences() {
-  if (!signed_on_) return;
-  if (Doc* d = FindDoc(Kind::kPreferences)) {
-    tree_.BringToTop(d->hwnd);
+void SimClientPreferences::OpenPreferences() {
+  if (!session_.signed_on()) return;
+  if (ClientWindow* w = shell_.FindWindowOfKind(SimWindowKind::kPreferences)) {
+    tree_.BringToTop(w->hwnd);
     return;
   }
-  Hwnd doc = NewDoc(Kind::kPreferences, "Preferences");
+  Hwnd doc = shell_.NewDoc(SimWindowKind::kPreferences, "Preferences");
   Add(doc, aol::kStaticClass, "AOL Preferences");
   AddIcons(doc,
            {"General", "Toolbar", "Mail", "Font", "Marketing", "Passwords"});
 }
 
-void SimClient::OpenPreferencePage(bool mail) {
-  Hwnd page = NewTopLevel(Kind::kPreferencePage, aol::kModalClass,
-                          mail ? "Mail Preferences" : "General Preferences");
+void SimClientPreferences::ClickIcon(const ClientWindow& window,
+                                     const SimWindow& icon) {
+  if (window.kind == SimWindowKind::kPreferences) {
+    MarkBusy();
+    if (icon.text == "Mail" || icon.text == "General") {
+      const bool mail = icon.text == "Mail";
+      Later(knobs_.latency, [this, mail] { OpenPreferencePage(mail); });
+    }
+  } else if (window.kind == SimWindowKind::kPreferencePage) {
+    const Hwnd page = window.hwnd;
+    if (icon.tag == kPageOkIcon) SavePreferencePage(page);
+    tree_.Destroy(page);
+  }
+}
+
+void SimClientPreferences::OpenPreferencePage(bool mail) {
+  Hwnd page =
+      shell_.NewTopLevel(SimWindowKind::kPreferencePage, aol::kModalClass,
+                         mail ? "Mail Preferences" : "General Preferences");
   for (const Default& d : mail ? kMailPreferences : kGeneralPreferences) {
     Hwnd box = Add(page, aol::kCheckboxClass, d.label, kRoleCheck);
     tree_.Get(box)->check = Preference(d.label);
@@ -67,11 +84,22 @@ void SimClient::OpenPreferencePage(bool mail) {
   AddIcons(page, {"OK", "Cancel"});
 }
 
-void SimClient::SavePreferencePage(Hwnd page) {
+void SimClientPreferences::SavePreferencePage(Hwnd page) {
   for (Hwnd h : tree_.Children(page)) {
     const SimWindow* w = tree_.Get(h);
     if (w->role == kRoleCheck) preferences_[w->text] = w->check;
   }
+}
+
+void SimClientPreferences::SaveTo(nlohmann::json& j) const {
+  j["preferences"] = preferences_;
+}
+
+void SimClientPreferences::RestoreFrom(const nlohmann::json& j) {
+  preferences_.clear();
+  const nlohmann::json saved = j.value("preferences", nlohmann::json::object());
+  for (const auto& [label, checked] : saved.items())
+    preferences_[label] = checked.get<int>();
 }
 
 }  // namespace quorvex

@@ -1,9 +1,6 @@
-// The simulated client's session: launch, start and close of the
-// program, sign-on with its progress modal, sign-off, and the automatic
-// mail session.
-#include "model/text_util.h"
+#include "sim/sim_client_session.h"
+
 #include "ports/client_windows.h"
-#include "sim/recipients.h"
 #include "sim/sim_client.h"
 
 namespace quorvex {
@@ -17,62 +14,74 @@ const char* const kSignOnSteps[] = {
 constexpr int kSignOnStepCount = 3;
 constexpr char kSignOnErrorText[] =
     "Your sign-on attempt failed. Please try again.";
-constexpr char kSessionRunning[] = "AOL session is in progress.";
-constexpr char kSessionDone[] = "AOL session is complete.";
 constexpr char kGoodbyeCaption[] = "Goodbye from America Online!";
+// Three windows on from the first icon of the "Sign On" window: the
+// sign-on button, its second icon.
+constexpr int kSignOnIcon = 2;
 }  // namespace
 
-void SimClient::Launch() {
-  if (launched_) return;
+void SimClientSession::SetUserName(std::string name) {
+  user_name_ = std::move(name);
+  world_.AddPerson(user_name_);
+}
+
+bool SimClientSession::BeginLaunch() {
+  if (launched_) return false;
   launched_ = true;
   world_.AddPerson(user_name_);
-  for (const std::string& p : setup_people_)
-    if (ScreenNameKey(p) != ScreenNameKey(user_name_))
-      world_.Join(room_name_, p);
-  setup_people_.clear();
-  BuildFrame();
+  return true;
+}
+
+bool SimClientSession::SignOnAtLaunch() {
   if (signed_off_at_start_) {
     ShowSignOnWindow(false);
-    return;
+    return false;
   }
   signed_on_ = true;
   OpenSignedOnWindows();
-  // Already in the room: no entry to report.
-  current_room_ = world_.Room(room_name_).name;
-  room_name_ = current_room_;
-  BuildRoomWindow();
+  return true;
 }
 
-void SimClient::Start() {
+void SimClientSession::Start() {
   // One copy of the client runs at a time.
-  if (frame_ || start_pending_) return;
+  if (shell_.frame || start_pending_) return;
   start_pending_ = true;
   Notify([](SimObserver& o) { o.OnClient(kClientStarts); });
   Later(
       knobs_.start_time,
-      [this, process = process_epoch_] {
-        if (process != process_epoch_) return;
+      [this, process = shell_.process_epoch] {
+        if (process != shell_.process_epoch) return;
         start_pending_ = false;
-        if (frame_) return;
+        if (shell_.frame) return;
         launched_ = true;
-        BuildFrame();
+        shell_.BuildFrame();
         ShowSignOnWindow(false);
       },
       false);
 }
 
-void SimClient::Crash() {
-  if (!frame_ && !start_pending_) return;
-  ++process_epoch_;
+void SimClientSession::Crash() {
+  if (!shell_.frame && !start_pending_) return;
+  ++shell_.process_epoch;
   start_pending_ = false;
   const bool was_on = signed_on_;
-  if (frame_) DestroyClient();
+  if (shell_.frame) EndProcess();
   if (was_on) Notify([](SimObserver& o) { o.OnClient(kClientSignsOff); });
   Notify([](SimObserver& o) { o.OnClient(kClientCloses); });
 }
 
-void SimClient::RequestFrameClose() {
-  if (!frame_ || close_pending_) return;
+void SimClientSession::EndProcess() {
+  shell_.EndSession();
+  shell_.DestroyWindows();
+  signed_on_ = false;
+  signing_on_ = false;
+  close_pending_ = false;
+  close_asks_ = 0;
+  shell_.processes.clear();
+}
+
+void SimClientSession::RequestFrameClose() {
+  if (!shell_.frame || close_pending_) return;
   if (knobs_.close_needs_two && close_asks_ == 0) {
     ++close_asks_;
     return;
@@ -80,52 +89,60 @@ void SimClient::RequestFrameClose() {
   close_pending_ = true;
   Later(
       knobs_.close_time,
-      [this, process = process_epoch_] {
-        if (!frame_ || process != process_epoch_) return;
+      [this, process = shell_.process_epoch] {
+        if (!shell_.frame || process != shell_.process_epoch) return;
         bool was_on = signed_on_;
-        DestroyClient();
+        EndProcess();
         if (was_on) Notify([](SimObserver& o) { o.OnClient(kClientSignsOff); });
         Notify([](SimObserver& o) { o.OnClient(kClientCloses); });
       },
       false);
 }
 
-void SimClient::ShowSignOnWindow(bool goodbye) {
-  Hwnd doc = NewDoc(Kind::kSignOn, goodbye ? kGoodbyeCaption : "Sign On");
+void SimClientSession::ShowSignOnWindow(bool goodbye) {
+  Hwnd doc = shell_.NewDoc(SimWindowKind::kSignOn,
+                           goodbye ? kGoodbyeCaption : "Sign On");
   Add(doc, aol::kStaticClass, "Select Screen Name:");
   Add(doc, aol::kComboClass, user_name_);
   AddIcons(doc, {"Setup"});
   Add(doc, aol::kStaticClass, "Enter Password:");
   Add(doc, aol::kEditClass, "", kRoleEdit, 1);
-  // Three windows on from the first icon: the sign-on button.
   AddIcons(doc, {"Sign On", "Help"});
 }
 
-void SimClient::BeginSignOn() {
+void SimClientSession::ClickIcon(const ClientWindow& window, int icon) {
+  if (window.kind == SimWindowKind::kSignOn && icon == kSignOnIcon)
+    BeginSignOn();
+}
+
+void SimClientSession::BeginSignOn() {
   if (signing_on_ || signed_on_) return;
   signing_on_ = true;
   MarkBusy();
   Later(knobs_.latency, [this] {
     if (!signing_on_) return;
-    Hwnd modal = NewTopLevel(Kind::kSignOnModal, aol::kModalClass, "Sign On");
+    Hwnd modal = shell_.NewTopLevel(SimWindowKind::kSignOnModal,
+                                    aol::kModalClass, "Sign On");
     Add(modal, aol::kStaticClass, kSignOnSteps[0]);
     AddIcons(modal, {"Cancel"});
-    docs_[modal].step = 1;
+    signon_modal_ = modal;
+    signon_step_ = 1;
     // The modal holds the "Sign On" window, in progress as with its
     // error, until it goes.
-    if (Doc* sign_on = FindDoc(Kind::kSignOn)) sign_on->blocker = modal;
+    if (ClientWindow* sign_on = shell_.FindWindowOfKind(SimWindowKind::kSignOn))
+      sign_on->blocker = modal;
     Later(knobs_.signon_step, [this, modal] { SignOnStep(modal); });
   });
 }
 
-void SimClient::SignOnStep(Hwnd modal) {
-  auto it = docs_.find(modal);
-  if (it == docs_.end() || !signing_on_) return;  // cancelled
-  Doc& d = it->second;
+void SimClientSession::SignOnStep(Hwnd modal) {
+  // Cancelled: the modal is gone or the sign-on was given up.
+  if (modal != signon_modal_ || !shell_.windows.count(modal) || !signing_on_)
+    return;
   SimWindow* text = tree_.Get(tree_.NthChild(modal, aol::kStaticClass, 1));
-  if (d.step < kSignOnStepCount) {
-    ++d.step;
-    text->text = kSignOnSteps[d.step - 1];
+  if (signon_step_ < kSignOnStepCount) {
+    ++signon_step_;
+    text->text = kSignOnSteps[signon_step_ - 1];
     Later(knobs_.signon_step, [this, modal] { SignOnStep(modal); });
     return;
   }
@@ -134,87 +151,68 @@ void SimClient::SignOnStep(Hwnd modal) {
     --knobs_.signon_failures;
     signing_on_ = false;
     text->text = kSignOnErrorText;
-    tree_.Get(Icon(modal, 1))->text = "OK";
+    tree_.Get(shell_.Icon(modal, 1))->text = "OK";
     return;
   }
   tree_.Destroy(modal);
   CompleteSignOn();
 }
 
-void SimClient::CompleteSignOn() {
+void SimClientSession::CancelSignOn(Hwnd modal) {
   signing_on_ = false;
-  std::vector<Hwnd> docs = tree_.Children(mdi_);
-  for (Hwnd h : docs) {
-    auto it = docs_.find(h);
-    if (it != docs_.end() && it->second.kind == Kind::kSignOn) tree_.Destroy(h);
-  }
+  tree_.Destroy(modal);
+}
+
+void SimClientSession::CompleteSignOn() {
+  signing_on_ = false;
+  std::vector<Hwnd> docs = tree_.Children(shell_.mdi);
+  for (Hwnd h : docs)
+    if (shell_.IsWindowOfKind(h, SimWindowKind::kSignOn)) tree_.Destroy(h);
   signed_on_ = true;
   ims_on_ = true;
   OpenSignedOnWindows();
   Notify([](SimObserver& o) { o.OnClient(kClientSignsOn); });
 }
 
-void SimClient::OpenSignedOnWindows() {
-  Hwnd welcome = NewDoc(Kind::kWelcome, "Welcome, " + user_name_ + "!");
+void SimClientSession::OpenSignedOnWindows() {
+  Hwnd welcome =
+      shell_.NewDoc(SimWindowKind::kWelcome, "Welcome, " + user_name_ + "!");
   Add(welcome, aol::kStaticClass, "Top News");
   AddIcons(welcome, {"You've Got Mail", "Top News", "Channels", "What's New",
                      "Buddy List"});
-  Hwnd buddies = NewDoc(Kind::kBuddyList, "Buddy List Window");
+  Hwnd buddies = shell_.NewDoc(SimWindowKind::kBuddyList, "Buddy List Window");
   Add(buddies, aol::kTreeClass, "", kRoleTree, kTreeBuddies);
   AddIcons(buddies, {"Setup", "Send IM", "Get Info", "Buddy Chat"});
 }
 
-void SimClient::SignOff() {
+void SimClientSession::SignOff() {
   if (!signed_on_) return;
   // What was under way for the session is dropped with it.
-  ++epoch_;
-  popup_.reset();
-  popup_pending_ = false;
-  std::vector<Hwnd> docs = tree_.Children(mdi_);
+  shell_.EndSession();
+  std::vector<Hwnd> docs = tree_.Children(shell_.mdi);
   for (Hwnd h : docs) tree_.Destroy(h);
   std::vector<Hwnd> tops = tree_.Children(0);
   for (Hwnd h : tops)
-    if (h != frame_) tree_.Destroy(h);
+    if (h != shell_.frame) tree_.Destroy(h);
   signed_on_ = false;
   signing_on_ = false;
   ShowSignOnWindow(true);
   Notify([](SimObserver& o) { o.OnClient(kClientSignsOff); });
 }
 
-void SimClient::SignOffAfter(double seconds) {
+void SimClientSession::SignOffAfter(double seconds) {
   Later(
       seconds, [this] { SignOff(); }, false);
 }
 
-void SimClient::RunAutomaticAol() {
-  if (!signed_on_) return;
-  if (Doc* d = FindDoc(Kind::kAutoAol)) {
-    tree_.BringToTop(d->hwnd);
-    return;
-  }
-  Hwnd modal = NewTopLevel(Kind::kAutoAol, aol::kModalClass, "Automatic AOL");
-  Add(modal, aol::kViewClass, kSessionRunning);
-  AddIcons(modal, {"Cancel"});
-  Later(knobs_.send_time, [this, modal] { AutomaticAolStep(modal); });
+void SimClientSession::SaveTo(nlohmann::json& j) const {
+  j["user"] = user_name_;
+  j["signed_off_at_start"] = signed_off_at_start_;
 }
 
-void SimClient::AutomaticAolStep(Hwnd modal) {
-  if (!docs_.count(modal)) return;  // cancelled
-  if (waiting_.empty()) {
-    tree_.Get(tree_.NthChild(modal, aol::kViewClass, 1))->text = kSessionDone;
-    tree_.Get(Icon(modal, 1))->text = "OK";
-    return;
-  }
-  OutMail m = waiting_.front();
-  waiting_.erase(waiting_.begin());
-  if (m.dead) {
-    ShowBox(BoxKind::kDeadMail, kDeadMailText);
-  } else {
-    std::vector<std::string> errors = Deliver(m);
-    sent_.push_back(m);
-    if (!errors.empty()) ShowErrors(errors);
-  }
-  Later(knobs_.send_time, [this, modal] { AutomaticAolStep(modal); });
+void SimClientSession::RestoreFrom(const nlohmann::json& j) {
+  SetUserName(JsonText(j, "user"));
+  signed_off_at_start_ = j.value("signed_off_at_start", false);
 }
 
 }  // namespace quorvex

@@ -26,6 +26,7 @@ TEST(SimClientStateTest, AClientStartedAgainKeepsItsWorldAndPendingFaults) {
   a.SetDeadMail(2);
   a.SetDeadMail(5);  // before its mail came
   a.SetFullMailbox("Cal");
+  a.SetErrorLine("Cal", "Cal-full");
   a.knobs().signon_failures = 1;
   a.knobs().latency = 0.4;
   a.Launch();
@@ -59,6 +60,7 @@ TEST(SimClientStateTest, AClientStartedAgainKeepsItsWorldAndPendingFaults) {
   EXPECT_EQ(b.knobs().signon_failures, 1);
   EXPECT_EQ(b.Preference("Perform a spell check before sending mail"), 1);
   EXPECT_TRUE(b.world().FindPerson("cal")->full_mailbox);
+  EXPECT_EQ(saved["error_lines"]["cal"], "Cal-full");
   EXPECT_EQ(b.world().FindRoom("townsquare")->refusals, 2);
   EXPECT_TRUE(b.world().InRoom("Town Square", "Ann"));
   // Its saved state is the one it came from: nothing was lost on the way.
