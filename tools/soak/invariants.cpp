@@ -11,6 +11,7 @@
 
 #include "app/job_log.h"
 #include "model/text_util.h"
+#include "settings/settings.h"
 
 namespace quorvex::soak {
 namespace {
@@ -111,15 +112,53 @@ double ForwardSeconds(double latency_seconds) {
   return 4 * latency_seconds + 3;
 }
 
-double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
-                  int sent_restart) {
+double SentCheckSeconds(double latency_seconds) {
+  // Three lines said with their pauses, the sent mail and the mail waiting
+  // to be sent each opened from the tool bar's menu, read twice two
+  // seconds apart, emptied and closed: three forwards' worth.
+  return 3 * ForwardSeconds(latency_seconds);
+}
+
+double AdvertisementSeconds(double latency_seconds) {
+  // Three lines said in the room, each read back.
+  return 2 * ForwardSeconds(latency_seconds);
+}
+
+int SentChecksAhead(int flooders, int sent_restart) {
+  if (sent_restart < 2) return 0;
+  // The count may stand at the limit already: a check before the first
+  // forward. The groups ahead hold one line per flooder at most, the
+  // asker's own group comes last: another check after every
+  // `sent_restart` of the flooders' lines.
+  return 1 + flooders / sent_restart;
+}
+
+double FloodBound(const FloodRoom& room, double pace) {
   // What one forward costs at most. A tick answers one reply (a mail too,
   // with replies by mail) and forwards one group; ahead of the request
-  // stand at most one group per flooder. The sent-mail check may come once
-  // more.
-  const double forward = ForwardSeconds(latency_seconds);
-  const double tick = forward * (replies_by_mail ? 2 : 1.5);
-  return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
+  // stand at most one group per flooder.
+  const double forward = ForwardSeconds(room.latency_seconds);
+  const double tick = forward * (room.replies_by_mail ? 2 : 1.5);
+  const double served =
+      pace * (20 + (room.flooders + 1) * tick +
+              SentChecksAhead(room.flooders, room.sent_restart) *
+                  SentCheckSeconds(room.latency_seconds));
+  // An advertisement at most once a tick, when its interval is over: one
+  // may come at once, another each interval of the wait, which they
+  // lengthen.
+  const double ad = pace * AdvertisementSeconds(room.latency_seconds);
+  const int ticks = room.flooders + 2;  // the tick under way too
+  int ads = 1;
+  for (int round = 0; round < ticks; ++round) {
+    const int due =
+        room.bot_scroll > 0
+            ? std::min(ticks, 1 + static_cast<int>((served + ads * ad) /
+                                                   room.bot_scroll))
+            : ticks;
+    if (due <= ads) break;
+    ads = due;
+  }
+  return served + ads * ad;
 }
 
 std::vector<std::string> CheckRun(const scenario::Scenario& sc,
@@ -232,6 +271,10 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // a start asks for it).
   std::map<double, std::map<std::pair<std::string, int>, int>> live_at_exit;
   std::vector<double> queue_faults;
+  // How far the total counter went up in the run (it may come back lower
+  // from a registry whose write failed): the sent-mail check counts the
+  // same mails.
+  long long last_total = -1, counted = 0;
   Json final_state;
   double last_t = 0;
   std::istringstream in(transcript);
@@ -282,6 +325,15 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       const std::string said = e.value("text", "");
       if (std::regex_search(said, match, kToldDead) && match[1].length() < 7)
         told_dead.insert(std::stoi(match[1]));
+    }
+    if (ev == "label" && e.value("name", "") == "lblSent") {
+      const std::string caption = e.value("text", "");
+      const auto colon = caption.find(": ");
+      if (colon != std::string::npos) {
+        const long long total = std::atoll(caption.c_str() + colon + 2);
+        if (last_total >= 0) counted += std::max(0LL, total - last_total);
+        last_total = total;
+      }
     }
     if (ev == "final") {
       final_state = e;
@@ -869,17 +921,27 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
 
   // The asker's mails, beside the flooders.
   if (sc.lost_clicks <= 0) {
-    const bool by_mail =
+    // The program's own settings where the room stores none.
+    const Settings defaults;
+    auto stored_or = [&](const char* key, int fallback) {
+      const std::string v = Stored(sc, "Settings", key);
+      return v.empty() ? fallback : std::atoi(v.c_str());
+    };
+    FloodRoom room;
+    room.latency_seconds = sc.latency_ms / 1000.0;
+    room.replies_by_mail =
         LCase(Stored(sc, "Settings", "ScrollMethod")) == "false";
-    const int sent_restart =
-        std::atoi(Stored(sc, "Settings", "SentRestart").c_str());
+    room.sent_restart = stored_or("SentRestart", defaults.SentRestart);
+    // A check comes only once the program has counted that many mails.
+    if (counted < room.sent_restart) room.sent_restart = 0;
+    room.bot_scroll = stored_or("BotScroll", defaults.BotScroll);
     std::map<int, std::size_t> used;  // handed mails matched so far
     // How many times slower than FloodBound's forward this client was
     // served: as allowed, or as its forwards went.
     double pace = allow.serving_pace;
     if (allow.pace_from_run && forwards > 0)
       pace = std::max(pace, forward_seconds / forwards /
-                                ForwardSeconds(sc.latency_ms / 1000.0));
+                                ForwardSeconds(room.latency_seconds));
     for (const auto& [n, t] : asker_asks) {
       // Who floods beside it, and whether anything else that may hold the
       // mail back happens from two minutes before to the bound: the user
@@ -890,9 +952,8 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (l.verb == Verb::kSay && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
-      const double bound = pace * FloodBound(sc.latency_ms / 1000.0,
-                                             static_cast<int>(flooders.size()),
-                                             by_mail, sent_restart);
+      room.flooders = static_cast<int>(flooders.size());
+      const double bound = FloodBound(room, pace);
       // The mail handed for it, if any.
       std::vector<double>& got = asker_handed[n];
       std::size_t& k = used[n];

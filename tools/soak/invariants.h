@@ -41,6 +41,7 @@
 #include <vector>
 
 #include "scenario/scenario.h"
+#include "settings/settings.h"
 
 namespace quorvex::soak {
 
@@ -63,15 +64,29 @@ struct RunFigures {
   int log_matched = 0;        // accounted requests found in the log
 };
 
+// What the program does in a room beside flooders, as the flood bound
+// needs it.
+struct FloodRoom {
+  double latency_seconds = 0.05;  // the client's latency
+  int flooders = 0;               // people flooding beside the asker
+  bool replies_by_mail = false;   // replies by mail, or said in the room
+  int sent_restart = 0;  // the sent-mail check after so many mails (< 2: never)
+  int bot_scroll = Settings{}.BotScroll;  // seconds between advertisements
+};
+
 // The longest a request of someone who does not flood may wait for its
-// mail to reach the client, in a room with this client latency, with
-// `flooders` people flooding, replies by mail or by chat, and the sent-mail
-// check after every `sent_restart` mails (0: never).
-double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
-                  int sent_restart);
+// mail to reach the client, serving `pace` times slower than the
+// simulator (1: its own pace).
+double FloodBound(const FloodRoom& room, double pace = 1);
 // The longest one forward of a mail takes at this client latency, in the
 // simulator's pace.
 double ForwardSeconds(double latency_seconds);
+// The longest the sent-mail check and an advertisement take, the same way.
+double SentCheckSeconds(double latency_seconds);
+double AdvertisementSeconds(double latency_seconds);
+// How many sent-mail checks may come before the asker's forward, with one
+// group of each flooder ahead of it.
+int SentChecksAhead(int flooders, int sent_restart);
 
 // How much a run through the real windows may differ in timing from the
 // simulator's, where the checks below depend on it.

@@ -394,9 +394,7 @@ TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
 
 TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   // Serving from 1 s; two flooders talk all along; the asker asks at 10.
-  const double bound = FloodBound(0.05, 2, false, 0);
-  EXPECT_GT(bound, 20);
-  EXPECT_LT(bound, 40);
+  const double bound = FloodBound({.latency_seconds = 0.05, .flooders = 2});
   Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
   for (int t = 5; t < 200; ++t)
     for (const char* f : {"flooder1", "flooder2"})
@@ -413,9 +411,9 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
           handed,
           R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
   };
-  asker(10, 10 + bound - 1);    // within
-  asker(100, 100 + bound + 1);  // late
-  asker(200, 0);                // never
+  asker(10, 10 + bound);           // at the bound
+  asker(100, 100 + bound + 0.01);  // late
+  asker(200, 0);                   // never
   auto bad = Check({{"asker", 2}, {"asker", 2}}, R"(["asker-2"])");
   ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
   EXPECT_NE(bad[0].find("held back by flooders"), std::string::npos);
@@ -440,11 +438,83 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   EXPECT_EQ(figures.flood_asks, 1);
 }
 
+TEST(FloodBoundTest, CountsEverySentCheckAndAdvertisementThatMayCome) {
+  // The sent-mail count may stand at its limit as the asker asks: a check
+  // before the first forward, and one more after every `sent_restart`
+  // lines of the flooders' groups ahead (one line each).
+  for (const auto& [flooders, restart, checks] : {std::tuple{0, 2, 1},
+                                                  {1, 2, 1},
+                                                  {2, 2, 2},
+                                                  {3, 2, 2},
+                                                  {4, 2, 3},
+                                                  {5, 6, 1},
+                                                  {6, 6, 2},
+                                                  {4, 1, 0},
+                                                  {4, 0, 0}})
+    EXPECT_EQ(SentChecksAhead(flooders, restart), checks)
+        << flooders << " flooders, the check every " << restart;
+  const FloodRoom room{.latency_seconds = 0.05, .flooders = 2};
+  auto with = [&room](int sent_restart, int bot_scroll) {
+    FloodRoom r = room;
+    r.sent_restart = sent_restart;
+    r.bot_scroll = bot_scroll;
+    return r;
+  };
+  EXPECT_DOUBLE_EQ(FloodBound(with(2, 10000)) - FloodBound(with(0, 10000)),
+                   2 * SentCheckSeconds(0.05));
+  // An advertisement at once, and another for each interval over within
+  // the wait, which each lengthens; at most one a tick.
+  const double one_ad = FloodBound(with(0, 10000));
+  const int ends_within = static_cast<int>(one_ad);
+  EXPECT_DOUBLE_EQ(FloodBound(with(0, ends_within + 1)), one_ad);
+  EXPECT_DOUBLE_EQ(FloodBound(with(0, ends_within)),
+                   one_ad + AdvertisementSeconds(0.05));
+  EXPECT_DOUBLE_EQ(FloodBound(with(0, 0)),
+                   one_ad + (room.flooders + 1) * AdvertisementSeconds(0.05));
+  EXPECT_DOUBLE_EQ(FloodBound(with(0, 1)), FloodBound(with(0, 0)));
+  // Served at half the pace, each costs twice as long and more intervals
+  // end within the wait.
+  EXPECT_GT(FloodBound(room, 2), 2 * FloodBound(room));
+}
+
+TEST_F(InvariantsTest, TheFloodBoundHasTheSentChecksOnceTheCountCanReachThem) {
+  // SentRestart 2 stored; the total counter goes up by one, then by two.
+  sc.registry.push_back(
+      {.file = "", .section = "Settings", .key = "SentRestart", .value = "2"});
+  sc.run_until = 400;
+  sc.timeline.push_back({.line = 1,
+                         .at = 5.1,
+                         .verb = scenario::Verb::kSay,
+                         .name = "flooder1",
+                         .text = "/srv send 1"});
+  const FloodRoom never{.latency_seconds = 0.05, .flooders = 1};
+  FloodRoom checked = never;
+  checked.sent_restart = 2;
+  auto run = [this](int counted, double waited) {
+    text.clear();
+    Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+    Line(1, R"("ev":"label","name":"lblSent","text":"total: 7")");
+    Line(2, R"("ev":"label","name":"lblSent","text":"total: )" +
+                std::to_string(7 + counted) + "\"");
+    Add(5, "asker-2");
+    Line(
+        5 + waited,
+        R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+    return Check({{"asker", 2}}, "[]", "total: " + std::to_string(7 + counted),
+                 std::to_string(7 + counted));
+  };
+  EXPECT_TRUE(run(1, FloodBound(never)).empty());
+  EXPECT_EQ(run(1, FloodBound(never) + 0.01).size(), 1u);
+  EXPECT_EQ(figures.flood_asks, 1);
+  EXPECT_TRUE(run(2, FloodBound(checked)).empty());
+  EXPECT_EQ(run(2, FloodBound(checked) + 0.01).size(), 1u);
+}
+
 TEST_F(InvariantsTest, TheFloodBoundCountsOnlyFloodersAhead) {
   // Someone's requests said before the stretch's clear, heard after it,
   // stand ahead of the asker's: the asker waits for them, not for the
   // flooders. With a flooder's ahead, the bound holds.
-  const double bound = FloodBound(0.05, 0, false, 0);
+  const double bound = FloodBound({.latency_seconds = 0.05});
   Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
   sc.run_until = 400;
   auto late_mail = [this, bound](double asked) {
