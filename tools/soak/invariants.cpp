@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -19,6 +20,12 @@ namespace {
 // The longest a forward waits for the client's windows before it gives the
 // mail up as dead.
 constexpr double kForwardSeconds = 60;
+// The longest the program, serving, may go without doing anything of its
+// own (see StallWatch), at the simulator's pace: the longest wait it gives
+// up on (a forward's window, kForwardSeconds) twice over. The longest seen
+// in a thousand rooms that ended by itself is 109 s (a client killed under
+// a paused tick's wait).
+constexpr double kQuietSeconds = 2 * kForwardSeconds;
 
 using Json = nlohmann::json;
 using scenario::Verb;
@@ -102,6 +109,151 @@ bool StoredEmpty(const scenario::Scenario& sc, const std::string& key) {
         v.value.find_first_not_of(" \t") == std::string::npos)
       return true;
   return false;
+}
+
+// Whether the program, once serving, keeps going: from the moment the
+// serving began until the stop it was asked for has ended ("status:
+// idle"), the program owes progress but when it rests (paused, or serving
+// with nothing it can take and scanning the chat). While it owes it, some
+// doing of its own must come within `quiet_bound` seconds: a status
+// drawn, a mail handed to the client, a counter counting, a line said in
+// the room, the client started, signed on or brought into the room, the
+// mailbox read. What others do (chat lines, clicks, a client signed off
+// or killed) is no progress of the program's.
+class StallWatch {
+ public:
+  StallWatch(std::string user, double quiet_bound)
+      : user_(std::move(user)), bound_(quiet_bound) {}
+
+  // Before each transcript line at `t`: the stretch since the last
+  // progress, if owed and longer than the bound, is kept.
+  void Before(double t) {
+    if (!Owed() || t - since_ <= bound_) return;
+    if (!stalls_.empty() && stalls_.back().from == since_) {
+      stalls_.back().to = t;
+      return;
+    }
+    stalls_.push_back({since_, t, status_, Takeable(),
+                       on_ ? (paused_ ? "paused" : "serving") : "stopped"});
+  }
+  struct Stall {
+    double from, to;
+    std::string status;
+    int pending;
+    const char* state;
+  };
+  // The longest stretch it owed progress without any, so far.
+  double longest() const { return longest_; }
+  const std::vector<Stall>& stalls() const { return stalls_; }
+
+  void Apply(double t, const Json& e) {
+    const bool owed = Owed();
+    const std::string ev = e.value("ev", "");
+    const std::string name = e.value("name", "");
+    bool progress = false;
+    if (ev == "status") {
+      status_ = e.value("text", "");
+      progress = true;
+      if (status_ == "status: idle" && !on_) in_service_ = false;
+    } else if (ev == "label" && name == "cmdStart") {
+      on_ = e.value("text", "") == "&stop";
+      if (on_) in_service_ = true;
+    } else if (ev == "label" && name == "cmdPause") {
+      paused_ = e.value("text", "") == "&unpause";
+    } else if (ev == "label") {
+      progress = name != "lblPending" && name != "lblBanned";
+    } else if (ev == "list" && name == "lstPending") {
+      const std::string op = e.value("op", "");
+      const std::string item = e.value("item", "");
+      if (op == "add") list_.push_back(item);
+      if (op == "clear") list_.clear();
+      if (op == "remove") {
+        const auto it = std::find(list_.begin(), list_.end(), item);
+        if (it != list_.end()) list_.erase(it);
+      }
+    } else if (ev == "list") {
+      progress = name == "lstMails";
+    } else if (ev == "chat") {
+      progress = LCase(e.value("sn", "")) == user_;
+    } else if (ev == "client") {
+      const std::string what = e.value("what", "");
+      progress = what != "signs off" && what != "closes";
+    } else if (ev == "machine") {
+      if (e.value("what", "") == "reboots") Ends(t);
+      progress = true;
+    } else {
+      progress = ev == "mail" || ev == "im";
+    }
+    Track(t, owed, progress);
+  }
+
+  // The program ended at `t` (an exit, a start of a new one, a restart of
+  // the machine): it owes nothing more.
+  void Ends(double t) {
+    Before(t);
+    in_service_ = on_ = paused_ = false;
+    list_.clear();
+  }
+
+  // The run's end.
+  void End(double t) {
+    Before(t);
+    Track(t, Owed(), false);
+  }
+
+ private:
+  // Requests it can take: those before an empty line, which stops it.
+  int Takeable() const {
+    const auto gap = std::find(list_.begin(), list_.end(), "");
+    return static_cast<int>(gap - list_.begin());
+  }
+  bool Owed() const {
+    if (!in_service_) return false;
+    // Paused (a stop while paused leaves it so: the timers are off), or
+    // stopped; "idle" while serving is the end of a client restart.
+    if (status_ == "status: paused" || (status_ == "status: idle" && !on_))
+      return false;
+    return !(on_ && !paused_ && status_ == "status: scanning chat" &&
+             Takeable() == 0);
+  }
+  void Track(double t, bool owed, bool progress) {
+    if (owed) longest_ = std::max(longest_, t - since_);
+    if (progress || owed != Owed()) since_ = t;
+  }
+
+  std::string user_;
+  double bound_;
+  bool in_service_ = false, on_ = false, paused_ = false;
+  std::string status_;
+  std::vector<std::string> list_;
+  double since_ = 0, longest_ = 0;
+  std::vector<Stall> stalls_;
+};
+
+// How many times slower than the simulator this client was served: as
+// allowed, or as its forwards of mails went, opened to sent.
+double ServingPace(const scenario::Scenario& sc, const std::string& transcript,
+                   const Allowances& allow) {
+  if (!allow.pace_from_run) return allow.serving_pace;
+  double opened_at = -1, seconds = 0;
+  int forwards = 0;
+  std::istringstream in(transcript);
+  for (std::string line; std::getline(in, line);) {
+    if (line.find("\"status\"") == std::string::npos) continue;
+    const Json e = Json::parse(line, nullptr, false);
+    if (e.is_discarded() || e.value("ev", "") != "status") continue;
+    const std::string text = e.value("text", "");
+    const double t = e.value("t", 0.0);
+    if (text == "status: opening mail") opened_at = t;
+    if (text == "status: sent mail" && opened_at >= 0) {
+      seconds += t - opened_at;
+      ++forwards;
+      opened_at = -1;
+    }
+  }
+  if (forwards == 0) return allow.serving_pace;
+  return std::max(allow.serving_pace,
+                  seconds / forwards / ForwardSeconds(sc.latency_ms / 1000.0));
 }
 
 }  // namespace
@@ -229,9 +381,6 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // theirs ahead (a stretch begins with a clear, but a request said just
   // before it may be heard after it).
   std::multiset<std::string> in_list;
-  // The forwards of mails, and the time they took all told.
-  double opened_at = -1, forward_seconds = 0;
-  int forwards = 0;
   // When the room showed each line of an "early" + n, by (name, text).
   std::map<std::pair<std::string, std::string>, std::vector<double>>
       early_shown;
@@ -275,6 +424,9 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // from a registry whose write failed): the sent-mail check counts the
   // same mails.
   long long last_total = -1, counted = 0;
+  const double pace = ServingPace(sc, transcript, allow);
+  const double quiet_bound = kQuietSeconds * pace;
+  StallWatch stall(user, quiet_bound);
   Json final_state;
   double last_t = 0;
   std::istringstream in(transcript);
@@ -288,6 +440,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     const std::string ev = e.value("ev", "");
     const double t = e.value("t", 0.0);
     last_t = t;
+    if (ev != "final") stall.Before(t);
     // A job's take removes its group from the list and then counts it
     // sent; a take can come at the very moment of a user's removal (the
     // prompt of a clear lets the serving go on).
@@ -314,6 +467,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         open_read = false;
         mail_titles = 0;
       }
+      stall.Ends(ends_and_starts[next_end_or_start].first);
       exited = !ends_and_starts[next_end_or_start].second;
       if (exited) live_at_exit[ends_and_starts[next_end_or_start].first] = live;
       serving_now(ends_and_starts[next_end_or_start].first);
@@ -334,6 +488,11 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (last_total >= 0) counted += std::max(0LL, total - last_total);
         last_total = total;
       }
+    }
+    if (ev == "final") {
+      stall.End(t);
+    } else {
+      stall.Apply(t, e);
     }
     if (ev == "final") {
       final_state = e;
@@ -371,13 +530,6 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     } else if (ev == "status") {
       if (e.value("text", "") == "status: deleting sent")
         sent_deleted.push_back(t);
-      // How long each forward of a mail took, opened to sent.
-      if (e.value("text", "") == "status: opening mail") opened_at = t;
-      if (e.value("text", "") == "status: sent mail" && opened_at >= 0) {
-        forward_seconds += t - opened_at;
-        ++forwards;
-        opened_at = -1;
-      }
     } else if (ev == "fault") {
       const std::string kind = e.value("kind", "");
       ++fig->faults[kind];
@@ -457,6 +609,15 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     }
   }
   if (open_read) reads.back().after = mail_titles;
+  fig->quiet_max = std::max(fig->quiet_max, stall.longest());
+  for (const StallWatch::Stall& q : stall.stalls()) {
+    char range[64];
+    std::snprintf(range, sizeof range, "from %.1f s to %.1f s", q.from, q.to);
+    bad.push_back(std::string("the program stood still ") + range + " at \"" +
+                  q.status + "\" (" + std::to_string(q.pending) +
+                  " requests pending, " + q.state + "): no progress within " +
+                  std::to_string(static_cast<int>(quiet_bound)) + " s");
+  }
   if (final_state.is_null()) {
     bad.push_back("no final state: the run did not end normally");
     return bad;
@@ -936,12 +1097,6 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     if (counted < room.sent_restart) room.sent_restart = 0;
     room.bot_scroll = stored_or("BotScroll", defaults.BotScroll);
     std::map<int, std::size_t> used;  // handed mails matched so far
-    // How many times slower than FloodBound's forward this client was
-    // served: as allowed, or as its forwards went.
-    double pace = allow.serving_pace;
-    if (allow.pace_from_run && forwards > 0)
-      pace = std::max(pace, forward_seconds / forwards /
-                                ForwardSeconds(room.latency_seconds));
     for (const auto& [n, t] : asker_asks) {
       // Who floods beside it, and whether anything else that may hold the
       // mail back happens from two minutes before to the bound: the user

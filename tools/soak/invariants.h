@@ -62,6 +62,7 @@ struct RunFigures {
   int restored_lines = 0;     // queue and banned lines restored from files
   int log_lines = 0;          // lines of the log checked
   int log_matched = 0;        // accounted requests found in the log
+  double quiet_max = 0;  // the longest the program owed progress without any
 };
 
 // What the program does in a room beside flooders, as the flood bound
@@ -97,11 +98,13 @@ struct Allowances {
   // What a user's action did is written at its moment, or up to this many
   // seconds after it (the simulator does it in no time).
   double acted_within = 0;
-  // The flood bound is this many times FloodBound (the simulator's pace
-  // of serving) at least; with `pace_from_run`, as many times as the run's
-  // forwards of mails took longer on average than ForwardSeconds (a
-  // loaded machine slows every call into the client alike): the bound
-  // then counts the forwards ahead, at the pace this client was served.
+  // The flood bound (FloodBound, the simulator's pace of serving) and the
+  // longest the program may go without doing anything while it owes
+  // progress are this many times the simulator's at least; with
+  // `pace_from_run`, as many times as the run's forwards of mails took
+  // longer on average than ForwardSeconds (a loaded machine slows every
+  // call into the client alike): the flood bound then counts the forwards
+  // ahead at the pace this client was served.
   double serving_pace = 1;
   bool pace_from_run = false;
 };
