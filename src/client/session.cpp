@@ -167,12 +167,17 @@ void BustRoom(const SessionContext& s) {
   // From inside the buster's tick its next tick cannot come before this
   // returns: the bust goes on after it, and whoever waits for it unloads.
   if (buster.in_tick()) return;
+  // A client that signs off once the bust has ended never shows the room:
+  // the restart ends there, and the next tick finds the client signed off.
+  WindowApi& api = s.client.api;
   WaitUntil(s.client.host,
             [&] {
               return buster.cmdStart.caption() == "&start" &&
-                     FindChatRoom(s.client.api) != 0;
+                     FindChatRoom(api) != 0;
             },
-            {.speed = 1});
+            {.speed = 1, .give_up = [&] {
+               return buster.cmdStart.caption() == "&start" && !IsSignedOn(api);
+             }});
   buster.Form_Unload();
 }
 

@@ -222,6 +222,32 @@ TEST_F(SessionTest, AClientLostDuringTheSignOnIsSignedOnAgain) {
   }
 }
 
+TEST_F(SessionTest, AClientSignedOffAsTheBustEndsEndsTheRestart) {
+  // The client signs off the moment the bust has brought it back into the
+  // room: the restart ends there, signed off, and the next one brings it
+  // back.
+  InstallClient();
+  Launch();
+  sim.SignOff();
+  bool struck = false;
+  std::function<void()> strike = [&] {
+    if (status.text() == "status: busting chatroom" &&
+        buster.cmdStart.caption() == "&start" &&
+        sim.current_room() == "Lobby" && !struck) {
+      struck = true;
+      sim.SignOff();
+    }
+    if (!struck) host.Schedule(0.05, strike);
+  };
+  host.Schedule(0.05, strike);
+  AOLRestart(Session());
+  ASSERT_TRUE(struck);
+  EXPECT_FALSE(sim.signed_on());
+  EXPECT_FALSE(buster.loaded());
+  AOLRestart(Session());
+  EXPECT_EQ(sim.current_room(), "Lobby");
+}
+
 TEST_F(SessionTest, ARestartUnderWayIsNotStartedAgainFromTheBuster) {
   InstallClient();
   Launch();
