@@ -916,42 +916,40 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
               "log: " + sn + "'s request for mail " + std::to_string(n) +
               " was removed by a ban, and no line says " + sn + " was banned");
       }
-      // Each time the user removed it, a line says so.
+      // Each of the `times` it ended this way, a line of `outcome` says so;
+      // the violation reads "<request> `before` <times> times `after`, and
+      // <lines> `lines_say`".
+      auto each_time_told = [&](const char* outcome, int times,
+                                const char* before, const char* after,
+                                const char* lines_say) {
+        const auto lines = logged_times.find({outcome, sn, what});
+        const int told = lines == logged_times.end() ? 0 : lines->second;
+        if (told < times)
+          bad.push_back("log: " + sn + "'s request for mail " +
+                        std::to_string(n) + before + std::to_string(times) +
+                        " times" + after + ", and " + std::to_string(told) +
+                        lines_say);
+        else if (times > 0)
+          ++fig->log_matched;
+      };
+      // Removed by the user.
       int user_removed = removed_then(entry, clears);
       if (taken_at.count(entry))
         for (double r : taken_at.at(entry))
           if (at_any(r, clears)) --user_removed;
-      const auto removed_lines =
-          logged_times.find({"removed by the user", sn, what});
-      const int removed_told =
-          removed_lines == logged_times.end() ? 0 : removed_lines->second;
-      if (removed_told < user_removed)
-        bad.push_back("log: " + sn + "'s request for mail " +
-                      std::to_string(n) + " was removed by the user " +
-                      std::to_string(user_removed) + " times, and " +
-                      std::to_string(removed_told) + " lines say so");
-      else if (user_removed > 0)
-        ++fig->log_matched;
-      // In the list at an exit whose save of the queue failed: lost, and
-      // a line says so. (A file that vanished before a start read it is a
-      // loss the program cannot see.)
+      each_time_told("removed by the user", user_removed,
+                     " was removed by the user ", "", " lines say so");
+      // In the list at an exit whose save of the queue failed: lost. (A
+      // file that vanished before a start read it is a loss the program
+      // cannot see.)
       int lost_saving = 0;
       for (const auto& [x, at_exit] : live_at_exit)
         if (at_exit.count(entry) && at_exit.at(entry) > 0 &&
             at_any(x, queue_faults))
           ++lost_saving;
-      const auto lost_lines =
-          logged_times.find({"lost with a failed save", sn, what});
-      const int lost_told =
-          lost_lines == logged_times.end() ? 0 : lost_lines->second;
-      if (lost_told < lost_saving)
-        bad.push_back("log: " + sn + "'s request for mail " +
-                      std::to_string(n) + " was in the queue " +
-                      std::to_string(lost_saving) +
-                      " times when its save failed, and " +
-                      std::to_string(lost_told) + " lines say it was lost");
-      else if (lost_saving > 0)
-        ++fig->log_matched;
+      each_time_told("lost with a failed save", lost_saving,
+                     " was in the queue ", " when its save failed",
+                     " lines say it was lost");
       // Each time a job took the request, a line says what became of it;
       // but for a take the run's end cut short (the power went off: the
       // program writes nothing more).
