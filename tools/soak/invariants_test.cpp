@@ -28,6 +28,19 @@ class InvariantsTest : public ::testing::Test {
   void Line(double t, const std::string& body) {
     text += "{\"t\":" + std::to_string(t) + "," + body + "}\n";
   }
+  // The server goes serving (its start button reads "stop").
+  void Serving(double t) {
+    Line(t, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  }
+  // The client takes mail `n` for `to` ("(amy)(bob)"), to send now or,
+  // with `send` "later", to send later.
+  void Handed(double t, const std::string& to, int n,
+              const std::string& send = "") {
+    Line(t, R"j("ev":"mail","to":")j" + to +
+                R"j(","body":"[mail number <B><U>)j" + std::to_string(n) +
+                "</B></U>]\"" +
+                (send.empty() ? "" : R"(,"send":")" + send + "\""));
+  }
   // `who` says `said` at `at`; the room shows it at `shown` (at its
   // moment when not given).
   void Say(double at, const std::string& who, const std::string& said,
@@ -144,10 +157,8 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
   // forward ends there and the group is lost.
   Add(9, "gil-1");
   Remove(10.5, "gil-1");
-  Line(10,
-       R"j("ev":"mail","to":"(eve)","body":"[mail number <B><U>1</B></U>]")j");
-  Line(9.5,
-       R"j("ev":"mail","to":"(fay)","body":"[mail number <B><U>1</B></U>]")j");
+  Handed(10, "(eve)", 1);
+  Handed(9.5, "(fay)", 1);
   const auto bad = Check({});
   ASSERT_EQ(bad.size(), 2u) << testing::PrintToString(bad);
   EXPECT_NE(bad[0].find("ann-2"), std::string::npos);
@@ -218,15 +229,13 @@ TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
   // died before it took the mail.
   Add(9, "eve-1");
   Remove(9.5, "eve-1");
-  Line(10,
-       R"j("ev":"mail","to":"(eve)","body":"[mail number <B><U>1</B></U>]")j");
+  Handed(10, "(eve)", 1);
   Add(1, "gil-2");
   Remove(5, "gil-2");
   // Handed 2 s before: that mail should have gone.
   Add(9, "fay-3");
   Remove(8.5, "fay-3");
-  Line(9,
-       R"j("ev":"mail","to":"(fay)","body":"[mail number <B><U>3</B></U>]")j");
+  Handed(9, "(fay)", 3);
   const auto bad = Check({});
   ASSERT_EQ(bad.size(), 1u) << testing::PrintToString(bad);
   EXPECT_NE(bad[0].find("fay-3"), std::string::npos);
@@ -235,9 +244,7 @@ TEST_F(InvariantsTest, AKilledClientLosesWhatItWasSendingAsASignOffDoes) {
 
 TEST_F(InvariantsTest, WaitingDeletedByDesignAndBannedAreNamedEndings) {
   auto mail = [this](double t, const std::string& to, int n, const char* send) {
-    Line(t, R"j("ev":"mail","to":")j" + to +
-                R"j(","body":"[mail number <B><U>)j" + std::to_string(n) +
-                R"j(</B></U>]","send":")j" + send + "\"");
+    Handed(t, to, n, send);
   };
   // Sent later, to bob and amy together, after the sent-mail check below;
   // only bob's copy is still in the client's outgoing queue at the end.
@@ -330,8 +337,7 @@ TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
     Remove(20, "amy-2");
     Add(40, "amy-2");
     Remove(50, "amy-2");
-    Line(52, R"x("ev":"mail","from":"Host","to":"(amy)","subject":"x",)x"
-             R"x("body":"[mail number <B><U>2</B></U>]")x");
+    Handed(52, "(amy)", 2);
   };
   sc.run_until = 1000;
   takes();
@@ -355,8 +361,7 @@ TEST_F(InvariantsTest, AHandOverOfALaterTakeLeavesTheFirstLostToItsSignOff) {
 // forward's minute.
 TEST_F(InvariantsTest, ASignOffOrAHandOverAtTheExactBoundsOfATake) {
   auto handed = [this](double t, const std::string& to) {
-    Line(t, R"x("ev":"mail","from":"Host","to":"()x" + to +
-                R"x()","subject":"x","body":"[mail number <B><U>1</B></U>]")x");
+    Handed(t, "(" + to + ")", 1);
   };
   sc.run_until = 1000;
   // Signed off as the client took amy's mail: it went with the client.
@@ -404,7 +409,7 @@ TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
 TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   // Serving from 1 s; two flooders talk all along; the asker asks at 10.
   const double bound = FloodBound({.latency_seconds = 0.05, .flooders = 2});
-  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  Serving(1);
   for (int t = 5; t < 200; ++t)
     for (const char* f : {"flooder1", "flooder2"})
       sc.timeline.push_back({.line = t,
@@ -415,10 +420,7 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   sc.run_until = 400;
   auto asker = [this](double asked, double handed) {
     Add(asked, "asker-2");
-    if (handed > 0)
-      Line(
-          handed,
-          R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+    if (handed > 0) Handed(handed, "(asker)", 2);
   };
   asker(10, 10 + bound);           // at the bound
   asker(100, 100 + bound + 0.01);  // late
@@ -438,7 +440,7 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
   std::sort(sc.timeline.begin(), sc.timeline.end(),
             [](const auto& a, const auto& b) { return a.at < b.at; });
   text.clear();
-  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  Serving(1);
   asker(10, 10 + bound - 1);
   asker(100, 100 + bound + 1);
   asker(200, 0);
@@ -501,14 +503,12 @@ TEST_F(InvariantsTest, TheFloodBoundHasTheSentChecksOnceTheCountCanReachThem) {
   checked.sent_restart = 2;
   auto run = [this](int counted, double waited) {
     text.clear();
-    Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+    Serving(1);
     Line(1, R"("ev":"label","name":"lblSent","text":"total: 7")");
     Line(2, R"("ev":"label","name":"lblSent","text":"total: )" +
                 std::to_string(7 + counted) + "\"");
     Add(5, "asker-2");
-    Line(
-        5 + waited,
-        R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+    Handed(5 + waited, "(asker)", 2);
     return Check({{"asker", 2}}, "[]", "total: " + std::to_string(7 + counted),
                  std::to_string(7 + counted));
   };
@@ -524,13 +524,11 @@ TEST_F(InvariantsTest, TheFloodBoundCountsOnlyFloodersAhead) {
   // stand ahead of the asker's: the asker waits for them, not for the
   // flooders. With a flooder's ahead, the bound holds.
   const double bound = FloodBound({.latency_seconds = 0.05});
-  Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+  Serving(1);
   sc.run_until = 400;
   auto late_mail = [this, bound](double asked) {
     Add(asked, "asker-2");
-    Line(
-        asked + bound + 1,
-        R"j("ev":"mail","to":"(asker)","body":"[mail number <B><U>2</B></U>]")j");
+    Handed(asked + bound + 1, "(asker)", 2);
   };
   Add(5, "jo jo~dog");
   late_mail(10);
@@ -717,7 +715,7 @@ class StallTest : public InvariantsTest {
   void Begin() {
     text.clear();
     Status(0, "status: idle");
-    Line(1, R"("ev":"label","name":"cmdStart","text":"&stop")");
+    Serving(1);
     Status(1, "status: scanning chat");
     Add(2, "bob-1");
   }
