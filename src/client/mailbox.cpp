@@ -140,15 +140,17 @@ void OpenMail(const ClientContext& c, int position) {
 namespace {
 
 // Opens a window from the tool bar's mail menu, asking until `find` finds
-// it.
+// it; 0 once the client has signed off (or is gone): the online mailbox
+// and its lists never come then.
 Hwnd OpenFromMailMenu(const ClientContext& c, char key,
                       const std::function<Hwnd()>& find) {
   Hwnd window = 0;
-  WaitUntil(c.host, [&] { return (window = find()) != 0; },
-            {.every = 1, .repeat = [&] {
-               RunToolbarMenu(c, aol::kToolbarMailIcon, key);
-               Pause(c.host, 0.8);
-             }});
+  if (WaitUntil(c.host, [&] { return (window = find()) != 0; },
+                {.give_up = SignedOff(c.api), .every = 1, .repeat = [&] {
+                   RunToolbarMenu(c, aol::kToolbarMailIcon, key);
+                   Pause(c.host, 0.8);
+                 }}) != WaitEnd::kMet)
+    return 0;
   return window;
 }
 
@@ -172,6 +174,7 @@ void DeleteSentMail(const ClientContext& c) {
   WindowApi& api = c.api;
   const Hwnd box =
       OpenFromMailMenu(c, 'S', [&] { return FindTabbedMailbox(api); });
+  if (!box) return;
   const Hwnd tabs = FindChild(api, box, aol::kTabControlClass);
   const Hwnd sent = FindChild(
       api, FindNthChild(api, tabs, aol::kTabPageClass, 3), aol::kTreeClass);
@@ -201,6 +204,7 @@ void DeleteMailWaiting(const ClientContext& c) {
   WindowApi& api = c.api;
   const Hwnd box =
       OpenFromMailMenu(c, 'b', [&] { return FindDocument(api, kMailWaiting); });
+  if (!box) return;
   const Hwnd delete_icon =
       FindNthChild(api, box, aol::kIconClass, aol::kWaitingDeleteIcon);
   const Hwnd queued = FindChild(api, box, aol::kTreeClass);

@@ -129,6 +129,11 @@ TEST_F(MailboxTest, DeletingStopsWhenSignedOff) {
   DeleteSentMail(c);
   EXPECT_FALSE(IsSignedOn(api));
   EXPECT_EQ(sim.SentCount(), 3);
+  // Signed off before they open, neither list is waited for.
+  DeleteSentMail(c);
+  DeleteMailWaiting(c);
+  EXPECT_EQ(FindTabbedMailbox(api), 0u);
+  EXPECT_EQ(FindDocument(api, kMailWaiting), 0u);
 }
 
 TEST_F(MailboxTest, ShrinkMailWindowsMakesTheClientRememberOneByOne) {

@@ -34,11 +34,13 @@ void RunProgram(const SessionContext& s, const std::string& path) {
   s.client.host.DoEvents();
 }
 
-// The "Sign On" window's sign-on button: from its first icon, the fourth
-// window in the sibling order.
+// The sign-on button: from the first icon of the "Sign On" window, or of
+// the goodbye window a sign-off leaves (the same window under another
+// caption), the fourth window in the sibling order.
 Hwnd FindSignOnButton(WindowApi& api) {
-  const Hwnd first =
-      FindChild(api, FindDocument(api, kSignOnCaption), aol::kIconClass);
+  Hwnd window = FindDocument(api, kSignOnCaption);
+  if (!window) window = FindDocument(api, kGoodbyeCaption);
+  const Hwnd first = FindChild(api, window, aol::kIconClass);
   return first ? NextSibling(api, first, 3) : 0;
 }
 
@@ -95,10 +97,20 @@ void SignOn(const SessionContext& s) {
     host.DoEvents();
     // The sign-on may end while the round looks at its progress: the
     // "Sign On" window is then gone for good, and signed on is the end.
+    // Signed off meanwhile, the goodbye window has the button; a client
+    // that died meanwhile is started again.
     Hwnd button = 0;
-    WaitUntil(host, [&] {
-      return (button = FindSignOnButton(api)) != 0 || IsSignedOn(api);
-    });
+    const Hwnd frame = FindFrame(api);
+    if (WaitUntil(host,
+                  [&] {
+                    return (button = FindSignOnButton(api)) != 0 ||
+                           IsSignedOn(api);
+                  },
+                  {.give_up = Gone(api, frame)}) == WaitEnd::kGaveUp) {
+      StartClient(s);
+      SetStatus(s, "status: signing online");
+      continue;
+    }
     if (IsSignedOn(api)) return;
     ClickIcon(api, button);
     Pause(host, 5);
@@ -155,12 +167,17 @@ void BustRoom(const SessionContext& s) {
   // From inside the buster's tick its next tick cannot come before this
   // returns: the bust goes on after it, and whoever waits for it unloads.
   if (buster.in_tick()) return;
+  // A client that signs off once the bust has ended never shows the room:
+  // the restart ends there, and the next tick finds the client signed off.
+  WindowApi& api = s.client.api;
   WaitUntil(s.client.host,
             [&] {
               return buster.cmdStart.caption() == "&start" &&
-                     FindChatRoom(s.client.api) != 0;
+                     FindChatRoom(api) != 0;
             },
-            {.speed = 1});
+            {.speed = 1, .give_up = [&] {
+               return buster.cmdStart.caption() == "&start" && !IsSignedOn(api);
+             }});
   buster.Form_Unload();
 }
 

@@ -191,6 +191,64 @@ TEST_F(SessionTest, ASignOnInProgressIsWaitedOnNotDismissed) {
   EXPECT_EQ(sim.current_room(), "Lobby");
 }
 
+TEST_F(SessionTest, AClientLostDuringTheSignOnIsSignedOnAgain) {
+  // Once the restart is signing on, the client signs off the moment it
+  // has signed on (its goodbye window carries the sign-on button), or its
+  // process dies with the sign-on's progress up (started again). Either
+  // way the restart ends signed on, in the room.
+  for (const bool crash : {false, true}) {
+    SCOPED_TRACE(crash ? "killed" : "signed off");
+    client_events.clear();
+    InstallClient();
+    Launch();
+    sim.SignOff();
+    bool struck = false;
+    std::function<void()> strike = [&] {
+      if (struck) return;
+      if (status.text() == "status: signing online" &&
+          (crash ? sim.FindWindowA("_AOL_Modal", "Sign On") != 0
+                 : sim.signed_on())) {
+        struck = true;
+        crash ? sim.Crash() : sim.SignOff();
+        return;
+      }
+      host.Schedule(0.05, strike);
+    };
+    host.Schedule(0.05, strike);
+    AOLRestart(Session());
+    EXPECT_TRUE(struck);
+    EXPECT_TRUE(sim.signed_on());
+    EXPECT_EQ(sim.current_room(), "Lobby");
+    EXPECT_EQ(Events("starts"), crash ? 2 : 1);
+  }
+}
+
+TEST_F(SessionTest, AClientSignedOffAsTheBustEndsEndsTheRestart) {
+  // The client signs off the moment the bust has brought it back into the
+  // room: the restart ends there, signed off, and the next one brings it
+  // back.
+  InstallClient();
+  Launch();
+  sim.SignOff();
+  bool struck = false;
+  std::function<void()> strike = [&] {
+    if (status.text() == "status: busting chatroom" &&
+        buster.cmdStart.caption() == "&start" &&
+        sim.current_room() == "Lobby" && !struck) {
+      struck = true;
+      sim.SignOff();
+    }
+    if (!struck) host.Schedule(0.05, strike);
+  };
+  host.Schedule(0.05, strike);
+  AOLRestart(Session());
+  ASSERT_TRUE(struck);
+  EXPECT_FALSE(sim.signed_on());
+  EXPECT_FALSE(buster.loaded());
+  AOLRestart(Session());
+  EXPECT_EQ(sim.current_room(), "Lobby");
+}
+
 TEST_F(SessionTest, ARestartUnderWayIsNotStartedAgainFromTheBuster) {
   InstallClient();
   Launch();

@@ -141,6 +141,8 @@ int main(int argc, char** argv) {
     total.deleted_waiting += fig.deleted_waiting;
     total.banned += fig.banned;
     total.excused += fig.excused;
+    total.flood_asks += fig.flood_asks;
+    total.flood_wait_max = std::max(total.flood_wait_max, fig.flood_wait_max);
     for (const auto& [why, n] : fig.endings) total.endings[why] += n;
     for (const auto& [kind, n] : fig.faults) total.faults[kind] += n;
     const double seconds =
@@ -184,6 +186,10 @@ int main(int argc, char** argv) {
     std::printf("%s%s %d", sep, why.c_str(), n);
     sep = ", ";
   }
+  std::printf(
+      "\n  beside flooders: %d mails asked for and checked against the "
+      "bound, the longest wait %.1f s",
+      total.flood_asks, total.flood_wait_max);
   std::printf("\n  faults injected:");
   sep = " ";
   for (const auto& [kind, n] : total.faults) {

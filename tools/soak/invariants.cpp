@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -11,6 +12,7 @@
 
 #include "app/job_log.h"
 #include "model/text_util.h"
+#include "settings/settings.h"
 
 namespace quorvex::soak {
 namespace {
@@ -18,6 +20,12 @@ namespace {
 // The longest a forward waits for the client's windows before it gives the
 // mail up as dead.
 constexpr double kForwardSeconds = 60;
+// The longest the program, serving, may go without doing anything of its
+// own (see StallWatch), at the simulator's pace: the longest wait it gives
+// up on (a forward's window, kForwardSeconds) twice over. The longest seen
+// in a thousand rooms that ended by itself is 109 s (a client killed under
+// a paused tick's wait).
+constexpr double kQuietSeconds = 2 * kForwardSeconds;
 
 using Json = nlohmann::json;
 using scenario::Verb;
@@ -103,6 +111,151 @@ bool StoredEmpty(const scenario::Scenario& sc, const std::string& key) {
   return false;
 }
 
+// Whether the program, once serving, keeps going: from the moment the
+// serving began until the stop it was asked for has ended ("status:
+// idle"), the program owes progress but when it rests (paused, or serving
+// with nothing it can take and scanning the chat). While it owes it, some
+// doing of its own must come within `quiet_bound` seconds: a status
+// drawn, a mail handed to the client, a counter counting, a line said in
+// the room, the client started, signed on or brought into the room, the
+// mailbox read. What others do (chat lines, clicks, a client signed off
+// or killed) is no progress of the program's.
+class StallWatch {
+ public:
+  StallWatch(std::string user, double quiet_bound)
+      : user_(std::move(user)), bound_(quiet_bound) {}
+
+  // Before each transcript line at `t`: the stretch since the last
+  // progress, if owed and longer than the bound, is kept.
+  void Before(double t) {
+    if (!Owed() || t - since_ <= bound_) return;
+    if (!stalls_.empty() && stalls_.back().from == since_) {
+      stalls_.back().to = t;
+      return;
+    }
+    stalls_.push_back({since_, t, status_, Takeable(),
+                       on_ ? (paused_ ? "paused" : "serving") : "stopped"});
+  }
+  struct Stall {
+    double from, to;
+    std::string status;
+    int pending;
+    const char* state;
+  };
+  // The longest stretch it owed progress without any, so far.
+  double longest() const { return longest_; }
+  const std::vector<Stall>& stalls() const { return stalls_; }
+
+  void Apply(double t, const Json& e) {
+    const bool owed = Owed();
+    const std::string ev = e.value("ev", "");
+    const std::string name = e.value("name", "");
+    bool progress = false;
+    if (ev == "status") {
+      status_ = e.value("text", "");
+      progress = true;
+      if (status_ == "status: idle" && !on_) in_service_ = false;
+    } else if (ev == "label" && name == "cmdStart") {
+      on_ = e.value("text", "") == "&stop";
+      if (on_) in_service_ = true;
+    } else if (ev == "label" && name == "cmdPause") {
+      paused_ = e.value("text", "") == "&unpause";
+    } else if (ev == "label") {
+      progress = name != "lblPending" && name != "lblBanned";
+    } else if (ev == "list" && name == "lstPending") {
+      const std::string op = e.value("op", "");
+      const std::string item = e.value("item", "");
+      if (op == "add") list_.push_back(item);
+      if (op == "clear") list_.clear();
+      if (op == "remove") {
+        const auto it = std::find(list_.begin(), list_.end(), item);
+        if (it != list_.end()) list_.erase(it);
+      }
+    } else if (ev == "list") {
+      progress = name == "lstMails";
+    } else if (ev == "chat") {
+      progress = LCase(e.value("sn", "")) == user_;
+    } else if (ev == "client") {
+      const std::string what = e.value("what", "");
+      progress = what != "signs off" && what != "closes";
+    } else if (ev == "machine") {
+      if (e.value("what", "") == "reboots") Ends(t);
+      progress = true;
+    } else {
+      progress = ev == "mail" || ev == "im";
+    }
+    Track(t, owed, progress);
+  }
+
+  // The program ended at `t` (an exit, a start of a new one, a restart of
+  // the machine): it owes nothing more.
+  void Ends(double t) {
+    Before(t);
+    in_service_ = on_ = paused_ = false;
+    list_.clear();
+  }
+
+  // The run's end.
+  void End(double t) {
+    Before(t);
+    Track(t, Owed(), false);
+  }
+
+ private:
+  // Requests it can take: those before an empty line, which stops it.
+  int Takeable() const {
+    const auto gap = std::find(list_.begin(), list_.end(), "");
+    return static_cast<int>(gap - list_.begin());
+  }
+  bool Owed() const {
+    if (!in_service_) return false;
+    // Paused (a stop while paused leaves it so: the timers are off), or
+    // stopped; "idle" while serving is the end of a client restart.
+    if (status_ == "status: paused" || (status_ == "status: idle" && !on_))
+      return false;
+    return !(on_ && !paused_ && status_ == "status: scanning chat" &&
+             Takeable() == 0);
+  }
+  void Track(double t, bool owed, bool progress) {
+    if (owed) longest_ = std::max(longest_, t - since_);
+    if (progress || owed != Owed()) since_ = t;
+  }
+
+  std::string user_;
+  double bound_;
+  bool in_service_ = false, on_ = false, paused_ = false;
+  std::string status_;
+  std::vector<std::string> list_;
+  double since_ = 0, longest_ = 0;
+  std::vector<Stall> stalls_;
+};
+
+// How many times slower than the simulator this client was served: as
+// allowed, or as its forwards of mails went, opened to sent.
+double ServingPace(const scenario::Scenario& sc, const std::string& transcript,
+                   const Allowances& allow) {
+  if (!allow.pace_from_run) return allow.serving_pace;
+  double opened_at = -1, seconds = 0;
+  int forwards = 0;
+  std::istringstream in(transcript);
+  for (std::string line; std::getline(in, line);) {
+    if (line.find("\"status\"") == std::string::npos) continue;
+    const Json e = Json::parse(line, nullptr, false);
+    if (e.is_discarded() || e.value("ev", "") != "status") continue;
+    const std::string text = e.value("text", "");
+    const double t = e.value("t", 0.0);
+    if (text == "status: opening mail") opened_at = t;
+    if (text == "status: sent mail" && opened_at >= 0) {
+      seconds += t - opened_at;
+      ++forwards;
+      opened_at = -1;
+    }
+  }
+  if (forwards == 0) return allow.serving_pace;
+  return std::max(allow.serving_pace,
+                  seconds / forwards / ForwardSeconds(sc.latency_ms / 1000.0));
+}
+
 }  // namespace
 
 double ForwardSeconds(double latency_seconds) {
@@ -111,15 +264,53 @@ double ForwardSeconds(double latency_seconds) {
   return 4 * latency_seconds + 3;
 }
 
-double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
-                  int sent_restart) {
+double SentCheckSeconds(double latency_seconds) {
+  // Three lines said with their pauses, the sent mail and the mail waiting
+  // to be sent each opened from the tool bar's menu, read twice two
+  // seconds apart, emptied and closed: three forwards' worth.
+  return 3 * ForwardSeconds(latency_seconds);
+}
+
+double AdvertisementSeconds(double latency_seconds) {
+  // Three lines said in the room, each read back.
+  return 2 * ForwardSeconds(latency_seconds);
+}
+
+int SentChecksAhead(int flooders, int sent_restart) {
+  if (sent_restart < 2) return 0;
+  // The count may stand at the limit already: a check before the first
+  // forward. The groups ahead hold one line per flooder at most, the
+  // asker's own group comes last: another check after every
+  // `sent_restart` of the flooders' lines.
+  return 1 + flooders / sent_restart;
+}
+
+double FloodBound(const FloodRoom& room, double pace) {
   // What one forward costs at most. A tick answers one reply (a mail too,
   // with replies by mail) and forwards one group; ahead of the request
-  // stand at most one group per flooder. The sent-mail check may come once
-  // more.
-  const double forward = ForwardSeconds(latency_seconds);
-  const double tick = forward * (replies_by_mail ? 2 : 1.5);
-  return 20 + (flooders + 1) * tick + (sent_restart > 0 ? 2 * forward : 0);
+  // stand at most one group per flooder.
+  const double forward = ForwardSeconds(room.latency_seconds);
+  const double tick = forward * (room.replies_by_mail ? 2 : 1.5);
+  const double served =
+      pace * (20 + (room.flooders + 1) * tick +
+              SentChecksAhead(room.flooders, room.sent_restart) *
+                  SentCheckSeconds(room.latency_seconds));
+  // An advertisement at most once a tick, when its interval is over: one
+  // may come at once, another each interval of the wait, which they
+  // lengthen.
+  const double ad = pace * AdvertisementSeconds(room.latency_seconds);
+  const int ticks = room.flooders + 2;  // the tick under way too
+  int ads = 1;
+  for (int round = 0; round < ticks; ++round) {
+    const int due =
+        room.bot_scroll > 0
+            ? std::min(ticks, 1 + static_cast<int>((served + ads * ad) /
+                                                   room.bot_scroll))
+            : ticks;
+    if (due <= ads) break;
+    ads = due;
+  }
+  return served + ads * ad;
 }
 
 std::vector<std::string> CheckRun(const scenario::Scenario& sc,
@@ -190,9 +381,6 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // theirs ahead (a stretch begins with a clear, but a request said just
   // before it may be heard after it).
   std::multiset<std::string> in_list;
-  // The forwards of mails, and the time they took all told.
-  double opened_at = -1, forward_seconds = 0;
-  int forwards = 0;
   // When the room showed each line of an "early" + n, by (name, text).
   std::map<std::pair<std::string, std::string>, std::vector<double>>
       early_shown;
@@ -232,6 +420,13 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
   // a start asks for it).
   std::map<double, std::map<std::pair<std::string, int>, int>> live_at_exit;
   std::vector<double> queue_faults;
+  // How far the total counter went up in the run (it may come back lower
+  // from a registry whose write failed): the sent-mail check counts the
+  // same mails.
+  long long last_total = -1, counted = 0;
+  const double pace = ServingPace(sc, transcript, allow);
+  const double quiet_bound = kQuietSeconds * pace;
+  StallWatch stall(user, quiet_bound);
   Json final_state;
   double last_t = 0;
   std::istringstream in(transcript);
@@ -245,6 +440,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     const std::string ev = e.value("ev", "");
     const double t = e.value("t", 0.0);
     last_t = t;
+    if (ev != "final") stall.Before(t);
     // A job's take removes its group from the list and then counts it
     // sent; a take can come at the very moment of a user's removal (the
     // prompt of a clear lets the serving go on).
@@ -271,6 +467,7 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         open_read = false;
         mail_titles = 0;
       }
+      stall.Ends(ends_and_starts[next_end_or_start].first);
       exited = !ends_and_starts[next_end_or_start].second;
       if (exited) live_at_exit[ends_and_starts[next_end_or_start].first] = live;
       serving_now(ends_and_starts[next_end_or_start].first);
@@ -282,6 +479,20 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
       const std::string said = e.value("text", "");
       if (std::regex_search(said, match, kToldDead) && match[1].length() < 7)
         told_dead.insert(std::stoi(match[1]));
+    }
+    if (ev == "label" && e.value("name", "") == "lblSent") {
+      const std::string caption = e.value("text", "");
+      const auto colon = caption.find(": ");
+      if (colon != std::string::npos) {
+        const long long total = std::atoll(caption.c_str() + colon + 2);
+        if (last_total >= 0) counted += std::max(0LL, total - last_total);
+        last_total = total;
+      }
+    }
+    if (ev == "final") {
+      stall.End(t);
+    } else {
+      stall.Apply(t, e);
     }
     if (ev == "final") {
       final_state = e;
@@ -319,13 +530,6 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     } else if (ev == "status") {
       if (e.value("text", "") == "status: deleting sent")
         sent_deleted.push_back(t);
-      // How long each forward of a mail took, opened to sent.
-      if (e.value("text", "") == "status: opening mail") opened_at = t;
-      if (e.value("text", "") == "status: sent mail" && opened_at >= 0) {
-        forward_seconds += t - opened_at;
-        ++forwards;
-        opened_at = -1;
-      }
     } else if (ev == "fault") {
       const std::string kind = e.value("kind", "");
       ++fig->faults[kind];
@@ -405,6 +609,15 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
     }
   }
   if (open_read) reads.back().after = mail_titles;
+  fig->quiet_max = std::max(fig->quiet_max, stall.longest());
+  for (const StallWatch::Stall& q : stall.stalls()) {
+    char range[64];
+    std::snprintf(range, sizeof range, "from %.1f s to %.1f s", q.from, q.to);
+    bad.push_back(std::string("the program stood still ") + range + " at \"" +
+                  q.status + "\" (" + std::to_string(q.pending) +
+                  " requests pending, " + q.state + "): no progress within " +
+                  std::to_string(static_cast<int>(quiet_bound)) + " s");
+  }
   if (final_state.is_null()) {
     bad.push_back("no final state: the run did not end normally");
     return bad;
@@ -703,42 +916,40 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
               "log: " + sn + "'s request for mail " + std::to_string(n) +
               " was removed by a ban, and no line says " + sn + " was banned");
       }
-      // Each time the user removed it, a line says so.
+      // Each of the `times` it ended this way, a line of `outcome` says so;
+      // the violation reads "<request> `before` <times> times `after`, and
+      // <lines> `lines_say`".
+      auto each_time_told = [&](const char* outcome, int times,
+                                const char* before, const char* after,
+                                const char* lines_say) {
+        const auto lines = logged_times.find({outcome, sn, what});
+        const int told = lines == logged_times.end() ? 0 : lines->second;
+        if (told < times)
+          bad.push_back("log: " + sn + "'s request for mail " +
+                        std::to_string(n) + before + std::to_string(times) +
+                        " times" + after + ", and " + std::to_string(told) +
+                        lines_say);
+        else if (times > 0)
+          ++fig->log_matched;
+      };
+      // Removed by the user.
       int user_removed = removed_then(entry, clears);
       if (taken_at.count(entry))
         for (double r : taken_at.at(entry))
           if (at_any(r, clears)) --user_removed;
-      const auto removed_lines =
-          logged_times.find({"removed by the user", sn, what});
-      const int removed_told =
-          removed_lines == logged_times.end() ? 0 : removed_lines->second;
-      if (removed_told < user_removed)
-        bad.push_back("log: " + sn + "'s request for mail " +
-                      std::to_string(n) + " was removed by the user " +
-                      std::to_string(user_removed) + " times, and " +
-                      std::to_string(removed_told) + " lines say so");
-      else if (user_removed > 0)
-        ++fig->log_matched;
-      // In the list at an exit whose save of the queue failed: lost, and
-      // a line says so. (A file that vanished before a start read it is a
-      // loss the program cannot see.)
+      each_time_told("removed by the user", user_removed,
+                     " was removed by the user ", "", " lines say so");
+      // In the list at an exit whose save of the queue failed: lost. (A
+      // file that vanished before a start read it is a loss the program
+      // cannot see.)
       int lost_saving = 0;
       for (const auto& [x, at_exit] : live_at_exit)
         if (at_exit.count(entry) && at_exit.at(entry) > 0 &&
             at_any(x, queue_faults))
           ++lost_saving;
-      const auto lost_lines =
-          logged_times.find({"lost with a failed save", sn, what});
-      const int lost_told =
-          lost_lines == logged_times.end() ? 0 : lost_lines->second;
-      if (lost_told < lost_saving)
-        bad.push_back("log: " + sn + "'s request for mail " +
-                      std::to_string(n) + " was in the queue " +
-                      std::to_string(lost_saving) +
-                      " times when its save failed, and " +
-                      std::to_string(lost_told) + " lines say it was lost");
-      else if (lost_saving > 0)
-        ++fig->log_matched;
+      each_time_told("lost with a failed save", lost_saving,
+                     " was in the queue ", " when its save failed",
+                     " lines say it was lost");
       // Each time a job took the request, a line says what became of it;
       // but for a take the run's end cut short (the power went off: the
       // program writes nothing more).
@@ -869,17 +1080,21 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
 
   // The asker's mails, beside the flooders.
   if (sc.lost_clicks <= 0) {
-    const bool by_mail =
+    // The program's own settings where the room stores none.
+    const Settings defaults;
+    auto stored_or = [&](const char* key, int fallback) {
+      const std::string v = Stored(sc, "Settings", key);
+      return v.empty() ? fallback : std::atoi(v.c_str());
+    };
+    FloodRoom room;
+    room.latency_seconds = sc.latency_ms / 1000.0;
+    room.replies_by_mail =
         LCase(Stored(sc, "Settings", "ScrollMethod")) == "false";
-    const int sent_restart =
-        std::atoi(Stored(sc, "Settings", "SentRestart").c_str());
+    room.sent_restart = stored_or("SentRestart", defaults.SentRestart);
+    // A check comes only once the program has counted that many mails.
+    if (counted < room.sent_restart) room.sent_restart = 0;
+    room.bot_scroll = stored_or("BotScroll", defaults.BotScroll);
     std::map<int, std::size_t> used;  // handed mails matched so far
-    // How many times slower than FloodBound's forward this client was
-    // served: as allowed, or as its forwards went.
-    double pace = allow.serving_pace;
-    if (allow.pace_from_run && forwards > 0)
-      pace = std::max(pace, forward_seconds / forwards /
-                                ForwardSeconds(sc.latency_ms / 1000.0));
     for (const auto& [n, t] : asker_asks) {
       // Who floods beside it, and whether anything else that may hold the
       // mail back happens from two minutes before to the bound: the user
@@ -890,9 +1105,8 @@ std::vector<std::string> CheckRun(const scenario::Scenario& sc,
         if (l.verb == Verb::kSay && StartsWithName(l.name, "flooder") &&
             std::abs(l.at - t) < 5)
           flooders.insert(LCase(l.name));
-      const double bound = pace * FloodBound(sc.latency_ms / 1000.0,
-                                             static_cast<int>(flooders.size()),
-                                             by_mail, sent_restart);
+      room.flooders = static_cast<int>(flooders.size());
+      const double bound = FloodBound(room, pace);
       // The mail handed for it, if any.
       std::vector<double>& got = asker_handed[n];
       std::size_t& k = used[n];

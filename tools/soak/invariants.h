@@ -41,6 +41,7 @@
 #include <vector>
 
 #include "scenario/scenario.h"
+#include "settings/settings.h"
 
 namespace quorvex::soak {
 
@@ -61,17 +62,32 @@ struct RunFigures {
   int restored_lines = 0;     // queue and banned lines restored from files
   int log_lines = 0;          // lines of the log checked
   int log_matched = 0;        // accounted requests found in the log
+  double quiet_max = 0;  // the longest the program owed progress without any
+};
+
+// What the program does in a room beside flooders, as the flood bound
+// needs it.
+struct FloodRoom {
+  double latency_seconds = 0.05;  // the client's latency
+  int flooders = 0;               // people flooding beside the asker
+  bool replies_by_mail = false;   // replies by mail, or said in the room
+  int sent_restart = 0;  // the sent-mail check after so many mails (< 2: never)
+  int bot_scroll = Settings{}.BotScroll;  // seconds between advertisements
 };
 
 // The longest a request of someone who does not flood may wait for its
-// mail to reach the client, in a room with this client latency, with
-// `flooders` people flooding, replies by mail or by chat, and the sent-mail
-// check after every `sent_restart` mails (0: never).
-double FloodBound(double latency_seconds, int flooders, bool replies_by_mail,
-                  int sent_restart);
+// mail to reach the client, serving `pace` times slower than the
+// simulator (1: its own pace).
+double FloodBound(const FloodRoom& room, double pace = 1);
 // The longest one forward of a mail takes at this client latency, in the
 // simulator's pace.
 double ForwardSeconds(double latency_seconds);
+// The longest the sent-mail check and an advertisement take, the same way.
+double SentCheckSeconds(double latency_seconds);
+double AdvertisementSeconds(double latency_seconds);
+// How many sent-mail checks may come before the asker's forward, with one
+// group of each flooder ahead of it.
+int SentChecksAhead(int flooders, int sent_restart);
 
 // How much a run through the real windows may differ in timing from the
 // simulator's, where the checks below depend on it.
@@ -82,11 +98,13 @@ struct Allowances {
   // What a user's action did is written at its moment, or up to this many
   // seconds after it (the simulator does it in no time).
   double acted_within = 0;
-  // The flood bound is this many times FloodBound (the simulator's pace
-  // of serving) at least; with `pace_from_run`, as many times as the run's
-  // forwards of mails took longer on average than ForwardSeconds (a
-  // loaded machine slows every call into the client alike): the bound
-  // then counts the forwards ahead, at the pace this client was served.
+  // The flood bound (FloodBound, the simulator's pace of serving) and the
+  // longest the program may go without doing anything while it owes
+  // progress are this many times the simulator's at least; with
+  // `pace_from_run`, as many times as the run's forwards of mails took
+  // longer on average than ForwardSeconds (a loaded machine slows every
+  // call into the client alike): the flood bound then counts the forwards
+  // ahead at the pace this client was served.
   double serving_pace = 1;
   bool pace_from_run = false;
 };

@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
                early_requests = 0, restored_lines = 0, log_lines = 0,
                log_matched = 0;
   double flood_wait_max = 0;
+  std::pair<double, std::uint64_t> quiet_max{0, 0};  // seconds, seed
   std::map<std::string, int> faults, endings;
   // The client's faults, drawn into the rooms rather than logged as they
   // strike: rooms that lose clicks, sign-offs, full mailboxes, dead mails
@@ -149,6 +150,7 @@ int main(int argc, char** argv) {
     banned += fig.banned;
     flood_asks += fig.flood_asks;
     flood_wait_max = std::max(flood_wait_max, fig.flood_wait_max);
+    if (fig.quiet_max > quiet_max.first) quiet_max = {fig.quiet_max, seed};
     early_requests += fig.early_requests;
     restored_lines += fig.restored_lines;
     log_lines += fig.log_lines, log_matched += fig.log_matched;
@@ -202,6 +204,9 @@ int main(int argc, char** argv) {
             << flood_wait_max << " s; " << early_requests
             << " requests said during a start; " << restored_lines
             << " lines restored from damaged files";
+  std::cout << "\n  serving: the longest the program owed progress without "
+               "any "
+            << quiet_max.first << " s (seed " << quiet_max.second << ")";
   std::cout << "\n  log: " << log_lines << " lines read, " << log_matched
             << " deliveries, bans and other endings found in it as accounted";
   std::cout << "\n  faults injected: " << injected;
