@@ -21,6 +21,9 @@ constexpr std::size_t kPathBuffer = 720;
 // The frame gets another WM_CLOSE after this many pauses of 0.4 s.
 constexpr int kCloseRounds = 100;
 constexpr float kCloseWait = 0.4f;
+// Seconds without a client frame after which the client's programs are
+// run again while a restart waits for its sign-on window.
+constexpr double kStartAgainSeconds = 60;
 constexpr std::array<const char*, 3> kSignOnSteps = {
     "step 1: ", "step 2: ", "step 3: "};
 
@@ -75,18 +78,31 @@ void CloseClient(const SessionContext& s) {
 
 void StartClient(const SessionContext& s) {
   SetStatus(s, "status: loading aol");
+  WindowApi& api = s.client.api;
   const std::string folder = GetAOLPath(s.machine, s.profiles);
   // Both programs are tried: whichever the member has installed.
-  if (s.machine.FileExists(folder + "\\AOL.exe"))
-    RunProgram(s, folder + "\\AOL.exe");
-  if (s.machine.FileExists(folder + "\\WAOL.exe"))
-    RunProgram(s, folder + "\\WAOL.exe");
-  // Without either program nothing comes, and the status says so.
-  WindowApi& api = s.client.api;
-  WaitUntil(s.client.host, [&] {
-    return FindDocument(api, kSignOnCaption) != 0 ||
-           FindDocument(api, kGoodbyeCaption) != 0;
-  });
+  auto run = [&] {
+    if (s.machine.FileExists(folder + "\\AOL.exe"))
+      RunProgram(s, folder + "\\AOL.exe");
+    if (s.machine.FileExists(folder + "\\WAOL.exe"))
+      RunProgram(s, folder + "\\WAOL.exe");
+  };
+  run();
+  // Without either program nothing comes, and the status says so. A
+  // client that died while it started shows nothing either: while no
+  // frame is up, the programs are run again now and then (a client that
+  // is still starting takes no second copy).
+  WaitUntil(s.client.host,
+            [&] {
+              return FindDocument(api, kSignOnCaption) != 0 ||
+                     FindDocument(api, kGoodbyeCaption) != 0;
+            },
+            {.repeat =
+                 [&] {
+                   if (FindFrame(api) == 0) run();
+                 },
+             .pace = kStartAgainSeconds,
+             .pace_max = kStartAgainSeconds});
 }
 
 void SignOn(const SessionContext& s) {

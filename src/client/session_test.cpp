@@ -223,6 +223,34 @@ TEST_F(SessionTest, AClientLostDuringTheSignOnIsSignedOnAgain) {
   }
 }
 
+TEST_F(SessionTest, AClientThatDiesWhileItStartsIsStartedAgain) {
+  // It dies before it shows a window: the restart runs its program again
+  // after a minute with no frame, and not before (a client still starting
+  // takes its time).
+  InstallClient();
+  Launch();
+  sim.SignOff();
+  double struck_at = -1, started_again_at = -1;
+  std::function<void()> strike = [&] {
+    if (status.text() == "status: loading aol" && struck_at < 0) {
+      struck_at = host.Clock();
+      sim.Crash();
+    }
+    if (struck_at >= 0 && Events("starts") == 2) {
+      started_again_at = host.Clock();
+      return;
+    }
+    host.Schedule(0.01, strike);
+  };
+  host.Schedule(0.01, strike);
+  AOLRestart(Session());
+  EXPECT_TRUE(sim.signed_on());
+  EXPECT_EQ(sim.current_room(), "Lobby");
+  EXPECT_EQ(Events("starts"), 2);
+  EXPECT_GE(started_again_at - struck_at, 60);
+  EXPECT_LT(started_again_at - struck_at, 61);
+}
+
 TEST_F(SessionTest, AClientSignedOffAsTheBustEndsEndsTheRestart) {
   // The client signs off the moment the bust has brought it back into the
   // room: the restart ends there, signed off, and the next one brings it
