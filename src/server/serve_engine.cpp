@@ -68,6 +68,11 @@ void ServeEngine::cmdStart_Click() {
   // A second click while the start is still talking to the client would
   // start the server twice over.
   if (starting_) return;
+  // Nor may a start run inside a restart of the client (a stop pressed
+  // during it leaves the server off): it would wait to read the mailbox of
+  // a client the restart has yet to sign on, and the restart would never
+  // go on.
+  if (restarting_) return;
   if (!FindFrame(c_.api)) {
     ctx_.prompter.MsgBox(kNoClientText, kNoClientTitle);
     return;
@@ -289,7 +294,9 @@ void ServeEngine::RestartClient(const std::string& why) {
   // The second clock's error sweep must not click into the client while
   // it restarts.
   ctx_.Timer2->SetEnabled(false);
+  restarting_ = true;
   if (aol_restart) aol_restart();
+  restarting_ = false;
   ctx_.counters.AOLCount = 0;
   Announce({"quorvex restarted <B><U>aol</B></U>"});
   if (ctx_.ended) return;

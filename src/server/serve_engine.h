@@ -132,6 +132,7 @@ class ServeEngine {
   ServeJobs jobs_;
   std::string user_sn_;
   bool starting_ = false;
+  bool restarting_ = false;
 };
 
 }  // namespace quorvex

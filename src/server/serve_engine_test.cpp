@@ -144,6 +144,29 @@ TEST_F(ServeEngineTest, AStartDuringTheFarewellKeepsServing) {
   EXPECT_GT(log.size(), before);  // the jobs of later ticks
 }
 
+TEST_F(ServeEngineTest, AStartPressedWhileTheClientRestartsIsIgnored) {
+  // Stopped and started again while the restart drives the client: the
+  // stop holds, the start does nothing until the restart is over.
+  int starts_inside = 0;
+  engine.aol_restart = [&] {
+    engine.cmdStart_Click();
+    const size_t said = Said().size();
+    engine.cmdStart_Click();
+    starts_inside += Said().size() > said || frm.serving.ServerOn;
+  };
+  StartServing();
+  sim.SignOff();
+  Tick();
+  EXPECT_EQ(starts_inside, 0);
+  EXPECT_FALSE(frm.serving.ServerOn);
+  EXPECT_EQ(frm.controls.cmdStart.caption(), "&start");
+  // Once it is over, a start starts.
+  Run(5);
+  sim.Launch();
+  engine.cmdStart_Click();
+  EXPECT_TRUE(frm.serving.ServerOn);
+}
+
 TEST_F(ServeEngineTest, AResumeDuringThePauseKeepsServing) {
   StartServing();
   engine.cmdPause_Click();  // the next tick pauses
