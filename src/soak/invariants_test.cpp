@@ -1,4 +1,4 @@
-#include "invariants.h"
+#include "soak/invariants.h"
 
 #include <gtest/gtest.h>
 

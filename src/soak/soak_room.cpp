@@ -1,4 +1,4 @@
-#include "soak_room.h"
+#include "soak/soak_room.h"
 
 #include <algorithm>
 #include <cctype>

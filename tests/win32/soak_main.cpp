@@ -24,10 +24,10 @@
 #include <vector>
 
 #include "binding_run.h"
-#include "invariants.h"
 #include "scenario/runner.h"
 #include "scenario/scenario.h"
-#include "soak_room.h"
+#include "soak/invariants.h"
+#include "soak/soak_room.h"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include <sstream>
 
 #include "app/job_log.h"
-#include "invariants.h"
 #include "ports/virtual_host.h"
 #include "scenario/runner.h"
 #include "scenario/scenario.h"
-#include "soak_room.h"
+#include "soak/invariants.h"
+#include "soak/soak_room.h"
 
 namespace {
 
