@@ -18,23 +18,12 @@ using Lines = std::vector<std::string>;
 
 class ErrorSweepTest : public ServerTest {
  protected:
-  // `mails` mails, the mailbox read, Timer2 sweeping.
-  void Launch(int mails) {
-    AddMails(mails);
-    sim.Launch();
-    LoadMailbox(c, frm.lists.lstMails, true, frm.controls.status);
-    frm.serving.Timer2 =
-        host.CreateTimer([this] { ForwardErrorSweep(MailJobs(), c, scratch); });
-    frm.serving.Timer2->SetInterval(1000);
-    frm.serving.Timer2->SetEnabled(true);
-  }
+  void Launch(int mails) { LaunchSweeping(mails); }
   void Queue(std::initializer_list<const char*> lines) {
     for (const char* line : lines) frm.lists.pending.Append(line);
     frm.lists.pending.RefreshLabel(frm.counts.lblPending);
   }
   Lines Pending() const { return frm.lstPending().Items(); }
-
-  ForwardUnderWay scratch;
 };
 
 // The name of the line is what comes before the dash, however short; the
@@ -44,7 +33,7 @@ TEST_F(ErrorSweepTest, ADashRightAfterAOneLetterNameTellsAFullMailbox) {
   sim.SetErrorLine("q", "q-Mailbox is full");
   Launch(8);
   Queue({"q-5", "amy-5", "q-6", "q-7", "q~cats"});
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
 
   EXPECT_EQ(Pending(), (Lines{"q-7", "q~cats"}));
   EXPECT_EQ(frm.lists.ReplyQueue.Items(), Lines{"q-mailbox"});
@@ -58,7 +47,7 @@ TEST_F(ErrorSweepTest, AnErrorTextOpeningWithADashTellsNoFullMailbox) {
   sim.SetErrorLine("bob", "- 1 -\r\nbob - Mailbox is full");
   Launch(8);
   Queue({"bob-5", "amy-5", "bob-6"});
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
 
   EXPECT_EQ(Pending(), Lines{"bob-6"});
   EXPECT_TRUE(frm.lists.ReplyQueue.Items().empty());

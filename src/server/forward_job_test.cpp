@@ -25,19 +25,10 @@ using Lines = std::vector<std::string>;
 
 class ForwardJobTest : public ServerTest {
  protected:
-  // `mails` mails "mail 1"..., the mailbox read, Timer2 sweeping.
   void Launch(int mails) {
-    AddMails(mails);
-    sim.Launch();
-    LoadMailbox(c, frm.lists.lstMails, true, frm.controls.status);
-    frm.serving.Timer2 =
-        host.CreateTimer([this] { ForwardErrorSweep(MailJobs(), c, scratch); });
-    frm.serving.Timer2->SetInterval(1000);
-    frm.serving.Timer2->SetEnabled(true);
+    LaunchSweeping(mails);
     statuses.clear();
   }
-
-  ForwardUnderWay scratch;
 
   void Queue(std::initializer_list<const char*> lines) {
     for (const char* line : lines) frm.lists.pending.Append(line);
@@ -61,7 +52,7 @@ TEST_F(ForwardJobTest, OneForwardServesEveryoneWhoAskedForTheMail) {
   frm.forms.frmMessages.mail_text().text = "enjoy";
   Launch(8);
   Queue({"bob-5", "amy-3", "joe smith-5"});
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
 
   ASSERT_EQ(seen.mails.size(), 1u);
   EXPECT_EQ(seen.mails[0].to, "(bob)(joe smith)");
@@ -86,7 +77,7 @@ TEST_F(ForwardJobTest, AMailWindowWhoseIconsComeLaterIsForwardedAtOnce) {
   ControlsLater late(sim, host);
   const ClientContext lc{late, host, frm.settings, nullptr};
   const double began = host.Elapsed();
-  RunMailJob(MailJobs(), lc, scratch);
+  RunMailJob(MailJobs(), lc, under_way);
   EXPECT_EQ(Forwarded("bob"), Lines{"mail 2"});
   EXPECT_LT(host.Elapsed() - began, kAskAgainSeconds);
 }
@@ -96,7 +87,7 @@ TEST_F(ForwardJobTest, AMailWindowWhoseIconsComeLaterIsForwardedAtOnce) {
 TEST_F(ForwardJobTest, ANumberIsServedAsTheMailItRoundsTo) {
   Launch(8);
   Queue({"bob-0.4", "dan-1", "ann-2.5", "cal-8.4", "amy-8.6"});
-  for (int i = 0; i < 5; ++i) RunMailJob(MailJobs(), c, scratch);
+  for (int i = 0; i < 5; ++i) RunMailJob(MailJobs(), c, under_way);
   EXPECT_EQ(Forwarded("dan"), Lines{"mail 1"});
   EXPECT_EQ(Forwarded("ann"), Lines{"mail 2"});
   EXPECT_EQ(Forwarded("cal"), Lines{"mail 8"});
@@ -116,7 +107,7 @@ TEST_F(ForwardJobTest, AMailWhoseWindowNeverComesIsGivenUpAsDead) {
     frm.lists.lstMails.Add(title);
   Queue({"ann-2"});
   const double start = host.Elapsed();
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
   EXPECT_GE(host.Elapsed() - start, 60);
   EXPECT_LT(host.Elapsed() - start, 70);
   EXPECT_EQ(Said().back(), DeadMailLine("ann", "2"));
@@ -145,14 +136,14 @@ TEST_F(ForwardJobTest, ADeadMailIsAnnouncedCachedAndItsOtherRequestsDropped) {
     Queue({"bob-4", "amy-2", "ann-4"});
     // Requests that come in while the mail is being forwarded.
     host.Schedule(0.1, [this] { Queue({"zed-4", "amy~4", "lee-4"}); });
-    RunMailJob(MailJobs(), c, scratch);
+    RunMailJob(MailJobs(), c, under_way);
 
     EXPECT_EQ(Said(), (Lines{"bob mail <U>4</U> is a dead mail",
                              "zed mail <U>4</U> is a dead mail",
                              "lee mail <U>4</U> is a dead mail"}));
     EXPECT_EQ(frm.lists.dead_mails, Lines{"4"});
     EXPECT_EQ(Pending(), (Lines{"amy-2", "amy~4"}));
-    EXPECT_FALSE(scratch.error());
+    EXPECT_FALSE(under_way.error());
     EXPECT_EQ(FindForwardWindow(sim), 0u);
   }
 }
@@ -167,7 +158,7 @@ TEST_F(ForwardJobTest, ADeadMailsWalkEndsThoughPeopleKeepAskingForIt) {
     if (host.Elapsed() < 120) host.Schedule(0.25, ask);
   };
   host.Schedule(0.25, ask);
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
   // The step ends after telling those queued when the walk began; pat's
   // later request waits for the next tick.
   EXPECT_LT(host.Elapsed(), 60);
@@ -179,7 +170,7 @@ TEST_F(ForwardJobTest, FullMailboxesAreDroppedAndToldWhileOthersGetTheMail) {
   sim.SetFullMailbox("bob");
   Launch(8);
   Queue({"bob-5", "amy-5", "bob-6", "bob-7", "bob~cats", "amy-8"});
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
 
   EXPECT_EQ(Forwarded("amy"), Lines{"mail 5"});
   EXPECT_TRUE(Forwarded("bob").empty());
@@ -194,11 +185,11 @@ TEST_F(ForwardJobTest, SigningOffEndsTheStepAndLosesTheGroup) {
   Launch(8);
   Queue({"bob-5", "amy-5", "joe-6"});
   sim.SignOffAfter(0.01);
-  RunMailJob(MailJobs(), c, scratch);
+  RunMailJob(MailJobs(), c, under_way);
   EXPECT_TRUE(Said().empty());
   EXPECT_EQ(Pending(), Lines{"joe-6"});
   EXPECT_EQ(frm.counts.counters.session, 2);  // taken is counted, sent or not
-  RunMailJob(MailJobs(), c, scratch);         // already signed off
+  RunMailJob(MailJobs(), c, under_way);       // already signed off
   EXPECT_TRUE(Pending().empty());
   EXPECT_TRUE(seen.mails.empty());
 }
@@ -219,7 +210,7 @@ TEST_F(ForwardJobTest, TheSecondClockAnswersAFullMailboxOutsideAForward) {
   EXPECT_EQ(Pending(), (Lines{"bob~x", "amy-2"}));
   EXPECT_EQ(frm.lists.ReplyQueue.Items(), Lines{"bob-mailbox"});
   EXPECT_EQ(statuses, Lines{"status: pausing 2 secs"});
-  EXPECT_FALSE(scratch.in_sweep());
+  EXPECT_FALSE(under_way.in_sweep());
 }
 
 class ListsFindsTest : public ForwardJobTest {
@@ -300,7 +291,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   LaunchWithLists(5, 2);
   frm.serving.ListSeconds = 31;
   Queue({"bob-list", "amy-3", "amy-list"});
-  RunListJob(MailJobs(), c, scratch);
+  RunListJob(MailJobs(), c, under_way);
 
   EXPECT_EQ(Forwarded("amy"),
             (Lines{" quorvex list number 1 ", " quorvex list number 2 "}));
@@ -317,7 +308,7 @@ TEST_F(ListsFindsTest, ListsGoToEveryoneWaitingWithANoteAfterEach) {
   EXPECT_EQ(statuses.front(), "status: opening list");
 
   // Nobody waiting: nothing is sent or said.
-  RunListJob(MailJobs(), c, scratch);
+  RunListJob(MailJobs(), c, under_way);
   EXPECT_EQ(seen.mails.size(), 2u);
   EXPECT_EQ(Said().size(), 2u);
 }
@@ -328,7 +319,7 @@ TEST_F(ListsFindsTest, WithoutNotesTheRoomHearsTheStartAndTheEnd) {
   frm.settings.ListNotify = false;
   LaunchWithLists(5, 2);
   Queue({"bob-list"});
-  RunListJob(MailJobs(), c, scratch);
+  RunListJob(MailJobs(), c, under_way);
   EXPECT_EQ(Forwarded("bob").size(), 2u);
   EXPECT_EQ(Said(), (Lines{"lists <U>1-2</U> are being processed",
                            "lists <U>1-2</U> were sent"}));

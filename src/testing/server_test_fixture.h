@@ -14,9 +14,11 @@
 
 #include "app/frm_main.h"
 #include "client/client_context.h"
+#include "client/mailbox.h"
 #include "ports/memory_registry.h"
 #include "ports/scripted_prompter.h"
 #include "ports/virtual_host.h"
+#include "server/error_sweep.h"
 #include "sim/folder_machine.h"
 #include "sim/ini_profile_file.h"
 #include "sim/sim_client.h"
@@ -48,6 +50,18 @@ class ServerTest : public ::testing::Test {
     for (int i = 1; i <= n; ++i) sim.AddMail("mail " + std::to_string(i));
   }
   void Run(double seconds) { host.RunUntil(host.Elapsed() + seconds); }
+
+  // `mails` mails "mail 1"..., the client up, its mailbox read, and Timer2
+  // sweeping the forward errors every second, as serving has it.
+  void LaunchSweeping(int mails) {
+    AddMails(mails);
+    sim.Launch();
+    LoadMailbox(c, frm.lists.lstMails, true, frm.controls.status);
+    frm.serving.Timer2 = host.CreateTimer(
+        [this] { ForwardErrorSweep(MailJobs(), c, under_way); });
+    frm.serving.Timer2->SetInterval(1000);
+    frm.serving.Timer2->SetEnabled(true);
+  }
 
   MailJobContext MailJobs() { return MakeMailJobContext(frm); }
   ReplyContext Replies() { return MakeReplyContext(frm); }
@@ -88,6 +102,7 @@ class ServerTest : public ::testing::Test {
   FrmMain frm{Ports{host, sim, registry, profiles, prompter, machine, 1}};
   ClientContext c{sim, host, frm.settings, nullptr};
   std::vector<std::string> statuses;  // the status strip's texts, in order
+  ForwardUnderWay under_way;          // the forward the sweep looks at
 };
 
 }  // namespace quorvex
