@@ -119,13 +119,8 @@ TEST_F(MailboxTest, DeletingStopsWhenSignedOff) {
     Run(1);
   }
   // Signed off while the count settles, once the mailbox is there.
-  std::function<void()> watch = [&] {
-    if (FindTabbedMailbox(sim))
-      sim.SignOffAfter(1.5);
-    else
-      host.Schedule(0.01, watch);
-  };
-  host.Schedule(0, watch);
+  When([&] { return FindTabbedMailbox(sim) != 0; },
+       [&] { sim.SignOffAfter(1.5); }, 0.01);
   DeleteSentMail(c);
   EXPECT_FALSE(IsSignedOn(api));
   EXPECT_EQ(sim.SentCount(), 3);

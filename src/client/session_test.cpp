@@ -203,18 +203,16 @@ TEST_F(SessionTest, AClientLostDuringTheSignOnIsSignedOnAgain) {
     Launch();
     sim.SignOff();
     bool struck = false;
-    std::function<void()> strike = [&] {
-      if (struck) return;
-      if (status.text() == "status: signing online" &&
-          (crash ? sim.FindWindowA("_AOL_Modal", "Sign On") != 0
-                 : sim.signed_on())) {
-        struck = true;
-        crash ? sim.Crash() : sim.SignOff();
-        return;
-      }
-      host.Schedule(0.05, strike);
-    };
-    host.Schedule(0.05, strike);
+    When(
+        [&] {
+          return status.text() == "status: signing online" &&
+                 (crash ? sim.FindWindowA("_AOL_Modal", "Sign On") != 0
+                        : sim.signed_on());
+        },
+        [&] {
+          struck = true;
+          crash ? sim.Crash() : sim.SignOff();
+        });
     AOLRestart(Session());
     EXPECT_TRUE(struck);
     EXPECT_TRUE(sim.signed_on());
@@ -231,18 +229,14 @@ TEST_F(SessionTest, AClientThatDiesWhileItStartsIsStartedAgain) {
   Launch();
   sim.SignOff();
   double struck_at = -1, started_again_at = -1;
-  std::function<void()> strike = [&] {
-    if (status.text() == "status: loading aol" && struck_at < 0) {
-      struck_at = host.Clock();
-      sim.Crash();
-    }
-    if (struck_at >= 0 && Events("starts") == 2) {
-      started_again_at = host.Clock();
-      return;
-    }
-    host.Schedule(0.01, strike);
-  };
-  host.Schedule(0.01, strike);
+  When([&] { return status.text() == "status: loading aol"; },
+       [&] {
+         struck_at = host.Clock();
+         sim.Crash();
+         When([&] { return Events("starts") == 2; },
+              [&] { started_again_at = host.Clock(); }, 0.01);
+       },
+       0.01);
   AOLRestart(Session());
   EXPECT_TRUE(sim.signed_on());
   EXPECT_EQ(sim.current_room(), "Lobby");
@@ -259,16 +253,16 @@ TEST_F(SessionTest, AClientSignedOffAsTheBustEndsEndsTheRestart) {
   Launch();
   sim.SignOff();
   bool struck = false;
-  std::function<void()> strike = [&] {
-    if (status.text() == "status: busting chatroom" &&
-        buster.cmdStart.caption() == "&start" &&
-        sim.current_room() == "Lobby" && !struck) {
-      struck = true;
-      sim.SignOff();
-    }
-    if (!struck) host.Schedule(0.05, strike);
-  };
-  host.Schedule(0.05, strike);
+  When(
+      [&] {
+        return status.text() == "status: busting chatroom" &&
+               buster.cmdStart.caption() == "&start" &&
+               sim.current_room() == "Lobby";
+      },
+      [&] {
+        struck = true;
+        sim.SignOff();
+      });
   AOLRestart(Session());
   ASSERT_TRUE(struck);
   EXPECT_FALSE(sim.signed_on());

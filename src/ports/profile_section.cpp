@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "model/text_util.h"
+#include "model/utf8.h"
 
 namespace quorvex {
 
@@ -27,15 +28,7 @@ std::int64_t IndexOf(std::string_view key, std::string_view prefix) {
 }  // namespace
 
 std::string CutProfileValue(std::string value) {
-  std::size_t chars = 0;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    // A character starts at every byte that does not continue one.
-    if ((static_cast<unsigned char>(value[i]) & 0xC0) == 0x80) continue;
-    if (++chars > kProfileValueChars) {
-      value.resize(i);
-      break;
-    }
-  }
+  value.resize(Utf8Offset(value, kProfileValueChars));
   return value;
 }
 

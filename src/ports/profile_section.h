@@ -22,8 +22,8 @@ namespace quorvex {
 // finds, a room's name, a path); a damaged file's 100 KB value does.
 inline constexpr std::size_t kProfileValueChars = 1023;
 
-// `value` cut after kProfileValueChars characters (UTF-8 sequences are
-// kept whole).
+// `value` cut after kProfileValueChars characters, counted as a window
+// counts them (model/utf8.h: a sequence is kept whole, a stray byte is one).
 std::string CutProfileValue(std::string value);
 
 class ProfileSection {

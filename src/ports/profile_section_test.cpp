@@ -23,6 +23,10 @@ TEST(ProfileSectionTest, ValuesAreCutWhereTheBufferEnds) {
             accents.substr(0, 2 * kProfileValueChars));
   EXPECT_EQ(CutProfileValue(fits.substr(1) + "\xC3\xA9" + "x"),
             fits.substr(1) + "\xC3\xA9");
+  // A byte that is no character of its own counts as one, as a window
+  // shows it: a damaged value of stray bytes is cut too.
+  EXPECT_EQ(CutProfileValue(std::string(5000, '\xA6')).size(),
+            kProfileValueChars);
 }
 
 TEST(ProfileSectionTest, ReadsOneSectionIgnoringCase) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/text_util.h"
+#include "model/utf8.h"
 #include "settings/inserts.h"
 #include "settings/menu_tree.h"
 
@@ -49,12 +50,10 @@ bool txtAdd_KeyPress(MessageControls& form, int Index, int KeyAscii) {
   if (KeyAscii == kKeyEnter) {
     InsertAtCaret(form, Index, "\r\n");
   } else if (KeyAscii == kKeyBackspace) {
-    // Back over a whole UTF-8 character.
-    std::size_t start = caret;
-    while (start > 0 &&
-           (static_cast<unsigned char>(box.text[start - 1]) & 0xC0) == 0x80)
-      --start;
-    if (start > 0) --start;
+    // Back over one character as the box shows it.
+    const std::string_view head(box.text.data(), caret);
+    const std::size_t chars = Utf8Characters(head);
+    const std::size_t start = chars == 0 ? 0 : Utf8Offset(head, chars - 1);
     std::string text = box.text;
     text.erase(start, caret - start);
     caret = start;

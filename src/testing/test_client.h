@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -63,6 +65,19 @@ class ClientTest : public ::testing::Test, public SimObserver {
     WaitUntil(host, [&] { return FindComposeWindow(api) != 0; });
     return FindComposeWindow(api);
   }
+  // Looks every `every` virtual seconds until `met` holds, then does
+  // `act` once: a fault struck at a chosen moment of a running step.
+  void When(std::function<bool()> met, std::function<void()> act,
+            double every = 0.05) {
+    auto look = std::make_shared<std::function<void()>>();
+    *look = [this, met = std::move(met), act = std::move(act), every,
+             look = std::weak_ptr(look)] {
+      if (met()) return act();
+      if (auto again = look.lock()) host.Schedule(every, *again);
+    };
+    host.Schedule(every, *look);
+    lookouts.push_back(look);
+  }
   // Messages of one kind sent or posted so far.
   int Count(unsigned msg) const {
     int n = 0;
@@ -90,6 +105,7 @@ class ClientTest : public ::testing::Test, public SimObserver {
   ClientContext c{api, host, settings, nullptr};
   std::vector<MailSeen> mails;
   std::vector<std::string> ims, chats;
+  std::vector<std::shared_ptr<std::function<void()>>> lookouts;
 };
 
 }  // namespace quorvex
