@@ -191,13 +191,18 @@ TEST_F(InvariantsTest, RequestsEndedTheWaysTheProgramKnowsAreExcused) {
     // Taken, and the client went before it took the mail: the forward
     // ends there and the group is lost.
     Take(9, 10.5, "gil-1");
+    // Taken, and a start read the mailbox again a minute later: it cleared
+    // the forward's windows away.
+    Take(6, 20, "dan-1");
+    Titles(80, 0);
     Handed(10, "(eve)", 1);
     Handed(9.5, "(fay)", 1);
     EXPECT_EQ(Who(Check({})), (Lines{"ann-2", "fay-1"}));
     EXPECT_EQ(figures.in_flight, 1);
-    EXPECT_EQ(figures.excused, 6);
+    EXPECT_EQ(figures.excused, 7);
     const std::map<std::string, int> endings = {
         {"cleared or removed by the user", 1},
+        {"cut short by a start", 1},
         {"dead mail", 1},
         {"full mailbox", 1},
         {"in flight at a stop", 1},
@@ -349,7 +354,8 @@ TEST_F(InvariantsTest, TheTotalShownIsTheTotalStored) {
 }
 
 TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
-  // Serving from 1 s; two flooders talk all along; the asker asks at 10.
+  // Two flooders talk all along; the asker asks at 10, the moment the
+  // serving begins.
   const double bound = FloodBound({.latency_seconds = 0.05, .flooders = 2});
   for (int t = 5; t < 200; ++t)
     for (const char* f : {"flooder1", "flooder2"})
@@ -358,7 +364,7 @@ TEST_F(InvariantsTest, SomeoneBesideFloodersGetsTheMailWithinTheBound) {
     Add(asked, "asker-2");
     if (handed > 0) Handed(handed, "(asker)", 2);
   };
-  Serving(1);
+  Serving(10);
   asker(10, 10 + bound);           // at the bound
   asker(100, 100 + bound + 0.01);  // late
   asker(200, 0);                   // never
