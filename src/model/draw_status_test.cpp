@@ -21,11 +21,7 @@ TEST(DrawStatusTest, ColoursReadLeniently) {
   EXPECT_EQ(HexDigit('9'), 9);
   EXPECT_EQ(HexDigit('A'), 10);
   EXPECT_EQ(HexDigit('F'), 15);
-  EXPECT_EQ(HexDigit('/'), 0);
-  EXPECT_EQ(HexDigit(':'), 0);
-  EXPECT_EQ(HexDigit('@'), 0);
-  EXPECT_EQ(HexDigit('G'), 0);
-  EXPECT_EQ(HexDigit('a'), 0);
+  for (char c : {'/', ':', '@', 'G', 'a'}) EXPECT_EQ(HexDigit(c), 0) << c;
 }
 
 TEST(DrawStatusTest, BandIsDarkAtTheEdgesAndBaseInTheMiddle) {
