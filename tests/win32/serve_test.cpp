@@ -17,6 +17,7 @@
 #include "ports/ports.h"
 #include "ports/scripted_prompter.h"
 #include "settings/settings.h"
+#include "standin_checks.h"
 #include "standin_process.h"
 #include "win32/win32_host.h"
 #include "win32/win32_machine.h"
@@ -75,12 +76,6 @@ class ServeTest : public testing::Test {
   }
   ~ServeTest() override { registry.DeleteApp(kApp); }
 
-  nlohmann::json MailboxOf(const nlohmann::json& state,
-                           const std::string& name) {
-    return state["mailboxes"].contains(name) ? state["mailboxes"][name]
-                                             : nlohmann::json::array();
-  }
-
   // Serves, yielding to the message loop, until `done` holds for the
   // stand-in's state (looked at twice a second) or `seconds` pass.
   bool ServeUntil(const std::function<bool(const nlohmann::json&)>& done,
@@ -113,12 +108,7 @@ TEST_F(ServeTest, PeopleReceiveAMailTheListAndFindResults) {
   ASSERT_TRUE(standin.running());
   // Nothing may restart this machine.
   machine.SetExitWindows([](unsigned) { return false; });
-  // A list made earlier stands in the mailbox: the start finds it and
-  // asks nothing (making one writes a mail to the user, which the
-  // stand-in client does not finish yet).
-  standin.Command(
-      "mail  \xC2\xB7\xE2\x80\xA2[ quorvex list number 1 ]"
-      "\xE2\x80\xA2\xC2\xB7");
+  standin.Command(test::kEarlierListMail);
   std::vector<std::string> prompts;
   prompter.SetObserver(
       [&prompts](const PromptRecord& r) { prompts.push_back(r.prompt); });
@@ -161,10 +151,12 @@ TEST_F(ServeTest, PeopleReceiveAMailTheListAndFindResults) {
     standin.Command("say Bob|/srv send list");
     standin.Command("say Cal|/srv find mail");
     served = ServeUntil(
-        [this](const nlohmann::json& s) {
-          return HasForwardOf(MailboxOf(s, "Ann"), "mail 2") &&
-                 HasSubjectContaining(MailboxOf(s, "Bob"), "list number 1") &&
-                 HasSubjectContaining(MailboxOf(s, "Cal"), "find results");
+        [](const nlohmann::json& s) {
+          return HasForwardOf(test::MailboxOf(s, "Ann"), "mail 2") &&
+                 HasSubjectContaining(test::MailboxOf(s, "Bob"),
+                                      "list number 1") &&
+                 HasSubjectContaining(test::MailboxOf(s, "Cal"),
+                                      "find results");
         },
         90);
     const double cpu = ProcessCpuSeconds(self) - cpu0;
@@ -179,19 +171,12 @@ TEST_F(ServeTest, PeopleReceiveAMailTheListAndFindResults) {
   EXPECT_TRUE(served) << last_state.dump(1);
   EXPECT_TRUE(prompts.empty()) << prompts.front();
   // Only what each asked for, nothing to the others of it.
-  EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Bob"), "mail 2"));
-  EXPECT_FALSE(HasForwardOf(MailboxOf(last_state, "Cal"), "mail 2"));
-  // The room heard the program come on and how to ask, as the user.
-  bool on = false, how = false;
-  for (const auto& line : last_state["heard"]) {
-    const std::string text = line;
-    if (text.rfind("Host:\t", 0) != 0) continue;
-    on = on ||
-         text.find("quorvex mail server <B><U>on</B></U>") != std::string::npos;
-    how = how || text.find("type /<B>srv send <U>x") != std::string::npos;
-  }
-  EXPECT_TRUE(on) << last_state["heard"].dump(1);
-  EXPECT_TRUE(how) << last_state["heard"].dump(1);
+  EXPECT_FALSE(HasForwardOf(test::MailboxOf(last_state, "Bob"), "mail 2"));
+  EXPECT_FALSE(HasForwardOf(test::MailboxOf(last_state, "Cal"), "mail 2"));
+  // The room heard the program come on and how to ask.
+  EXPECT_EQ(test::Heard(last_state, "quorvex mail server <B><U>on</B></U>"), 1)
+      << last_state["heard"].dump(1);
+  EXPECT_GT(test::Heard(last_state, "type /<B>srv send <U>x"), 0);
 }
 
 }  // namespace
