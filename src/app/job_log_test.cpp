@@ -118,20 +118,22 @@ TEST_F(JobLogTest, ALineLongerThanTheLimitStandsAlone) {
   EXPECT_EQ(machine.FileLength(log.Path()), 30);
 }
 
-// A machine whose file writes fail, as on a full or read-only disk.
-class DiskFullMachine : public FolderMachine {
+// A disk that fills and is freed again: while `failing`, no file is
+// written or moved.
+class FlakyMachine : public FolderMachine {
  public:
   using FolderMachine::FolderMachine;
-  bool AppendToFile(std::string_view, std::string_view) override {
-    return false;
+  bool AppendToFile(std::string_view path, std::string_view text) override {
+    return !failing && FolderMachine::AppendToFile(path, text);
   }
-  bool MoveFileOver(std::string_view, std::string_view) override {
-    return false;
+  bool MoveFileOver(std::string_view from, std::string_view to) override {
+    return !failing && FolderMachine::MoveFileOver(from, to);
   }
+  bool failing = true;
 };
 
 TEST_F(JobLogTest, AFailedWriteIsCountedAndNothingElseHappens) {
-  DiskFullMachine full(root.path());
+  FlakyMachine full(root.path());
   JobLog log(full, host, 50);
   EXPECT_FALSE(log.Write({JobOutcome::kSent, "(bob)", "send 1"}));
   EXPECT_EQ(log.failures(), 1);
@@ -142,23 +144,12 @@ TEST_F(JobLogTest, AFailedWriteIsCountedAndNothingElseHappens) {
   EXPECT_EQ(log.failures(), 2);
 }
 
-// A disk that fills and is freed again.
-class FlakyMachine : public FolderMachine {
- public:
-  using FolderMachine::FolderMachine;
-  bool AppendToFile(std::string_view path, std::string_view text) override {
-    return !failing && FolderMachine::AppendToFile(path, text);
-  }
-  bool failing = false;
-};
-
 TEST_F(JobLogTest, TheFirstLineWrittenAgainSaysHowManyWereLost) {
   FlakyMachine flaky(root.path());
   JobLog log(flaky, host);
   std::vector<int> heard;
   const int id =
       log.Subscribe([&](const JobLog& l) { heard.push_back(l.failures()); });
-  flaky.failing = true;
   EXPECT_FALSE(log.Write({JobOutcome::kSent, "(bob)", "send 1"}));
   EXPECT_FALSE(log.Write({JobOutcome::kSent, "(amy)", "send 2"}));
   EXPECT_EQ(heard, (std::vector<int>{1, 2}));
@@ -189,7 +180,6 @@ TEST_F(JobLogTest, EventsOfOneMomentAreOneWriteKeptOrLostTogether) {
   const std::vector<JobEvent> cleared = {
       {JobOutcome::kRemovedByUser, "(bob)(amy)", "send 5"},
       {JobOutcome::kRemovedByUser, "(cy)", "send list"}};
-  flaky.failing = true;
   EXPECT_FALSE(log.Write(cleared));
   EXPECT_EQ(log.failures(), 2);  // each line lost is counted
   EXPECT_EQ(machine.FileLength(log.Path()), -1);

@@ -43,6 +43,11 @@ class ProgramTest : public ::testing::Test {
     main_ = WaitWindow(kMainClass, nullptr, 60, process_.dwProcessId);
     ASSERT_NE(main_, nullptr) << "the main window never showed";
   }
+  // The program in its simulated room, 20 times as fast as real time.
+  void LaunchSimulated() {
+    Launch(Program().wstring(),
+           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+  }
   // The program without --simulate, as a copy in the scratch folder (it
   // keeps its queue beside itself).
   void LaunchPlain() {
@@ -90,6 +95,36 @@ class ProgramTest : public ::testing::Test {
 
   HWND Control(int id) const { return GetDlgItem(main_, id); }
   std::string Caption(int id) const { return Text(Control(id)); }
+  // Whether the caption of the main window's control `id` comes to read
+  // `text` within `seconds`.
+  bool Becomes(int id, const std::string& text, double seconds = 20) const {
+    return WaitFor([&] { return Caption(id) == text; }, seconds);
+  }
+  // Picks the menu entry and waits for the window of `window_class` it
+  // opens.
+  testing::AssertionResult Open(const char* entry, const wchar_t* window_class,
+                                HWND* window) const {
+    PickMenu(main_, entry);
+    *window = WaitWindow(window_class, nullptr, 20);
+    if (*window) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << entry << " opened no window";
+  }
+  // Whether the window of `window_class` has gone within 20 s.
+  static bool Gone(const wchar_t* window_class) {
+    return WaitFor([window_class] { return !Showing(window_class); }, 20);
+  }
+  // Clicks the window's control `exit`; true once the window has gone.
+  static bool Closes(HWND window, int exit, const wchar_t* window_class) {
+    Click(GetDlgItem(window, exit));
+    return Gone(window_class);
+  }
+  // Whether a pop-up menu comes to show (or to go) within 10 s.
+  static bool MenuShowing(bool shown = true) {
+    return WaitFor([shown] { return Showing(L"#32768") == shown; }, 10);
+  }
+  static bool Focused(HWND window, HWND control) {
+    return WaitFor([&] { return Focus(window) == control; }, 10);
+  }
   // A counter agrees with the list it counts, read at one moment.
   bool Agrees(int label, int list) const {
     return Count(Caption(label)) == ListCount(Control(list));
@@ -137,16 +172,19 @@ class DesktopTest : public ProgramTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
-    // The program in its simulated room, 20 times as fast as real time.
-    Launch(Program().wstring(),
-           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+    LaunchSimulated();
     if (HasFatalFailure()) return;
     // The main window's load has run once it marks the program running.
-    ASSERT_TRUE(WaitFor(
-        [&] {
-          return RegistryFile().find("\"Load\": \"True\"") != std::string::npos;
-        },
-        30));
+    ASSERT_TRUE(Stored("Load", "True", 30));
+  }
+  // Whether the program comes to store `value` for `name` within
+  // `seconds`.
+  bool Stored(const std::string& name, const std::string& value,
+              double seconds = 20) const {
+    const std::string pair = "\"" + name + "\": \"" + value + "\"";
+    return WaitFor(
+        [&] { return RegistryFile().find(pair) != std::string::npos; },
+        seconds);
   }
 
   // The simulated registry as the program last wrote it. Opened so that
@@ -174,12 +212,9 @@ class DesktopTest : public ProgramTest {
 TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
   // At load: the title, the idle status and the counters' captions.
   EXPECT_EQ(Caption(kIdPicTitle), "quorvex mail server by kestrin");
-  EXPECT_TRUE(
-      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 10));
+  EXPECT_TRUE(Becomes(kIdPicStatus, "status: idle", 10));
   EXPECT_EQ(Caption(kIdLblSession), "session: 0");
   EXPECT_EQ(Caption(kIdLblSent), "sent: 0");
-  EXPECT_EQ(Caption(kIdCmdStart), "&start");
-  EXPECT_EQ(Caption(kIdCmdSettings), "&settings");
 
   Start();
   // Starting reads the mailbox into lstMails and counts it.
@@ -203,7 +238,6 @@ TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
   EXPECT_GT(most_pending, 0);
   EXPECT_TRUE(always_agreed);
   EXPECT_EQ(Caption(kIdCmdStart), "&stop");
-  EXPECT_EQ(Caption(kIdPicStatus).rfind("status: ", 0), 0u);
   // Someone with a full mailbox is warned, then banned (two mistakes).
   ASSERT_TRUE(
       WaitFor([&] { return ListCount(Control(kIdLstBanned)) > 0; }, 120));
@@ -212,15 +246,13 @@ TEST_F(DesktopTest, ServesTheRoomWhileItsCountersAndListsFollow) {
 
   // A left click on lstBanned removes the name.
   Click(Control(kIdLstBanned));
-  EXPECT_TRUE(
-      WaitFor([&] { return ListCount(Control(kIdLstBanned)) == 0; }, 10));
-  EXPECT_TRUE(
-      WaitFor([&] { return Caption(kIdLblBanned) == "banned: 0"; }, 10));
+  EXPECT_TRUE(Becomes(kIdLblBanned, "banned: 0", 10));
+  EXPECT_EQ(ListCount(Control(kIdLstBanned)), 0);
 
   // lblExit says goodbye and ends the program.
   Click(Control(kIdLblExit));
   EXPECT_TRUE(Ends(30));
-  EXPECT_NE(RegistryFile().find("\"Load\": \"False\""), std::string::npos);
+  EXPECT_TRUE(Stored("Load", "False", 0));
 }
 
 TEST_F(DesktopTest, SettingsChangeThroughTheirMenuAndInputBox) {
@@ -232,11 +264,7 @@ TEST_F(DesktopTest, SettingsChangeThroughTheirMenuAndInputBox) {
   EXPECT_EQ(Text(GetDlgItem(box, kIdInputText)), "100");
   SetText(GetDlgItem(box, kIdInputText), "40");
   PressDialogButton(box, IDOK);
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        return RegistryFile().find("\"BlockMax\": \"40\"") != std::string::npos;
-      },
-      20));
+  EXPECT_TRUE(Stored("BlockMax", "40"));
   // Cancel keeps nothing for a text setting: the handle stays "srv".
   PickMenu(main_, "mnuHandle");
   box = WaitDialog("handle", 20);
@@ -246,136 +274,14 @@ TEST_F(DesktopTest, SettingsChangeThroughTheirMenuAndInputBox) {
   PressDialogButton(box, IDCANCEL);
   // A preset item stores at once, with no box.
   PickMenu(main_, "mnuMSpeed(3)");
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        return RegistryFile().find("\"MailSpeed\": \"0.6899\"") !=
-               std::string::npos;
-      },
-      20));
-  EXPECT_NE(RegistryFile().find("\"Handle\": \"srv\""), std::string::npos);
+  EXPECT_TRUE(Stored("MailSpeed", "0.6899"));
+  EXPECT_TRUE(Stored("Handle", "srv", 0));
   // The contact info is a message titled as such.
   PickMenu(main_, "mnuContactInfo");
   box = WaitDialog("contact info", 20);
   ASSERT_NE(box, nullptr);
   EXPECT_NE(DialogPrompt(box).find("aol:"), std::string::npos);
   PressDialogButton(box, IDOK);
-}
-
-TEST_F(DesktopTest, SmallWindowsOpenShowTheirModelsAndClose) {
-  // Banning options: the room's stored options, saved again on close.
-  PickMenu(main_, "mnuBanOpts");
-  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
-  ASSERT_NE(banning, nullptr);
-  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMistakes)), "2");
-  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMails)), "12");
-  EXPECT_EQ(SendMessageW(GetDlgItem(banning, kIdChkFullBox), BM_GETCHECK, 0, 0),
-            BST_CHECKED);
-  Click(GetDlgItem(banning, kIdChkDupReqs));  // unchecks it
-  Click(GetDlgItem(banning, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kBanningClass); }, 20));
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        return RegistryFile().find("\"DupeRequests\": \"0\"") !=
-               std::string::npos;
-      },
-      20));
-
-  // Message editor: Return in the chat entry adds a line; exit closes.
-  PickMenu(main_, "mnuMessages");
-  HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
-  ASSERT_NE(messages, nullptr);
-  HWND chat = GetDlgItem(messages, kIdLstChat);
-  const int lines = ListCount(chat);
-  SetText(GetDlgItem(messages, kIdTxtAdd0), "a new line");
-  PressReturn(GetDlgItem(messages, kIdTxtAdd0));
-  EXPECT_TRUE(WaitFor([&] { return ListCount(chat) == lines + 1; }, 20));
-  EXPECT_EQ(ListItem(chat, lines), "a new line");
-  EXPECT_TRUE(WaitFor(
-      [&] { return Text(GetDlgItem(messages, kIdTxtAdd0)).empty(); }, 10));
-  Click(GetDlgItem(messages, kIdCmdExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
-
-  // Room buster: idle captions.
-  PickMenu(main_, "mnuRoomBuster");
-  HWND buster = WaitWindow(kBusterClass, nullptr, 20);
-  ASSERT_NE(buster, nullptr);
-  EXPECT_EQ(Text(GetDlgItem(buster, kIdBusterStart)), "&start");
-  EXPECT_EQ(Text(GetDlgItem(buster, kIdLblBusts)), "busts: 0");
-  Click(GetDlgItem(buster, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
-
-  // About and credits.
-  PickMenu(main_, "mnuAbout");
-  HWND about = WaitWindow(kAboutClass, nullptr, 20);
-  ASSERT_NE(about, nullptr);
-  EXPECT_NE(
-      Text(GetDlgItem(about, kIdLblText)).find("coded for america online 5.0"),
-      std::string::npos);
-  Click(GetDlgItem(about, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
-
-  // Room people: a right click on lstBanned lists the room; a double
-  // click bans silently.
-  RightClick(Control(kIdLstBanned));
-  HWND room = WaitWindow(kRoomClass, nullptr, 20);
-  ASSERT_NE(room, nullptr);
-  HWND people = GetDlgItem(room, kIdLstRoom);
-  ASSERT_TRUE(WaitFor([&] { return ListCount(people) > 0; }, 20));
-  const int in_room = ListCount(people);
-  const std::string first = ListItem(people, 0);
-  DoubleClickItem(people, 0);
-  EXPECT_TRUE(WaitFor([&] { return ListCount(people) == in_room - 1; }, 20));
-  EXPECT_TRUE(
-      WaitFor([&] { return Caption(kIdLblBanned) == "banned: 1"; }, 20));
-  EXPECT_EQ(ListItem(Control(kIdLstBanned), 0), first);
-  Click(GetDlgItem(room, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kRoomClass); }, 20));
-}
-
-TEST_F(DesktopTest, ServeAndChatFollowsTheRoomAndSaysALineInItsTurn) {
-  Start();
-  ASSERT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
-  PickMenu(main_, "mnuServeNChat");
-  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
-  ASSERT_NE(chat, nullptr);
-  EXPECT_EQ(Text(GetDlgItem(chat, kIdPicTitle)),
-            "quorvex mail server by kestrin");
-  HWND mirror = GetDlgItem(chat, kIdTxtChat);
-  HWND people = GetDlgItem(chat, kIdLstPeople);
-  HWND line = GetDlgItem(chat, kIdTxtSend);
-  // The room's lines arrive as "sn:text" lines; its people are listed
-  // and counted by the form's timer.
-  EXPECT_TRUE(
-      WaitFor([&] { return Text(mirror).find(":") != std::string::npos; }, 60));
-  ASSERT_TRUE(WaitFor([&] { return ListCount(people) > 0; }, 20));
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        return Text(GetDlgItem(chat, kIdLblPeople)) ==
-               "people: " + std::to_string(ListCount(people));
-      },
-      10));
-  // While serving, a typed line is queued and said by the serving loop;
-  // the box empties, and the user's line appears in the room. (The mirror
-  // may be emptied before anyone reads it, so the room's log is asked.)
-  SetText(line, "hello room");
-  PressReturn(line);
-  EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 20));
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        const std::string log = RoomLog();
-        const std::size_t at = log.find("[hello room]");
-        if (at == std::string::npos) return false;
-        const std::size_t line_end = log.rfind('\n', at);
-        const std::size_t line_start =
-            line_end == std::string::npos ? 0 : line_end + 1;
-        return log.substr(line_start, at - line_start).find("  Host: ") !=
-               std::string::npos;
-      },
-      60));
-  // lblExit closes it; the main window goes on serving.
-  Click(GetDlgItem(chat, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kChatroomClass); }, 20));
-  EXPECT_EQ(Caption(kIdCmdStart), "&stop");
 }
 
 RECT Frame(HWND w) {
@@ -388,16 +294,11 @@ bool Overlap(HWND a, HWND b) {
   return IntersectRect(&both, &x, &y) != FALSE;
 }
 
-TEST_F(DesktopTest, SmallWindowsAreToldApartByTitleAndPlace) {
-  PickMenu(main_, "mnuServeNChat");
-  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
-  ASSERT_NE(chat, nullptr);
-  PickMenu(main_, "mnuBanOpts");
-  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
-  ASSERT_NE(banning, nullptr);
-  PickMenu(main_, "mnuAbout");
-  HWND about = WaitWindow(kAboutClass, nullptr, 20);
-  ASSERT_NE(about, nullptr);
+TEST_F(DesktopTest, SmallWindowsOpenShowTheirModelsAndClose) {
+  HWND chat, banning, about;
+  ASSERT_TRUE(Open("mnuServeNChat", kChatroomClass, &chat));
+  ASSERT_TRUE(Open("mnuBanOpts", kBanningClass, &banning));
+  ASSERT_TRUE(Open("mnuAbout", kAboutClass, &about));
   // The task bar and Alt+Tab show one ampersand; the drawn title bar
   // stays the program's.
   EXPECT_EQ(Text(chat), "serve & chat");
@@ -413,66 +314,109 @@ TEST_F(DesktopTest, SmallWindowsAreToldApartByTitleAndPlace) {
   // The first beside the main window, top edges level.
   EXPECT_EQ(Frame(chat).top, Frame(main_).top);
   EXPECT_GT(Frame(chat).left, Frame(main_).right);
+  EXPECT_TRUE(Closes(chat, kIdLblExit, kChatroomClass));
+  EXPECT_NE(
+      Text(GetDlgItem(about, kIdLblText)).find("coded for america online 5.0"),
+      std::string::npos);
+  EXPECT_TRUE(Closes(about, kIdLblExit, kAboutClass));
+
+  // Banning options: the room's stored options, saved again on close.
+  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMistakes)), "2");
+  EXPECT_EQ(Text(GetDlgItem(banning, kIdCmbMails)), "12");
+  EXPECT_EQ(SendMessageW(GetDlgItem(banning, kIdChkFullBox), BM_GETCHECK, 0, 0),
+            BST_CHECKED);
+  Click(GetDlgItem(banning, kIdChkDupReqs));  // unchecks it
+  EXPECT_TRUE(Closes(banning, kIdLblExit, kBanningClass));
+  EXPECT_TRUE(Stored("DupeRequests", "0"));
+
+  // Message editor: Return in the chat entry adds a line; exit closes.
+  HWND messages;
+  ASSERT_TRUE(Open("mnuMessages", kMessagesClass, &messages));
+  HWND lines_of_chat = GetDlgItem(messages, kIdLstChat);
+  const int lines = ListCount(lines_of_chat);
+  SetText(GetDlgItem(messages, kIdTxtAdd0), "a new line");
+  PressReturn(GetDlgItem(messages, kIdTxtAdd0));
+  EXPECT_TRUE(
+      WaitFor([&] { return ListCount(lines_of_chat) == lines + 1; }, 20));
+  EXPECT_EQ(ListItem(lines_of_chat, lines), "a new line");
+  EXPECT_TRUE(WaitFor(
+      [&] { return Text(GetDlgItem(messages, kIdTxtAdd0)).empty(); }, 10));
+  EXPECT_TRUE(Closes(messages, kIdCmdExit, kMessagesClass));
+
+  // Room buster: idle captions.
+  HWND buster;
+  ASSERT_TRUE(Open("mnuRoomBuster", kBusterClass, &buster));
+  EXPECT_EQ(Text(GetDlgItem(buster, kIdBusterStart)), "&start");
+  EXPECT_EQ(Text(GetDlgItem(buster, kIdLblBusts)), "busts: 0");
+  EXPECT_TRUE(Closes(buster, kIdLblExit, kBusterClass));
+
+  // Room people: a right click on lstBanned lists the room; a double
+  // click bans silently.
+  RightClick(Control(kIdLstBanned));
+  HWND room = WaitWindow(kRoomClass, nullptr, 20);
+  ASSERT_NE(room, nullptr);
+  HWND people = GetDlgItem(room, kIdLstRoom);
+  ASSERT_TRUE(WaitFor([&] { return ListCount(people) > 0; }, 20));
+  const int in_room = ListCount(people);
+  const std::string first = ListItem(people, 0);
+  DoubleClickItem(people, 0);
+  EXPECT_TRUE(WaitFor([&] { return ListCount(people) == in_room - 1; }, 20));
+  EXPECT_TRUE(Becomes(kIdLblBanned, "banned: 1"));
+  EXPECT_EQ(ListItem(Control(kIdLstBanned), 0), first);
+  EXPECT_TRUE(Closes(room, kIdLblExit, kRoomClass));
 }
 
 TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   ASSERT_TRUE(ToFront(main_));
   // Tab and Shift+Tab go through the main window's controls.
-  ASSERT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdLstMails); }, 10));
+  ASSERT_TRUE(Focused(main_, Control(kIdLstMails)));
   PressKey(VK_TAB);
-  EXPECT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdLstPending); }, 10));
+  EXPECT_TRUE(Focused(main_, Control(kIdLstPending)));
   // The menu key on the pending list opens its menu, as a right click
   // does; Escape closes it.
   PressKey(VK_APPS);
-  EXPECT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  EXPECT_TRUE(MenuShowing());
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(L"#32768"); }, 10));
+  EXPECT_TRUE(MenuShowing(false));
   PressKey(VK_TAB, true);
-  EXPECT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdLstMails); }, 10));
+  EXPECT_TRUE(Focused(main_, Control(kIdLstMails)));
 
   // Alt+F opens the file menu; Down and Return take its first entry,
   // about, and Escape closes that window.
   PressKey('F', false, true);
-  ASSERT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  ASSERT_TRUE(MenuShowing());
   PressKey(VK_DOWN);
   PressKey(VK_RETURN);
   HWND about = WaitWindow(kAboutClass, nullptr, 20);
   ASSERT_NE(about, nullptr);
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
+  EXPECT_TRUE(Gone(kAboutClass));
 
   // Alt+S underlines start and settings: it moves between them; Return
   // presses start, and the yes/no box takes its Return too.
   ASSERT_TRUE(ToFront(main_));
   PressKey('S', false, true);
-  EXPECT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdCmdStart); }, 10));
+  EXPECT_TRUE(Focused(main_, Control(kIdCmdStart)));
   PressKey('S', false, true);
-  EXPECT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdCmdSettings); }, 10));
+  EXPECT_TRUE(Focused(main_, Control(kIdCmdSettings)));
   PressKey('S', false, true);
-  EXPECT_TRUE(
-      WaitFor([&] { return Focus(main_) == Control(kIdCmdStart); }, 10));
+  EXPECT_TRUE(Focused(main_, Control(kIdCmdStart)));
   PressKey(VK_RETURN);
   HWND box = WaitDialog("make lists", 30);
   ASSERT_NE(box, nullptr);
   ASSERT_TRUE(ToFront(box));
   PressKey(VK_RETURN);
-  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  EXPECT_TRUE(Becomes(kIdCmdStart, "&stop", 60));
   // Alt+P pauses.
   ASSERT_TRUE(ToFront(main_));
   PressKey('P', false, true);
-  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdPause) == "&unpause"; }, 30));
+  EXPECT_TRUE(Becomes(kIdCmdPause, "&unpause", 30));
 
   // The banning options: the mistakes box has the focus; Tab, Tab reaches
   // the pending-mails box. Its list opened and escaped leaves the stored
   // "12"; a choice by the Down key is stored; Escape saves and closes.
-  PickMenu(main_, "mnuBanOpts");
-  HWND banning = WaitWindow(kBanningClass, nullptr, 20);
-  ASSERT_NE(banning, nullptr);
+  HWND banning;
+  ASSERT_TRUE(Open("mnuBanOpts", kBanningClass, &banning));
   ASSERT_TRUE(ToFront(banning));
   HWND mails = GetDlgItem(banning, kIdCmbMails);
   PressKey(VK_TAB);
@@ -495,22 +439,15 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
       },
       10));
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kBanningClass); }, 20));
-  EXPECT_TRUE(WaitFor(
-      [&] {
-        return RegistryFile().find("\"Mails\": \"" + chosen + "\"") !=
-               std::string::npos;
-      },
-      20));
+  EXPECT_TRUE(Gone(kBanningClass));
+  EXPECT_TRUE(Stored("Mails", chosen));
 
   // The room buster: Return in the room's name starts the busting (the
   // room is not full: it is entered at the first try).
-  PickMenu(main_, "mnuRoomBuster");
-  HWND buster = WaitWindow(kBusterClass, nullptr, 20);
-  ASSERT_NE(buster, nullptr);
+  HWND buster;
+  ASSERT_TRUE(Open("mnuRoomBuster", kBusterClass, &buster));
   ASSERT_TRUE(ToFront(buster));
-  ASSERT_TRUE(WaitFor(
-      [&] { return Focus(buster) == GetDlgItem(buster, kIdTxtRoom); }, 10));
+  ASSERT_TRUE(Focused(buster, GetDlgItem(buster, kIdTxtRoom)));
   TypeKeys("quiet room");
   EXPECT_TRUE(WaitFor(
       [&] { return Text(GetDlgItem(buster, kIdTxtRoom)) == "quiet room"; },
@@ -522,18 +459,17 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
       },
       30));
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kBusterClass); }, 20));
+  EXPECT_TRUE(Gone(kBusterClass));
 
   // The message editor: Tab goes through each page's list, line and
   // insert button, then save, exit and the tab strip, whose arrow keys
   // turn the page; Shift+Tab goes back. Return on an insert button opens
   // its menu.
-  PickMenu(main_, "mnuMessages");
-  HWND editor = WaitWindow(kMessagesClass, nullptr, 20);
-  ASSERT_NE(editor, nullptr);
+  HWND editor;
+  ASSERT_TRUE(Open("mnuMessages", kMessagesClass, &editor));
   ASSERT_TRUE(ToFront(editor));
   auto focused = [&](int id) {
-    return WaitFor([&] { return Focus(editor) == GetDlgItem(editor, id); }, 10);
+    return Focused(editor, GetDlgItem(editor, id));
   };
   auto tab_through = [&](std::initializer_list<int> ids, bool back) {
     for (int id : ids) {
@@ -556,42 +492,40 @@ TEST_F(DesktopTest, TheKeyboardDrivesTheWindows) {
   // The mail's text, of several lines, was left without a tab typed in.
   EXPECT_EQ(Text(GetDlgItem(editor, kIdTxtAdd1)).find('\t'), std::string::npos);
   PressKey(VK_RETURN);
-  EXPECT_TRUE(WaitFor([] { return Showing(L"#32768"); }, 10));
+  EXPECT_TRUE(MenuShowing());
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(L"#32768"); }, 10));
+  EXPECT_TRUE(MenuShowing(false));
   EXPECT_TRUE(Showing(kMessagesClass));
   EXPECT_TRUE(tab_through({kIdTxtAdd1, kIdTab}, true));
   PressKey(VK_RIGHT);  // thank you: its list, line and insert button
   EXPECT_TRUE(tab_through(
       {kIdLstThankyou, kIdTxtAdd2, kIdCmdInsert2, kIdCmdSave}, false));
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+  EXPECT_TRUE(Gone(kMessagesClass));
 
   // Alt+E is its exit, and Escape does the same.
   for (const auto& [key, alt] : {std::pair<WORD, bool>{'E', true},
                                  std::pair<WORD, bool>{VK_ESCAPE, false}}) {
-    PickMenu(main_, "mnuMessages");
-    HWND messages = WaitWindow(kMessagesClass, nullptr, 20);
-    ASSERT_NE(messages, nullptr);
+    HWND messages;
+    ASSERT_TRUE(Open("mnuMessages", kMessagesClass, &messages));
     ASSERT_TRUE(ToFront(messages));
     PressKey(key, false, alt);
-    EXPECT_TRUE(WaitFor([] { return !Showing(kMessagesClass); }, 20));
+    EXPECT_TRUE(Gone(kMessagesClass));
   }
 
   // Serve and chat: the line takes the keys and Return; Escape closes.
-  PickMenu(main_, "mnuServeNChat");
-  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
-  ASSERT_NE(chat, nullptr);
+  HWND chat;
+  ASSERT_TRUE(Open("mnuServeNChat", kChatroomClass, &chat));
   ASSERT_TRUE(ToFront(chat));
   HWND line = GetDlgItem(chat, kIdTxtSend);
-  ASSERT_TRUE(WaitFor([&] { return Focus(chat) == line; }, 10));
+  ASSERT_TRUE(Focused(chat, line));
   TypeKeys("hi all");
   EXPECT_TRUE(WaitFor([&] { return Text(line) == "hi all"; }, 10));
   PressKey(VK_RETURN);
   EXPECT_TRUE(WaitFor([&] { return Text(line).empty(); }, 20));
   EXPECT_TRUE(Showing(kChatroomClass));
   PressKey(VK_ESCAPE);
-  EXPECT_TRUE(WaitFor([] { return !Showing(kChatroomClass); }, 20));
+  EXPECT_TRUE(Gone(kChatroomClass));
   EXPECT_EQ(Caption(kIdCmdStart), "&stop");
 }
 
@@ -602,8 +536,7 @@ class LostLogLinesTest : public ProgramTest {
     ProgramTest::SetUp();
     fs::create_directories(root_ / "C" / "Program Files" / "Quorvex" /
                            "Quorvex.log");
-    Launch(Program().wstring(),
-           L"--simulate --speed 20 --root \"" + root_.wstring() + L"\"");
+    LaunchSimulated();
   }
 };
 
@@ -620,7 +553,7 @@ TEST_F(LostLogLinesTest, TheMainWindowsTextSaysHowManyLinesWereLost) {
   };
   EXPECT_TRUE(says("1 line")) << Text(main_);
   Start();
-  EXPECT_TRUE(WaitFor([&] { return Caption(kIdCmdStart) == "&stop"; }, 60));
+  EXPECT_TRUE(Becomes(kIdCmdStart, "&stop", 60));
   EXPECT_TRUE(says("2 lines")) << Text(main_);
 }
 
@@ -654,8 +587,7 @@ TEST_F(ClientlessTest, ASecondsSplashThenAStartSaysTheClientIsNotRunning) {
   std::printf("splash shown for %.3f s\n", splash_seconds_);
   EXPECT_GE(splash_seconds_, 0.45);
   EXPECT_LE(splash_seconds_, 2.2);
-  ASSERT_TRUE(
-      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  ASSERT_TRUE(Becomes(kIdPicStatus, "status: idle", 30));
   EXPECT_TRUE(WaitFor([] { return Setting(L"Load") == "True"; }, 10));
   // Twice: each start says so, and the server stays idle.
   for (int i = 0; i < 2; ++i) {
@@ -670,11 +602,9 @@ TEST_F(ClientlessTest, ASecondsSplashThenAStartSaysTheClientIsNotRunning) {
     EXPECT_EQ(Caption(kIdCmdStart), "&start");
   }
   // The windows answer, and lblExit ends the program, its settings saved.
-  PickMenu(main_, "mnuAbout");
-  HWND about = WaitWindow(kAboutClass, nullptr, 20);
-  ASSERT_NE(about, nullptr);
-  Click(GetDlgItem(about, kIdLblExit));
-  EXPECT_TRUE(WaitFor([] { return !Showing(kAboutClass); }, 20));
+  HWND about;
+  ASSERT_TRUE(Open("mnuAbout", kAboutClass, &about));
+  EXPECT_TRUE(Closes(about, kIdLblExit, kAboutClass));
   Click(Control(kIdLblExit));
   EXPECT_TRUE(Ends(30));
   EXPECT_EQ(Setting(L"Load"), "False");
@@ -699,8 +629,7 @@ class OnStandInTest : public ProgramTest {
 };
 
 TEST_F(OnStandInTest, AStartReadsTheClientsMailboxAndALineIsSaidInItsRoom) {
-  ASSERT_TRUE(
-      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  ASSERT_TRUE(Becomes(kIdPicStatus, "status: idle", 30));
   // The start reads the client's mailbox; with no list mails in it, it
   // offers to make them, and a no leaves the server idle.
   Click(Control(kIdCmdStart));
@@ -709,16 +638,14 @@ TEST_F(OnStandInTest, AStartReadsTheClientsMailboxAndALineIsSaidInItsRoom) {
   EXPECT_EQ(ListCount(Control(kIdLstMails)), 6);
   EXPECT_EQ(ListItem(Control(kIdLstMails), 5), "mail 6");
   PressDialogButton(box, IDNO);
-  EXPECT_TRUE(
-      WaitFor([&] { return Caption(kIdPicStatus) == "status: idle"; }, 30));
+  EXPECT_TRUE(Becomes(kIdPicStatus, "status: idle", 30));
   EXPECT_EQ(Caption(kIdCmdStart), "&start");
 
   // Serve and chat over the client's room: the people read from the
   // client's memory (the user too), and a line typed while the server is
   // idle said at once, then mirrored back from the room's display.
-  PickMenu(main_, "mnuServeNChat");
-  HWND chat = WaitWindow(kChatroomClass, nullptr, 20);
-  ASSERT_NE(chat, nullptr);
+  HWND chat;
+  ASSERT_TRUE(Open("mnuServeNChat", kChatroomClass, &chat));
   EXPECT_TRUE(WaitFor(
       [&] { return Text(GetDlgItem(chat, kIdLblPeople)) == "people: 3"; }, 20));
   EXPECT_EQ(ListCount(GetDlgItem(chat, kIdLstPeople)), 3);

@@ -17,6 +17,7 @@
 #include "ports/ports.h"
 #include "ports/scripted_prompter.h"
 #include "settings/settings.h"
+#include "standin_checks.h"
 #include "standin_process.h"
 #include "win32/win32_host.h"
 #include "win32/win32_machine.h"
@@ -33,12 +34,6 @@ using nlohmann::json;
 // Both processes' clocks run this many times the wall clock.
 constexpr double kSpeed = 4;
 
-bool Heard(const json& state, const std::string& part) {
-  for (const json& line : state["heard"])
-    if (line.get<std::string>().find(part) != std::string::npos) return true;
-  return false;
-}
-
 TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   test::WindowsFolder folder;
   win32::Win32Registry registry("Software\\Quorvex Recovery Test");
@@ -53,10 +48,7 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
           std::to_string(kSpeed),
       150);
   ASSERT_TRUE(client.running());
-  // A list made earlier stands in the mailbox: the start asks nothing.
-  client.Command(
-      "mail  \xC2\xB7\xE2\x80\xA2[ quorvex list number 1 ]"
-      "\xE2\x80\xA2\xC2\xB7");
+  client.Command(test::kEarlierListMail);
   const DWORD first_pid = client.pid();
 
   win32::Win32Host host(kSpeed);
@@ -72,12 +64,10 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   // mail for its forward window, with the other requests queued.
   bool killed = false;
   int pending_at_kill = -1;
-  std::vector<std::string> statuses;
   json state;
   program.Run(false, [&] {
     FrmMain& frm = program.app().frm();
     frm.controls.status.Subscribe([&](const StatusStrip& s) {
-      statuses.push_back(s.text());
       client.Note("the program's " + s.text());
       if (!killed && s.text() == "status: forwarding mail") {
         pending_at_kill = frm.lstPending().Count();
@@ -86,10 +76,9 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
     });
     program.app().Press("cmdStart");
     ASSERT_TRUE(frm.serving.ServerOn) << frm.controls.status.text();
-    client.Command("say Ann|/srv send 1");
-    client.Command("say Bob|/srv send 2");
-    client.Command("say Cal|/srv send 3");
-    client.Command("say Dan|/srv send 4");
+    for (const char* line : {"say Ann|/srv send 1", "say Bob|/srv send 2",
+                             "say Cal|/srv send 3", "say Dan|/srv send 4"})
+      client.Command(line);
     // Served until each of the others has the mail asked for.
     const double end = host.Clock() + 200;
     double next_look = 0;
@@ -116,19 +105,12 @@ TEST(RecoveryTest, AClientKilledMidForwardIsStartedAgainAndServesTheRest) {
   ASSERT_TRUE(killed) << "the forward never began";
   EXPECT_EQ(pending_at_kill, 3);
   // The client came back as a new process of its program, signed on, in
-  // its room.
+  // its room, and said so there.
   EXPECT_NE(client.pid(), first_pid);
   EXPECT_NE(client.pid(), 0u);
   EXPECT_TRUE(state["signed_on"]) << state.dump(1);
   EXPECT_EQ(state["room"], "Lobby");
-  auto saw = [&](const std::string& text) {
-    return std::find(statuses.begin(), statuses.end(), text) != statuses.end();
-  };
-  EXPECT_TRUE(saw("status: restarting aol"));
-  EXPECT_TRUE(saw("status: loading aol"));
-  EXPECT_TRUE(saw("status: signing online"));
-  EXPECT_TRUE(saw("status: busting chatroom"));
-  EXPECT_TRUE(Heard(state, "quorvex restarted <B><U>aol</B></U>"));
+  EXPECT_EQ(test::Heard(state, "quorvex restarted <B><U>aol</B></U>"), 1);
   // Every other request was served, once; the group under way was lost.
   EXPECT_EQ(test::ForwardsReceived(state, "Bob"),
             std::vector<std::string>{"mail 2"});
