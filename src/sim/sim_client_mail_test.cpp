@@ -42,6 +42,14 @@ class SimMailTest : public ClientTest {
   Hwnd ClientBox() {
     return api.FindWindowA(aol::kDialogClass, "America Online");
   }
+  // Sends mail `position` on to `to` at once; the text of the "Error"
+  // window that came of it.
+  std::string ErrorSendingTo(int position, const std::string& to) {
+    ClickIcon(api, Icon(Forward(position, to), 14));
+    Run(1);
+    const Hwnd error = FindDocument(api, "Error");
+    return error ? GetText(api, FindChild(api, error, aol::kViewClass)) : "";
+  }
 };
 
 TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
@@ -136,25 +144,16 @@ TEST_F(SimMailTest, FullMailboxesAreNamedAsWrittenAndMatchedWithoutBlanks) {
   sim.SetFullMailbox("Bob Smith");
   sim.SetFullMailbox("ann");
   sim.SetFullMailbox("ann", false);
-  ClickIcon(api, Icon(Forward(2, "(ann)(bobsmith)"), 14));
-  Run(1);
-  const Hwnd error = FindDocument(api, "Error");
-  ASSERT_NE(error, 0u);
-  EXPECT_EQ(GetText(api, FindChild(api, error, aol::kViewClass)),
-            "bobsmith - Mailbox is full");
+  EXPECT_EQ(ErrorSendingTo(2, "(ann)(bobsmith)"), "bobsmith - Mailbox is full");
   EXPECT_EQ(sim.Mailboxes()["Ann"].size(), 1u);
   EXPECT_TRUE(sim.Mailboxes()["Bob Smith"].empty());
 
   // A line set for a name is shown as written, the name matched as
   // names are; the others keep theirs.
-  ClickIcon(api, Icon(error, 1));
+  ClickIcon(api, Icon(FindDocument(api, "Error"), 1));
   sim.SetFullMailbox("ann");
   sim.SetErrorLine("bob smith", "x-full\r\n-");
-  ClickIcon(api, Icon(Forward(2, "(ann)(bobsmith)"), 14));
-  Run(1);
-  const Hwnd again = FindDocument(api, "Error");
-  ASSERT_NE(again, 0u);
-  EXPECT_EQ(GetText(api, FindChild(api, again, aol::kViewClass)),
+  EXPECT_EQ(ErrorSendingTo(2, "(ann)(bobsmith)"),
             "ann - Mailbox is full\r\nx-full\r\n-");
 }
 

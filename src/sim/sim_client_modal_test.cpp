@@ -1,32 +1,12 @@
 // The client's modal boxes hold their owners until dismissed, and the mail
 // preferences change how mail is sent.
-#include <gtest/gtest.h>
-
 #include "client/error_boxes.h"
-#include "testing/sim_rig.h"
+#include "sim/sim_client_fixture.h"
 
 namespace quorvex {
 namespace {
 
-class SimModalTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    api_.SetUserName("Host");
-    api_.SetRoomName("Lobby");
-    api_.AddPerson("Ann");
-  }
-  // A new "Write Mail" window addressed to Ann.
-  Hwnd WriteToAnn() {
-    ClickIcon(api_, FindToolbarIcon(api_, 2));
-    rig_.Run(1);
-    const Hwnd write = FindDocument(api_, "Write Mail");
-    SetText(api_, FindNthChild(api_, write, "_AOL_Edit", 1), "Ann");
-    return write;
-  }
-
-  SimRig rig_;
-  SimClient& api_ = rig_.client;
-};
+using SimModalTest = SimClientTest;
 
 TEST_F(SimModalTest, SignOnErrorHoldsTheSignOnWindowUntilDismissed) {
   api_.knobs().signon_failures = 1;
@@ -79,8 +59,8 @@ TEST_F(SimModalTest, FullRoomBoxHoldsTheKeywordBoxAndTheToolBar) {
 TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   api_.Launch();
   // As the client comes: confirm and close on, no spell check.
-  Hwnd write = WriteToAnn();
-  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 16));
+  Hwnd write = WriteMail(rig_, "Ann");
+  ClickIcon(api_, Icon(write, 16));
   rig_.Run(1);
   EXPECT_FALSE(api_.IsWindow(write));
   const Hwnd sent_note = api_.FindWindowA("_AOL_Modal", "America Online");
@@ -94,8 +74,8 @@ TEST_F(SimModalTest, MailPreferencesChangeHowMailIsSent) {
   api_.SetPreference(kPrefConfirm, 0);
   api_.SetPreference(kPrefClose, 0);
   api_.SetPreference(kPrefSpellCheck, 1);
-  write = WriteToAnn();
-  const Hwnd send_now = FindNthChild(api_, write, "_AOL_Icon", 16);
+  write = WriteMail(rig_, "Ann");
+  const Hwnd send_now = Icon(write, 16);
   ClickIcon(api_, send_now);
   rig_.Run(1);
   // The spelling is checked first, and the check holds the mail.

@@ -1,22 +1,15 @@
 // The chat room, its people in the client's memory, the keyword box and
 // instant messages.
-#include <gtest/gtest.h>
-
 #include "client/chat_room.h"
 #include "model/list_box.h"
-#include "testing/sim_rig.h"
+#include "sim/sim_client_fixture.h"
 
 namespace quorvex {
 namespace {
 
-class SimRoomTest : public ::testing::Test {
+class SimRoomTest : public SimClientTest {
  protected:
-  void SetUp() override {
-    rig_.client.SetUserName("Host");
-    rig_.client.AddPerson("Ann");
-    rig_.client.SetRoomName("Lobby");
-    rig_.client.Launch();
-  }
+  void SetUp() override { api_.Launch(); }
   Hwnd Room() {
     return api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", "Lobby");
   }
@@ -27,9 +20,6 @@ class SimRoomTest : public ::testing::Test {
     rig_.Run(0.1);
     return FindDocument(api_, "Send Instant Message");
   }
-
-  SimRig rig_;
-  SimClient& api_ = rig_.client;
 };
 
 TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {

@@ -1,21 +1,10 @@
 // Signing off, and the preference pages.
-#include <gtest/gtest.h>
-
-#include "testing/sim_rig.h"
+#include "sim/sim_client_fixture.h"
 
 namespace quorvex {
 namespace {
 
-class SimSessionTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    api_.SetUserName("Host");
-    api_.SetRoomName("Lobby");
-    api_.AddPerson("Ann");
-  }
-  SimRig rig_;
-  SimClient& api_ = rig_.client;
-};
+using SimSessionTest = SimClientTest;
 
 TEST_F(SimSessionTest, SignOffClosesTheOnlineWindowsAndKeywordsWait) {
   api_.Launch();
@@ -46,15 +35,12 @@ TEST_F(SimSessionTest, SignOffDropsWhatWasUnderWay) {
   EXPECT_EQ(FindDocument(api_, "Write Mail"), 0u);
 
   // Written offline, a mail can wait but not go now.
-  ClickIcon(api_, FindToolbarIcon(api_, 2));
-  rig_.Run(3);
-  Hwnd write = FindDocument(api_, "Write Mail");
+  const Hwnd write = WriteMail(rig_, "Ann", 3);
   ASSERT_NE(write, 0u);
-  SetText(api_, FindNthChild(api_, write, "_AOL_Edit", 1), "Ann");
-  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 16));
+  ClickIcon(api_, Icon(write, 16));
   rig_.Run(2);
   EXPECT_TRUE(rig_.events.mails.empty());
-  ClickIcon(api_, FindNthChild(api_, write, "_AOL_Icon", 17));
+  ClickIcon(api_, Icon(write, 17));
   EXPECT_FALSE(api_.IsWindow(write));
   EXPECT_EQ(api_.WaitingCount(), 1);
 }
@@ -69,7 +55,7 @@ TEST_F(SimSessionTest, PreferencePagesRememberTheirCheckBoxes) {
   ASSERT_NE(prefs, 0u);
   Hwnd page = 0, box = 0;
   auto open_mail_page = [&] {
-    ClickIcon(api_, FindNthChild(api_, prefs, "_AOL_Icon", 3));  // Mail
+    ClickIcon(api_, Icon(prefs, 3));  // Mail
     rig_.Run(0.2);
     page = api_.FindWindowA("_aol_modal", "Mail Preferences");
     box = api_.FindWindowExA(page, 0, "_aol_checkbox", confirm);
@@ -80,7 +66,7 @@ TEST_F(SimSessionTest, PreferencePagesRememberTheirCheckBoxes) {
   ClickIcon(api_, box);  // a click toggles
   EXPECT_EQ(api_.SendMessageA(box, kBmGetCheck, 0, 0), 0);
   // Cancel forgets, OK keeps.
-  ClickIcon(api_, FindNthChild(api_, page, "_AOL_Icon", 2));
+  ClickIcon(api_, Icon(page, 2));
   EXPECT_EQ(api_.Preference(confirm), 1);
   open_mail_page();
   api_.SendMessageA(box, kBmSetCheck, 0, 0);

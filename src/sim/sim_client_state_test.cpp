@@ -1,8 +1,6 @@
 // A client whose program is started again keeps its world, and a crash
 // takes its windows at once.
-#include <gtest/gtest.h>
-
-#include "testing/sim_rig.h"
+#include "sim/sim_client_fixture.h"
 
 namespace quorvex {
 namespace {
@@ -34,11 +32,8 @@ TEST(SimClientStateTest, AClientStartedAgainKeepsItsWorldAndPendingFaults) {
   a.world().Deliver("Ann", {"Host", "Fwd: one", "body", "one"});
   // A mail written offline waits to be sent.
   a.SignOff();
-  ClickIcon(a, FindToolbarIcon(a, 2));
-  first.Run(3);
-  const Hwnd write = FindDocument(a, "Write Mail");
+  const Hwnd write = WriteMail(first, "Bob", 3);
   ASSERT_NE(write, 0u);
-  SetText(a, FindNthChild(a, write, "_AOL_Edit", 1), "Bob");
   ClickIcon(a, FindNthChild(a, write, "_AOL_Icon", 17));
   ASSERT_EQ(a.WaitingCount(), 1);
   a.SetPreference("Perform a spell check before sending mail", 1);

@@ -1,21 +1,13 @@
 // The window tree and the message plumbing, walked as the program walks
 // them.
-#include <gtest/gtest.h>
-
-#include "testing/sim_rig.h"
+#include "sim/sim_client_fixture.h"
 
 namespace quorvex {
 namespace {
 
-class SimWindowsTest : public ::testing::Test {
+class SimWindowsTest : public SimClientTest {
  protected:
-  void SetUp() override {
-    rig_.client.SetUserName("Joe Smith");
-    rig_.client.SetRoomName("Lobby 12");
-    rig_.client.Launch();
-  }
-  SimRig rig_;
-  SimClient& api_ = rig_.client;
+  void SetUp() override { api_.Launch(); }
 };
 
 TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
@@ -27,12 +19,12 @@ TEST_F(SimWindowsTest, TreeHasTheClassesCaptionsAndPositionsReliedOn) {
 
   // Signed on: the welcome window holds the name; the room is on top.
   Hwnd top = api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr);
-  EXPECT_EQ(api_.GetWindowTextA(top, 100), "Lobby 12");
-  Hwnd welcome = FindDocument(api_, "Welcome, Joe Smith!");
-  EXPECT_EQ(api_.GetWindowTextLengthA(welcome), 19);
+  EXPECT_EQ(api_.GetWindowTextA(top, 100), "Lobby");
+  Hwnd welcome = FindDocument(api_, "Welcome, Host!");
+  EXPECT_EQ(api_.GetWindowTextLengthA(welcome), 14);
   EXPECT_EQ(api_.GetWindowTextA(welcome, 10), "Welcome, ");  // cut to 9
   EXPECT_EQ(GetText(api_, api_.FindWindowExA(top, 0, "_AOL_Static", nullptr)),
-            "Lobby 12");
+            "Lobby");
   // The room holds its style and font boxes, as a mail being written does:
   // only its people list tells it apart.
   EXPECT_NE(api_.FindWindowExA(top, 0, "_AOL_Combobox", nullptr), 0u);
@@ -76,11 +68,11 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
   // The window's opening keeps the client busy: the next click is lost.
   ClickIcon(api_, FindToolbarIcon(api_, 1));
   rig_.Run(1);
-  EXPECT_EQ(FindDocument(api_, "Joe Smith's Online Mailbox"), 0u);
+  EXPECT_EQ(FindDocument(api_, "Host's Online Mailbox"), 0u);
   rig_.Run(10);
   ClickIcon(api_, FindToolbarIcon(api_, 1));
   rig_.Run(1);
-  EXPECT_NE(FindDocument(api_, "Joe Smith's Online Mailbox"), 0u);
+  EXPECT_NE(FindDocument(api_, "Host's Online Mailbox"), 0u);
 
   api_.knobs().lost_click_chance = 0;
   api_.SendMessageA(FindToolbarIcon(api_, 2), win::kWmLButtonUp, 0, 0);
