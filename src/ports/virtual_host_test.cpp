@@ -4,9 +4,7 @@
 
 #include <string>
 #include <tuple>
-#include <vector>
 
-#include "ports/scripted_prompter.h"
 #include "ports/wait_trace.h"
 
 namespace quorvex {
@@ -180,28 +178,6 @@ TEST(WatchdogTest, StopsALoopThatTurnsTooOftenPerVirtualSecond) {
   std::function<void()> again = [&] { other.Schedule(0, again); };
   other.Schedule(0, again);
   EXPECT_THROW(other.RunUntil(1), NoProgress);
-}
-
-TEST(ScriptedPrompterTest, AnswersInOrderAndReportsEveryBox) {
-  ScriptedPrompter p;
-  std::vector<std::string> shown;
-  p.SetObserver([&](const PromptRecord& r) {
-    shown.push_back(r.kind + "|" + r.title + "|" + r.prompt + "|" +
-                    r.default_text + "|" + r.answer);
-  });
-  for (const char* a : {"srv", " YES ", "maybe"}) p.QueueAnswer(a);
-  EXPECT_EQ(p.InputBox("enter a handle", "handle", "old"), "srv");
-  p.MsgBox("done", "quorvex");  // takes no answer
-  EXPECT_TRUE(p.YesNo("lists?", "lists"));
-  EXPECT_FALSE(p.YesNo("again?", "lists"));  // not "yes": no
-  // Nothing queued: the input box is cancelled, the yes/no box says no.
-  EXPECT_EQ(p.InputBox("name?", "sn", "x"), "");
-  EXPECT_FALSE(p.YesNo("sure?", "quit"));
-  EXPECT_EQ(shown,
-            (std::vector<std::string>{
-                "input|handle|enter a handle|old|srv", "message|quorvex|done||",
-                "yesno|lists|lists?||yes", "yesno|lists|again?||no",
-                "input|sn|name?|x|", "yesno|quit|sure?||no"}));
 }
 
 }  // namespace

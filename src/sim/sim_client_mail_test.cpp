@@ -74,30 +74,6 @@ TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
   EXPECT_EQ(FindDocument(api, kIncomingMail), box);
 }
 
-TEST_F(SimMailTest, ForwardSendNowGoesOnceToEveryRecipient) {
-  const Hwnd fwd = Forward(0, "(ann)(bob smith)(newbie)");
-  ASSERT_NE(fwd, 0u);
-  EXPECT_EQ(GetCaption(api, fwd), "Fwd: cats");
-  EXPECT_EQ(GetText(api, Icon(fwd, 15)), "Send Later");
-  const Hwnd open_mail = FindOpenMail(api);
-  SetBody(fwd, "mail number 1");
-  const Hwnd send_now = Icon(fwd, 14);
-  EXPECT_EQ(GetText(api, send_now), "Send Now");
-  for (int i = 0; i < 5; ++i) ClickIcon(api, send_now);  // one mail only
-  ASSERT_EQ(mails.size(), 1u);
-  EXPECT_TRUE(mails[0].now);
-  Run(1);
-  EXPECT_FALSE(api.IsWindow(fwd));
-  EXPECT_FALSE(api.IsWindow(open_mail));  // it goes with its forward
-  EXPECT_EQ(FindDocument(api, "Status"), 0u);
-  auto boxes = sim.Mailboxes();
-  ASSERT_EQ(boxes["Ann"].size(), 1u);
-  EXPECT_EQ(boxes["Ann"][0].body, "mail number 1");
-  EXPECT_EQ(boxes["Ann"][0].forward_of, "cats");
-  EXPECT_EQ(boxes["Bob Smith"].size(), 1u);
-  EXPECT_EQ(boxes["newbie"].size(), 1u);
-}
-
 TEST_F(SimMailTest, AForwardWindowStillFillingSendsNothing) {
   sim.SetLatency(1);
   const Hwnd fwd = OpenForwardWindow(1);

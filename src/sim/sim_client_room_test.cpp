@@ -14,43 +14,12 @@ class SimRoomTest : public SimClientTest {
     return api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", "Lobby");
   }
   Hwnd Display() { return FindNthChild(api_, Room(), "RICHCNTL", 1); }
-  Hwnd Input() { return FindNthChild(api_, Room(), "RICHCNTL", 2); }
   Hwnd OpenIm(const std::string& to) {
     Keyword(api_, "aol://9293:" + to);
     rig_.Run(0.1);
     return FindDocument(api_, "Send Instant Message");
   }
 };
-
-TEST_F(SimRoomTest, ReturnInTheInputSaysTheLine) {
-  SetText(api_, Input(), "hello all");
-  api_.SendMessageA(Input(), win::kWmChar, 13, 0);
-  EXPECT_EQ(GetText(api_, Input()), "");
-  ASSERT_EQ(rig_.events.chats.size(), 1u);
-  EXPECT_EQ(rig_.events.chats[0].sn, "Host");
-
-  // Posted, the line goes when the program yields; a key down works too;
-  // an empty input says nothing.
-  SetText(api_, Input(), "<b>two</b>");
-  api_.PostMessageA(Input(), win::kWmChar, 13, 0);
-  EXPECT_EQ(GetText(api_, Input()), "<b>two</b>");
-  rig_.Run(0.01);
-  SetText(api_, Input(), "three");
-  PostKey(api_, Input(), win::kVkReturn);
-  rig_.Run(0.01);
-  api_.SendMessageA(Input(), win::kWmChar, 13, 0);
-  // The display renders the tags; the room heard the line as typed.
-  EXPECT_EQ(GetText(api_, Display()),
-            "Host:\thello all\r\nHost:\ttwo\r\nHost:\tthree");
-  ASSERT_EQ(rig_.events.chats.size(), 3u);
-  EXPECT_EQ(rig_.events.chats[1].text, "<b>two</b>");
-
-  // The hidden input still takes typing.
-  api_.ShowWindow(Input(), win::kSwHide);
-  for (char c : std::string("ok\r"))
-    api_.SendMessageA(Input(), win::kWmChar, c, 0);
-  EXPECT_EQ(api_.DisplayLines().back(), "Host:\tok");
-}
 
 TEST_F(SimRoomTest, DisplayKeepsOnlyItsLastLines) {
   api_.knobs().display_lines = 3;

@@ -84,35 +84,6 @@ TEST_F(SimWindowsTest, ClicksWhileBusyAreLostAndHalfClicksDoNothing) {
       0u);
 }
 
-TEST_F(SimWindowsTest, FrameMenuRemembersTheActiveWindowsSize) {
-  Hwnd frame = FindFrame(api_);
-  Hmenu bar = api_.GetMenu(frame);
-  std::uint32_t remember = api_.GetMenuItemID(api_.GetSubMenu(bar, 2), 7);
-  EXPECT_NE(remember, 0xFFFFFFFFu);
-  EXPECT_EQ(api_.GetSubMenu(bar, 9), 0u);
-
-  ClickIcon(api_, FindToolbarIcon(api_, 2));
-  rig_.Run(0.2);
-  Hwnd write = FindDocument(api_, "Write Mail");
-  // Shrinking without SWP_NOZORDER raises it; then its size is kept.
-  api_.SetWindowPos(FindDocument(api_, "Buddy List Window"), 0, 0, 0, 0, 0, 3);
-  api_.SetWindowPos(write, 0, 0, 0, 1, 1, win::kSwpNoMove);
-  EXPECT_EQ(api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr),
-            write);
-  api_.SendMessageA(frame, win::kWmCommand, remember, 0);
-  api_.SendMessageA(write, win::kWmClose, 0, 0);
-  ClickIcon(api_, FindToolbarIcon(api_, 2));
-  rig_.Run(0.2);
-  EXPECT_EQ(api_.WindowSize(FindDocument(api_, "Write Mail")).y, 1);
-  // Other kinds keep their own size.
-  EXPECT_GT(api_.WindowSize(FindDocument(api_, "Buddy List Window")).y, 1);
-
-  // Sign Off is in the menu too.
-  api_.SendMessageA(frame, win::kWmCommand,
-                    api_.GetMenuItemID(api_.GetSubMenu(bar, 3), 0), 0);
-  EXPECT_FALSE(api_.signed_on());
-}
-
 TEST_F(SimWindowsTest, HiddenParentsHideAndThePointerStopsInTheCorner) {
   Hwnd room = api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr);
   Hwnd input = FindNthChild(api_, room, "RICHCNTL", 2);
