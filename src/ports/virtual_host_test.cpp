@@ -10,38 +10,6 @@
 namespace quorvex {
 namespace {
 
-TEST(VirtualHostTest, TimersTickByIntervalAndNeverReenterTheirHandler) {
-  VirtualHost host;
-  int ticks = 0, depth = 0, max_depth = 0, other_ticks = 0;
-  auto slow = host.CreateTimer([&] {
-    ++ticks;
-    max_depth = std::max(max_depth, ++depth);
-    // A long operation yielding to the loop: the other timer runs inside
-    // it, this one must not.
-    if (ticks == 1)
-      for (int i = 0; i < 100; ++i) host.DoEvents(host.Clock() + 0.01);
-    --depth;
-  });
-  auto other = host.CreateTimer([&] { ++other_ticks; });
-  slow->SetInterval(100);
-  other->SetInterval(250);
-  EXPECT_FALSE(slow->enabled());  // created disabled
-  slow->SetEnabled(true);
-  other->SetEnabled(true);
-
-  host.RunUntil(0.1);
-  EXPECT_EQ(ticks, 1);
-  EXPECT_EQ(max_depth, 1);
-  EXPECT_GT(other_ticks, 0);
-  // The next tick comes one interval after the long handler ended.
-  const double ended = host.Elapsed();
-  const int before = ticks;
-  host.RunUntil(ended + 0.099);
-  EXPECT_EQ(ticks, before);
-  host.RunUntil(ended + 0.1);
-  EXPECT_EQ(ticks, before + 1);
-}
-
 TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   VirtualHost host;
   int ticks = 0;
@@ -65,29 +33,6 @@ TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   timer->SetInterval(0);  // never ticks
   host.RunUntil(3.0);
   EXPECT_EQ(ticks, 2);
-}
-
-TEST(VirtualHostTest, ScheduledCallsRunByTimeThenByOrderQueued) {
-  VirtualHost host;
-  std::string order;
-  host.Schedule(0.5, [&] { order += "a"; });
-  host.Schedule(0.1, [&] { order += "b"; });
-  host.Schedule(0.1, [&] { order += "c"; });
-  host.Schedule(0, [&] { order += "d"; });
-  host.ScheduleAt(0.3, [&] { order += "e"; });
-  host.RunUntil(1.0);
-  EXPECT_EQ(order, "dbcea");
-
-  // A call that queues itself again runs once per DoEvents, not for ever.
-  int runs = 0;
-  std::function<void()> again = [&] {
-    ++runs;
-    host.Schedule(0, again);
-  };
-  host.Schedule(0, again);
-  host.DoEvents();
-  host.DoEvents();
-  EXPECT_EQ(runs, 2);
 }
 
 TEST(VirtualHostTest, WaitsJumpToWhatIsDueButNeverPastWakeByOrTheEnd) {

@@ -1,6 +1,6 @@
-// Destroying windows, the popup menu, the client's memory and the rooms
-// of the world; finding and walking windows, mailboxes, capacity and the
-// menu's letters are driven through the client in its tests.
+// The window tree, the popup menu, the client's memory and the rooms of
+// the world; walking windows, mailboxes and the menu's letters are driven
+// through the client in its tests.
 #include "sim/window_tree.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +12,17 @@
 
 namespace quorvex {
 namespace {
+
+TEST(WindowTreeTest, ClassNamesMatchWholeIgnoringCaseAndCaptionsExactly) {
+  WindowTree t;
+  const Hwnd mdi = t.Create(0, "MDIClient", "");
+  const Hwnd box = t.Create(mdi, "AOL Child", "Incoming/Saved Mail", true);
+  t.Create(box, "_AOL_Icon", "Read");
+  EXPECT_EQ(t.Find(box, 0, "_AOL_Ico", nullptr), 0u);
+  EXPECT_EQ(t.Find(mdi, 0, "aol child", "Incoming/Saved Mail"), box);
+  EXPECT_EQ(t.Find(mdi, 0, "AOL Child", "incoming/saved mail"), 0u);
+  EXPECT_EQ(t.Find(mdi, 0, "AOL Child", "Incoming"), 0u);
+}
 
 TEST(WindowTreeTest, DestroyRemovesTheSubtreeAndHandlesAreNeverReused) {
   WindowTree t;
@@ -27,7 +38,7 @@ TEST(WindowTreeTest, DestroyRemovesTheSubtreeAndHandlesAreNeverReused) {
   EXPECT_TRUE(again != top && again != st && again != btn);
 }
 
-TEST(SimWorldTest, RoomsMatchNamesLooselyAndRefuseOneTryAtATime) {
+TEST(SimWorldTest, RoomsMatchNamesLooselyRefuseOneTryAtATimeAndFill) {
   SimWorld w;
   EXPECT_TRUE(w.Join("Tech Chat", "Joe"));
   EXPECT_FALSE(w.Join("techchat", "JOE"));  // same room, same person
@@ -39,6 +50,12 @@ TEST(SimWorldTest, RoomsMatchNamesLooselyAndRefuseOneTryAtATime) {
   EXPECT_FALSE(w.TryEnterRoom("Lobby"));
   EXPECT_FALSE(w.TryEnterRoom("Lobby"));
   EXPECT_TRUE(w.TryEnterRoom("Lobby"));
+  // A room of two with one person in it takes one more, then no one.
+  w.SetRoomCapacity("Lobby", 2);
+  w.Join("Lobby", "Ann");
+  EXPECT_TRUE(w.TryEnterRoom("Lobby"));
+  w.Join("Lobby", "Bob");
+  EXPECT_FALSE(w.TryEnterRoom("Lobby"));
 }
 
 TEST(SimMemoryTest, ReadsOnlyWithinOneMappedBlock) {
