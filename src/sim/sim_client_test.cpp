@@ -59,6 +59,18 @@ TEST_F(SimWindowsTest, TextsAreCutToTheBufferLeavingRoomForItsEnd) {
   EXPECT_EQ(api_.GetClassNameA(welcome, 4), "AOL");
 }
 
+TEST_F(SimWindowsTest, AWindowMovedIsRaisedUnlessToldToKeepItsPlace) {
+  constexpr unsigned kSwpNoZOrder = 4;
+  const Hwnd buddies = FindDocument(api_, "Buddy List Window");
+  auto top = [&] {
+    return api_.FindWindowExA(FindMdiClient(api_), 0, "AOL Child", nullptr);
+  };
+  api_.SetWindowPos(buddies, 0, 0, 0, 1, 1, win::kSwpNoMove | kSwpNoZOrder);
+  EXPECT_EQ(top(), Room());
+  api_.SetWindowPos(buddies, 0, 0, 0, 1, 1, win::kSwpNoMove);
+  EXPECT_EQ(top(), buddies);
+}
+
 TEST_F(SimWindowsTest, WindowsOpenAfterTheLatencyWithNewHandles) {
   api_.SetLatency(0.5);
   PostClickIcon(api_, FindToolbarIcon(api_, 2));
