@@ -23,9 +23,6 @@ class SimMailTest : public ClientTest {
                            static_cast<std::size_t>(n) + 1);
     return s;
   }
-  std::intptr_t Items(Hwnd tree) {
-    return api.SendMessageA(tree, win::kLbGetCount, 0, 0);
-  }
   Hwnd Icon(Hwnd window, int n) {
     return FindNthChild(api, window, aol::kIconClass, n);
   }
@@ -59,7 +56,7 @@ TEST_F(SimMailTest, OfflineMailboxListsDateSenderAndTitle) {
   ASSERT_NE(box, 0u);
   EXPECT_EQ(api.FindWindowA(aol::kPopupMenuClass, nullptr), 0u);  // gone
   const Hwnd tree = FindChild(api, box, aol::kTreeClass);
-  EXPECT_EQ(Items(tree), 3);
+  EXPECT_EQ(api.SendMessageA(tree, win::kLbGetCount, 0, 0), 3);
   EXPECT_EQ(Item(tree, 0), "05/01/2004\tZed\tcats");
   EXPECT_EQ(Item(tree, 1), "05/01/2004\tJoe Smith\tdogs");
   EXPECT_EQ(api.SendMessageA(tree, win::kLbGetTextLen, 3, 0), -1);
@@ -85,35 +82,6 @@ TEST_F(SimMailTest, AForwardWindowStillFillingSendsNothing) {
   Run(1.1);
   EXPECT_EQ(GetText(api, Icon(fwd, 14)), "Send Now");
   EXPECT_TRUE(mails.empty());
-}
-
-TEST_F(SimMailTest, SendLaterWaitsAndDeleteRemovesOnePerClick) {
-  ClickIcon(api, Icon(Forward(0, "cy"), 15));
-  ClickIcon(api, Icon(Forward(1, "ann, (bob smith)"), 15));
-  ASSERT_EQ(mails.size(), 2u);
-  EXPECT_FALSE(mails[0].now);
-  EXPECT_TRUE(sim.Mailboxes()["Ann"].empty());  // not sent yet
-
-  RunToolbarMenu(c, aol::kToolbarMailIcon, 'b');
-  Run(0.2);
-  const Hwnd waiting = FindDocument(api, kMailWaiting);
-  ASSERT_NE(waiting, 0u);
-  const Hwnd tree = FindChild(api, waiting, aol::kTreeClass);
-  EXPECT_EQ(Items(tree), 2);
-  ClickIcon(api, Icon(waiting, aol::kWaitingDeleteIcon));
-  ASSERT_EQ(Items(tree), 1);
-  EXPECT_EQ(Item(tree, 0), "05/01/2004\tann, (bob smith)\tFwd: dogs");
-
-  // The automatic session sends what waits.
-  RunToolbarMenu(c, aol::kToolbarMailIcon, 'a');
-  Run(0.2);
-  const Hwnd session = api.FindWindowA(aol::kModalClass, "Automatic AOL");
-  ASSERT_NE(session, 0u);
-  Run(2);
-  EXPECT_EQ(GetText(api, FindChild(api, session, aol::kViewClass)),
-            "AOL session is complete.");
-  EXPECT_EQ(sim.Mailboxes()["Bob Smith"].size(), 1u);
-  EXPECT_EQ(Items(tree), 0);
 }
 
 TEST_F(SimMailTest, FullMailboxesAreNamedAsWrittenAndMatchedWithoutBlanks) {
