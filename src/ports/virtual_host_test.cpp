@@ -26,6 +26,8 @@ TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   // Enabling again restarts the interval from now.
   timer->SetInterval(200);
   timer->SetEnabled(true);
+  host.RunUntil(1.1);
+  timer->SetEnabled(true);  // already on: it keeps its time
   host.RunUntil(1.199);
   EXPECT_EQ(ticks, 1);
   host.RunUntil(1.2);
