@@ -45,7 +45,7 @@ TEST_F(IniProfileFileTest, RewritesKeepOtherLinesAndPlaces) {
       "[Windows]\n"
       "Load = C:\\old.exe\n"
       "run=\n"
-      "; keep me\n"
+      "; keep=me\n"
       "\n"
       "[Desktop]\n"
       "Wallpaper=none");
@@ -60,7 +60,7 @@ TEST_F(IniProfileFileTest, RewritesKeepOtherLinesAndPlaces) {
             "stray line before any section\r\n"
             "[Windows]\r\n"
             "Load=C:\\Windows\\z.exe\r\n"
-            "; keep me\r\n"
+            "; keep=me\r\n"
             "NewKey=1\r\n"
             "\r\n"
             "[Desktop]\r\n"
@@ -68,8 +68,8 @@ TEST_F(IniProfileFileTest, RewritesKeepOtherLinesAndPlaces) {
             "Pattern=(None)\r\n"
             "[Quorvex]\r\n"
             "ChatName=Lobby\r\n");
-  // A line without "=" is no key, wherever it stands.
-  EXPECT_EQ(ini_.GetString(file_, "Windows", "; keep me", "d"), "d");
+  // A comment is no key, even with an "=" in it.
+  EXPECT_EQ(ini_.GetString(file_, "Windows", "; keep", "d"), "d");
 }
 
 TEST_F(IniProfileFileTest, ReadingStripsBlanksAndOnePairOfQuotes) {
