@@ -4,45 +4,11 @@
 
 #include <string>
 #include <tuple>
-#include <vector>
 
-#include "ports/scripted_prompter.h"
 #include "ports/wait_trace.h"
 
 namespace quorvex {
 namespace {
-
-TEST(VirtualHostTest, TimersTickByIntervalAndNeverReenterTheirHandler) {
-  VirtualHost host;
-  int ticks = 0, depth = 0, max_depth = 0, other_ticks = 0;
-  auto slow = host.CreateTimer([&] {
-    ++ticks;
-    max_depth = std::max(max_depth, ++depth);
-    // A long operation yielding to the loop: the other timer runs inside
-    // it, this one must not.
-    if (ticks == 1)
-      for (int i = 0; i < 100; ++i) host.DoEvents(host.Clock() + 0.01);
-    --depth;
-  });
-  auto other = host.CreateTimer([&] { ++other_ticks; });
-  slow->SetInterval(100);
-  other->SetInterval(250);
-  EXPECT_FALSE(slow->enabled());  // created disabled
-  slow->SetEnabled(true);
-  other->SetEnabled(true);
-
-  host.RunUntil(0.1);
-  EXPECT_EQ(ticks, 1);
-  EXPECT_EQ(max_depth, 1);
-  EXPECT_GT(other_ticks, 0);
-  // The next tick comes one interval after the long handler ended.
-  const double ended = host.Elapsed();
-  const int before = ticks;
-  host.RunUntil(ended + 0.099);
-  EXPECT_EQ(ticks, before);
-  host.RunUntil(ended + 0.1);
-  EXPECT_EQ(ticks, before + 1);
-}
 
 TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   VirtualHost host;
@@ -60,6 +26,8 @@ TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   // Enabling again restarts the interval from now.
   timer->SetInterval(200);
   timer->SetEnabled(true);
+  host.RunUntil(1.1);
+  timer->SetEnabled(true);  // already on: it keeps its time
   host.RunUntil(1.199);
   EXPECT_EQ(ticks, 1);
   host.RunUntil(1.2);
@@ -67,29 +35,6 @@ TEST(VirtualHostTest, TimerDisabledInItsHandlerStaysOffUntilEnabledAgain) {
   timer->SetInterval(0);  // never ticks
   host.RunUntil(3.0);
   EXPECT_EQ(ticks, 2);
-}
-
-TEST(VirtualHostTest, ScheduledCallsRunByTimeThenByOrderQueued) {
-  VirtualHost host;
-  std::string order;
-  host.Schedule(0.5, [&] { order += "a"; });
-  host.Schedule(0.1, [&] { order += "b"; });
-  host.Schedule(0.1, [&] { order += "c"; });
-  host.Schedule(0, [&] { order += "d"; });
-  host.ScheduleAt(0.3, [&] { order += "e"; });
-  host.RunUntil(1.0);
-  EXPECT_EQ(order, "dbcea");
-
-  // A call that queues itself again runs once per DoEvents, not for ever.
-  int runs = 0;
-  std::function<void()> again = [&] {
-    ++runs;
-    host.Schedule(0, again);
-  };
-  host.Schedule(0, again);
-  host.DoEvents();
-  host.DoEvents();
-  EXPECT_EQ(runs, 2);
 }
 
 TEST(VirtualHostTest, WaitsJumpToWhatIsDueButNeverPastWakeByOrTheEnd) {
@@ -180,28 +125,6 @@ TEST(WatchdogTest, StopsALoopThatTurnsTooOftenPerVirtualSecond) {
   std::function<void()> again = [&] { other.Schedule(0, again); };
   other.Schedule(0, again);
   EXPECT_THROW(other.RunUntil(1), NoProgress);
-}
-
-TEST(ScriptedPrompterTest, AnswersInOrderAndReportsEveryBox) {
-  ScriptedPrompter p;
-  std::vector<std::string> shown;
-  p.SetObserver([&](const PromptRecord& r) {
-    shown.push_back(r.kind + "|" + r.title + "|" + r.prompt + "|" +
-                    r.default_text + "|" + r.answer);
-  });
-  for (const char* a : {"srv", " YES ", "maybe"}) p.QueueAnswer(a);
-  EXPECT_EQ(p.InputBox("enter a handle", "handle", "old"), "srv");
-  p.MsgBox("done", "quorvex");  // takes no answer
-  EXPECT_TRUE(p.YesNo("lists?", "lists"));
-  EXPECT_FALSE(p.YesNo("again?", "lists"));  // not "yes": no
-  // Nothing queued: the input box is cancelled, the yes/no box says no.
-  EXPECT_EQ(p.InputBox("name?", "sn", "x"), "");
-  EXPECT_FALSE(p.YesNo("sure?", "quit"));
-  EXPECT_EQ(shown,
-            (std::vector<std::string>{
-                "input|handle|enter a handle|old|srv", "message|quorvex|done||",
-                "yesno|lists|lists?||yes", "yesno|lists|again?||no",
-                "input|sn|name?|x|", "yesno|quit|sure?||no"}));
 }
 
 }  // namespace
